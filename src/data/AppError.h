@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <stdexcept>
+
+/// A run-time error as a handler's error trap sees it: a number and a
+/// description, reported through ReportError. Database failures carry the
+/// statement text that failed so the report can name it.
+class AppError : public std::runtime_error {
+public:
+    AppError(double number, const QString &description, const QString &statement = QString());
+
+    double number() const { return number_; }
+    const QString &description() const { return description_; }
+    /// The statement as the screen wrote it (before any dialect translation); empty when not a database error.
+    const QString &statement() const { return statement_; }
+
+    // Numbers a handler's trap may see (the runtime's own and the provider's generic ones).
+    static constexpr double Overflow = 6;
+    static constexpr double DivisionByZero = 11;
+    static constexpr double TypeMismatch = 13;
+    static constexpr double NoCurrentRecord = 3021;
+    static constexpr double ProviderError = -2147467259;   // 0x80004005, the provider's unspecified error
+    static constexpr double SyntaxError = -2147217900;     // 0x80040E14
+    static constexpr double DataTypeMismatch = -2147217913; // 0x80040E07
+
+private:
+    double number_;
+    QString description_;
+    QString statement_;
+};

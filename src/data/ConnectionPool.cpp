@@ -1,0 +1,80 @@
+#include "ConnectionPool.h"
+
+#include "SqliteDatabase.h"
+
+#include <QFileInfo>
+
+namespace {
+constexpr size_t MaxIdlePerDatabase = 4;
+
+QString poolKey(const QString &location)
+{
+    const QFileInfo info(location);
+    return info.exists() ? info.absoluteFilePath() : location;
+}
+} // namespace
+
+ConnectionPool &ConnectionPool::shared()
+{
+    // Never destroyed: connections handed out may be given back during static destruction.
+    static ConnectionPool *pool = new ConnectionPool;
+    return *pool;
+}
+
+std::shared_ptr<PhysicalConnection> ConnectionPool::acquire(const QString &location, bool readOnly)
+{
+    const QString key = poolKey(location);
+    std::unique_ptr<PhysicalConnection> connection;
+    auto it = idle_.find({key, readOnly});
+    if (it != idle_.end() && !it->second.empty()) {
+        connection = std::move(it->second.back());
+        it->second.pop_back();
+    } else {
+        connection = openDatabase(location, readOnly);
+    }
+    return std::shared_ptr<PhysicalConnection>(connection.release(), [this, key, readOnly](PhysicalConnection *c) {
+        giveBack(key, readOnly, c);
+    });
+}
+
+void ConnectionPool::giveBack(const QString &location, bool readOnly, PhysicalConnection *connection)
+{
+    std::unique_ptr<PhysicalConnection> owned(connection);
+    if (owned->inTransaction()) {
+        try {
+            owned->rollbackTransaction();
+        } catch (...) {
+            return; // a connection that cannot end its transaction is closed, not reused
+        }
+    }
+    auto &list = idle_[{location, readOnly}];
+    if (list.size() < MaxIdlePerDatabase)
+        list.push_back(std::move(owned));
+}
+
+void ConnectionPool::closeIdle(const QString &location)
+{
+    const QString key = poolKey(location);
+    idle_.erase({key, false});
+    idle_.erase({key, true});
+}
+
+void ConnectionPool::clear() { idle_.clear(); }
+
+size_t ConnectionPool::idleCount() const
+{
+    size_t n = 0;
+    for (const auto &entry : idle_)
+        n += entry.second.size();
+    return n;
+}
+
+std::unique_ptr<PhysicalConnection> openDatabase(const QString &location, bool readOnly)
+{
+    return std::make_unique<SqliteDatabase>(location, readOnly);
+}
+
+void createDatabaseFile(const QString &location)
+{
+    SqliteDatabase::createFile(location);
+}

@@ -1,0 +1,116 @@
+#include "DatabaseSchema.h"
+
+#include "AppError.h"
+#include "ConnectionPool.h"
+#include "DbConnection.h"
+
+namespace {
+
+QStringList libraryTables(bool olderRelease)
+{
+    const QString classification = olderRelease ? QStringLiteral("DOUBLE") : QStringLiteral("TEXT(50)");
+    QStringList s;
+    s << QStringLiteral(
+        "CREATE TABLE tblLibItems (ItemID COUNTER PRIMARY KEY, AccessionID TEXT(50), CategoryID INT, SubCategoryID INT, "
+        "ClassificationNo %1, MainSubject TEXT(255), Title TEXT(255) NOT NULL, ByLine TEXT(255), Author1 INT, Author2 INT, %2"
+        "Publisher INT, YearPublished SMALLINT, ItemLanguageID INT, ISBN TEXT(50), Barcode TEXT(50), SeriesID INT, "
+        "Cost DOUBLE DEFAULT 0, ReferenceItem BIT DEFAULT false, DatePurchased DATETIME, DateAdded DATETIME, "
+        "Restricted BIT DEFAULT false, LoanType TEXT(1) DEFAULT 'N', ShelfNumber TEXT(50), %3"
+        "PhasedOut BIT DEFAULT false, PhasedOutDate DATETIME, PhasedOutReason TEXT(50))")
+             .arg(classification, olderRelease ? QString() : QStringLiteral("Author3 INT, "),
+                  olderRelease ? QString() : QStringLiteral("Edition INT, "));
+    s << QStringLiteral("CREATE TABLE tblLibCategories (CategoryID COUNTER PRIMARY KEY, Category TEXT(100), "
+                        "PhasedOut BIT DEFAULT false, PhasedOutDate DATETIME)");
+    s << QStringLiteral("CREATE TABLE tblLibSubCategories (SubCategoryID COUNTER PRIMARY KEY, CategoryID INT, SubCategory TEXT(100), "
+                        "PhasedOut BIT DEFAULT false, PhasedOutDate DATETIME)");
+    s << QStringLiteral("CREATE TABLE tblLibSubjectCodes (Id COUNTER PRIMARY KEY, SubjectDescription TEXT(255), ClassificationNo %1, "
+                        "strSubject TEXT(255)%2)")
+             .arg(classification, olderRelease ? QString() : QStringLiteral(", PhasedOut BIT"));
+    s << QStringLiteral("CREATE TABLE tblLibItemSubjects (subjectid INT, itemid INT)");
+    if (!olderRelease) {
+        s << QStringLiteral("CREATE TABLE tblLibKeywords (KeyID INT IDENTITY UNIQUE,KeywordEng Text(50),KeywordAfr Text(50), PRIMARY KEY (KeyID))");
+        s << QStringLiteral("CREATE TABLE tblLibItemKeywords (KeyID INT,ItemID INT, PRIMARY KEY (KeyID,ItemID))");
+    }
+    s << QStringLiteral("CREATE TABLE tblLibAuthors (AuthorID COUNTER PRIMARY KEY, AuthorSurname TEXT(100), AuthorFirstName TEXT(100), "
+                        "AuthorCode TEXT(20), PhasedOut BIT DEFAULT false)");
+    s << QStringLiteral("CREATE TABLE tblLibPublishers (PublisherID COUNTER PRIMARY KEY, Publisher TEXT(100), PhasedOut BIT DEFAULT false)");
+    s << QStringLiteral("CREATE TABLE tblLibSeries (SeriesID COUNTER PRIMARY KEY, Series TEXT(100), PhasedOut BIT DEFAULT false)");
+    s << QStringLiteral("CREATE TABLE tblLibItemLanguages (ItemLanguageID COUNTER PRIMARY KEY, ItemLanguage TEXT(50)%1)")
+             .arg(olderRelease ? QString() : QStringLiteral(", PhasedOut BIT"));
+    s << QStringLiteral("CREATE TABLE tblLibMasterCatalogue (CategoryID INT, SubCategoryID INT, Title TEXT(255), Author TEXT(255), "
+                        "ContactDetails TEXT(255), Publisher TEXT(255), YearPublished SMALLINT, ItemLanguageID INT, ISBN TEXT(50), "
+                        "Barcode TEXT(50), RetailPrice CURRENCY, Grade TEXT(50), MainSubject TEXT(255))");
+    s << QStringLiteral("CREATE TABLE tblLibBook (Id COUNTER PRIMARY KEY, Title TEXT(255), ISBNCode TEXT(50), phasedout BIT DEFAULT false)");
+    s << QStringLiteral("CREATE TABLE tblLibTransactions (TransactionID COUNTER PRIMARY KEY, AccessionID TEXT(50), MemberType TEXT(1), "
+                        "MemberID INT, ItemID INT, IssueDate DATETIME, DueDate DATETIME, ReturnDate DATETIME, "
+                        "Returned BIT DEFAULT false, Extensions SMALLINT DEFAULT 0)");
+    s << QStringLiteral("CREATE TABLE tblLibTransactionFines (TransactionID INT, MemberID INT, MemberType TEXT(1), "
+                        "FineAmount CURRENCY DEFAULT 0, DateFined DATETIME, PaymentAmount CURRENCY DEFAULT 0, PaymentDate DATETIME, "
+                        "FineCancelled BIT DEFAULT false)");
+    s << QStringLiteral("CREATE TABLE tblLibReserves (ReserveID COUNTER PRIMARY KEY, MemberType TEXT(1), MemberID INT, ItemID INT, "
+                        "ReserveDate DATETIME, Canceled BIT DEFAULT false)");
+    s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
+                        "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
+                        "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
+
+    // Every look-up the screens and the loan routines make.
+    s << QStringLiteral("CREATE INDEX ixItemsAccession ON tblLibItems (AccessionID)");
+    s << QStringLiteral("CREATE INDEX ixItemsTitle ON tblLibItems (Title, AccessionID)");
+    s << QStringLiteral("CREATE INDEX ixItemsMainSubject ON tblLibItems (MainSubject)");
+    s << QStringLiteral("CREATE INDEX ixSubCategoriesCategory ON tblLibSubCategories (CategoryID)");
+    s << QStringLiteral("CREATE INDEX ixItemSubjectsItem ON tblLibItemSubjects (itemid)");
+    s << QStringLiteral("CREATE INDEX ixTransactionsItem ON tblLibTransactions (ItemID, Returned)");
+    s << QStringLiteral("CREATE INDEX ixTransactionsAccession ON tblLibTransactions (AccessionID, Returned)");
+    s << QStringLiteral("CREATE INDEX ixTransactionsMember ON tblLibTransactions (MemberID, MemberType, Returned)");
+    // Two desks can never lend one copy twice: at most one open loan per item.
+    s << QStringLiteral("CREATE UNIQUE INDEX uxTransactionsOpenLoan ON tblLibTransactions (ItemID) WHERE Returned = false");
+    s << QStringLiteral("CREATE INDEX ixFinesTransaction ON tblLibTransactionFines (TransactionID, MemberID, MemberType)");
+    s << QStringLiteral("CREATE INDEX ixFinesMember ON tblLibTransactionFines (MemberID, MemberType)");
+    s << QStringLiteral("CREATE INDEX ixReservesItem ON tblLibReserves (ItemID, ReserveDate)");
+    s << QStringLiteral("CREATE INDEX ixReservesMember ON tblLibReserves (MemberID, MemberType)");
+    if (!olderRelease)
+        s << QStringLiteral("CREATE INDEX ixItemKeywordsItem ON tblLibItemKeywords (ItemID)");
+    return s;
+}
+
+} // namespace
+
+QStringList DatabaseSchema::libraryStatements() { return libraryTables(false); }
+
+QStringList DatabaseSchema::olderReleaseLibraryStatements() { return libraryTables(true); }
+
+QStringList DatabaseSchema::centralStatements()
+{
+    return {
+        QStringLiteral("CREATE TABLE general_info (schoolname TEXT(255))"),
+        QStringLiteral("CREATE TABLE SchoolGrades (ID INT PRIMARY KEY, Name TEXT(50), schoolgrade TEXT(3))"),
+        QStringLiteral("CREATE TABLE Classes (ClassID COUNTER PRIMARY KEY, ClassName TEXT(50), Grade INT)"),
+        QStringLiteral("CREATE TABLE ReasonCodes (ReasonCode INT PRIMARY KEY, ReasonDescription TEXT(100))"),
+        QStringLiteral("CREATE TABLE Learner_Info (ID COUNTER PRIMARY KEY, AccessionNo TEXT(20), SName TEXT(50), FName TEXT(50), "
+                       "NickName TEXT(50), Grade INT, Class INT, Gender TEXT(1), IDNo TEXT(20), Photoname TEXT(255), Status TEXT(1), "
+                       "TSStatusFlag INT, TSReasonCode INT, LuritsIndicator TEXT(10), LuritsFlag INT, LuritsNumber TEXT(20), "
+                       "thedate DATETIME)"),
+        QStringLiteral("CREATE TABLE Educators (EdID COUNTER PRIMARY KEY, SName TEXT(50), FName TEXT(50), IDNumber TEXT(20), "
+                       "[Key] TEXT(20), Status TEXT(1))"),
+        QStringLiteral("CREATE TABLE StaffMembers (staffID COUNTER PRIMARY KEY, SName TEXT(50), FName TEXT(50), IDNumber TEXT(20), "
+                       "Status TEXT(1))"),
+        QStringLiteral("CREATE TABLE Parent_Info (ParentID COUNTER PRIMARY KEY, SName TEXT(50), FName TEXT(50), IDNumber TEXT(20))"),
+        QStringLiteral("CREATE INDEX ixLearnerAccession ON Learner_Info (AccessionNo)"),
+        QStringLiteral("CREATE INDEX ixLearnerClass ON Learner_Info (Grade, Class)"),
+        QStringLiteral("CREATE INDEX ixEducatorIDNumber ON Educators (IDNumber)"),
+        QStringLiteral("CREATE INDEX ixStaffIDNumber ON StaffMembers (IDNumber)"),
+    };
+}
+
+void DatabaseSchema::createDatabase(const QString &path, const QStringList &statements)
+{
+    createDatabaseFile(path);
+    DbConnection connection;
+    connection.DataSource = path;
+    connection.Open();
+    connection.BeginTrans();
+    for (const QString &sql : statements)
+        connection.Execute(sql);
+    connection.CommitTrans();
+    connection.Close();
+}

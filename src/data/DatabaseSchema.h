@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// The table definitions of the library database and of the school
+/// administration (central) tables this program reads, as Jet DDL run through
+/// the dialect layer, so every engine gets the same structure.
+class DatabaseSchema {
+public:
+    /// The library database of the current release, with its indexes.
+    static QStringList libraryStatements();
+    /// The library database as an older release left it: numeric ClassificationNo,
+    /// no keyword tables, no Author3, Edition or PhasedOut on languages and subject codes.
+    static QStringList olderReleaseLibraryStatements();
+    /// The central tables read by this program.
+    static QStringList centralStatements();
+
+    /// Creates a new database file at path and runs the statements in one transaction.
+    /// Throws AppError when the file exists or a statement fails.
+    static void createDatabase(const QString &path, const QStringList &statements);
+    static void createLibraryDatabase(const QString &path) { createDatabase(path, libraryStatements()); }
+    static void createCentralDatabase(const QString &path) { createDatabase(path, centralStatements()); }
+};

@@ -1,0 +1,46 @@
+#include "DbConnection.h"
+
+#include "AppError.h"
+#include "ConnectionPool.h"
+#include "Recordset.h"
+
+DbConnection::~DbConnection() = default;
+
+QString DbConnection::ConnectionString() const
+{
+    return QStringLiteral("Provider=%1;Data Source=%2").arg(Provider, DataSource);
+}
+
+void DbConnection::Open()
+{
+    if (physical_)
+        throw AppError(3705, QStringLiteral("Operation is not allowed when the object is open."));
+    physical_ = ConnectionPool::shared().acquire(DataSource, ReadOnly);
+}
+
+void DbConnection::Close()
+{
+    if (!physical_)
+        throw AppError(3704, QStringLiteral("Operation is not allowed when the object is closed."));
+    physical_.reset();
+}
+
+PhysicalConnection &DbConnection::physical()
+{
+    if (!physical_)
+        throw AppError(3709, QStringLiteral("The connection cannot be used to perform this operation. It is either closed or invalid in this context."));
+    return *physical_;
+}
+
+std::shared_ptr<Recordset> DbConnection::Execute(const QString &sql, int *recordsAffected)
+{
+    auto rows = std::make_shared<Recordset>();
+    const int affected = physical().execute(sql, rows.get());
+    if (recordsAffected)
+        *recordsAffected = affected;
+    return rows;
+}
+
+void DbConnection::BeginTrans() { physical().beginTransaction(); }
+void DbConnection::CommitTrans() { physical().commitTransaction(); }
+void DbConnection::RollbackTrans() { physical().rollbackTransaction(); }

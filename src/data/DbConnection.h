@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+class PhysicalConnection;
+class Recordset;
+
+/// A logical connection to one database, as the screens and the loan routines
+/// hold it: open, run statements, close. The engine connection underneath
+/// comes from the pool, so opening is cheap; once closed, this object refuses
+/// work until it is opened again.
+class DbConnection {
+public:
+    enum State { adStateClosed = 0, adStateOpen = 1 };
+
+    DbConnection() = default;
+    ~DbConnection();
+    DbConnection(const DbConnection &) = delete;
+    DbConnection &operator=(const DbConnection &) = delete;
+
+    // Connection settings, given before Open.
+    QString Provider;
+    QString DataSource;
+    QString Password;
+    bool ReadOnly = false;
+
+    /// "Provider=...;Data Source=...": the text a command takes as its active connection.
+    QString ConnectionString() const;
+
+    /// Throws AppError with the engine's reason when the database cannot be opened.
+    void Open();
+    /// Closing an unopened connection is an error, as it was for the old provider.
+    void Close();
+    State state() const { return physical_ ? adStateOpen : adStateClosed; }
+
+    /// Runs one Jet statement; returns its rows (an empty, field-less result for commands).
+    std::shared_ptr<Recordset> Execute(const QString &sql, int *recordsAffected = nullptr);
+    void BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
+
+private:
+    PhysicalConnection &physical();
+    std::shared_ptr<PhysicalConnection> physical_;
+};

@@ -1,0 +1,799 @@
+#include "JetTranslator.h"
+
+#include "AppError.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+namespace {
+
+constexpr size_t MaxCachedShapes = 4096;
+
+std::string lowerCopy(std::string_view s)
+{
+    std::string out(s);
+    for (char &c : out)
+        if (c >= 'A' && c <= 'Z')
+            c = char(c + 32);
+    return out;
+}
+
+[[noreturn]] void fail(const std::string &message, std::string_view sql)
+{
+    throw AppError(AppError::SyntaxError, QString::fromStdString(message), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
+}
+
+// An output token: fixed text, or a slot that receives a literal of the statement.
+struct OutTok {
+    std::string text;
+    int slot = -1;
+    JetToken::Kind literalKind = JetToken::Number;
+    bool call = false; // a function or table name directly followed by its "("
+};
+using Out = std::vector<OutTok>;
+
+void append(Out &to, const Out &from) { to.insert(to.end(), from.begin(), from.end()); }
+
+bool isBoundaryKeyword(std::string_view lw)
+{
+    static const std::set<std::string, std::less<>> words = {
+        "select", "from", "where", "group", "order", "by", "having", "on", "join", "inner", "left", "right",
+        "outer", "full", "cross", "as", "set", "values", "into", "union", "all", "distinct", "distinctrow",
+        "top", "asc", "desc", "and", "or", "not", "like", "in", "is", "between", "exists", "insert", "update",
+        "delete", "escape", "limit"};
+    return words.count(lw) != 0;
+}
+
+bool isComparison(std::string_view s)
+{
+    return s == "=" || s == "<>" || s == "<" || s == ">" || s == "<=" || s == ">=" || s == "!=";
+}
+
+// One item of an expression segment: an operand (name, literal, call, group) or an operator.
+struct Item {
+    Out toks;
+    bool isOperator = false;
+    std::string op;          // for operators
+    bool callable = false;   // a bare name that a following group makes a call
+    bool simpleName = false; // a (qualified) column name
+    bool stringLiteral = false;
+    bool literal = false;
+    std::string lastName;    // last part of a simple name, lower case
+};
+
+// Rewrites the tokens of one SELECT / INSERT / UPDATE / DELETE statement.
+class Rewriter {
+public:
+    Rewriter(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
+        : traits_(traits), t_(tokens), sql_(sql) {}
+
+    Out run() { return level(0, t_.size()); }
+
+private:
+    struct LevelState {
+        bool inSelectList = false;
+        bool inOrderBy = false;
+        int limitSlot = -1;
+        bool lastFlushedWasExpression = false;
+        std::set<std::string> expressionAliases;
+        std::vector<Item> segment;
+        Out out;
+    };
+
+    size_t matchParen(size_t open, size_t hi) const
+    {
+        int depth = 0;
+        for (size_t i = open; i < hi; ++i) {
+            if (t_[i].isSymbol("("))
+                ++depth;
+            else if (t_[i].isSymbol(")") && --depth == 0)
+                return i;
+        }
+        fail("Missing ), ], or Item in query expression.", sql_);
+    }
+
+    size_t slotOf(size_t i) const
+    {
+        size_t slot = 0;
+        for (size_t k = 0; k < i; ++k)
+            if (t_[k].isLiteral())
+                ++slot;
+        return slot;
+    }
+
+    Out level(size_t lo, size_t hi)
+    {
+        LevelState st;
+        // Slots are numbered in token order; count the literals before this level once.
+        size_t nextSlot = slotOf(lo);
+        for (size_t i = lo; i < hi; ++i) {
+            const JetToken &tok = t_[i];
+            if (tok.isSymbol("(")) {
+                const size_t close = matchParen(i, hi);
+                Out group{OutTok{"("}};
+                append(group, level(i + 1, close));
+                group.push_back(OutTok{")"});
+                for (size_t k = i + 1; k < close; ++k)
+                    if (t_[k].isLiteral())
+                        ++nextSlot;
+                if (!st.segment.empty() && st.segment.back().callable) {
+                    Item &call = st.segment.back();
+                    append(call.toks, group);
+                    call.callable = false;
+                    call.simpleName = false;
+                } else {
+                    Item item;
+                    item.toks = std::move(group);
+                    st.segment.push_back(std::move(item));
+                }
+                i = close;
+                continue;
+            }
+            if (tok.isSymbol(")"))
+                fail("Extra ) in query expression.", sql_);
+            if (tok.isLiteral()) {
+                Item item;
+                item.toks.push_back(OutTok{std::string(), int(nextSlot++), tok.kind});
+                item.literal = true;
+                item.stringLiteral = tok.kind == JetToken::String;
+                st.segment.push_back(std::move(item));
+                continue;
+            }
+            if (tok.kind == JetToken::Bracketed) {
+                Item item;
+                item.toks.push_back(OutTok{std::string(tok.text)});
+                item.simpleName = true;
+                item.lastName = lowerCopy(tok.text.substr(1, tok.text.size() - 2));
+                st.segment.push_back(std::move(item));
+                continue;
+            }
+            if (tok.isSymbol(".")) {
+                if (st.segment.empty() || st.segment.back().isOperator || i + 1 >= hi)
+                    fail("Syntax error in query expression.", sql_);
+                Item &prev = st.segment.back();
+                const JetToken &next = t_[++i];
+                prev.toks.push_back(OutTok{"."});
+                prev.toks.push_back(OutTok{std::string(next.text)});
+                prev.lastName = next.kind == JetToken::Bracketed ? lowerCopy(next.text.substr(1, next.text.size() - 2))
+                                                                  : lowerCopy(next.text);
+                prev.callable = false;
+                continue;
+            }
+            if (tok.kind == JetToken::Symbol) {
+                if (tok.text == "," || isComparison(tok.text)) {
+                    flush(st);
+                    st.out.push_back(OutTok{tok.text == "!=" ? std::string("<>") : std::string(tok.text)});
+                    continue;
+                }
+                if (tok.text == "\\" || tok.text == "^" || tok.text == "!")
+                    fail("Syntax error in query expression near '" + std::string(tok.text) + "'.", sql_);
+                Item item;
+                item.isOperator = true;
+                item.op = std::string(tok.text);
+                item.toks.push_back(OutTok{std::string(tok.text)});
+                st.segment.push_back(std::move(item));
+                continue;
+            }
+            // A word.
+            const std::string lw = lowerCopy(tok.text);
+            const bool followedByGroup = i + 1 < hi && t_[i + 1].isSymbol("(");
+            const bool afterDot = i > lo && t_[i - 1].isSymbol(".");
+            if (!afterDot && isBoundaryKeyword(lw) && !(followedByGroup && (lw == "left" || lw == "right"))) {
+                flush(st);
+                i = keyword(st, lw, i, hi, nextSlot);
+                continue;
+            }
+            Item item;
+            if (!afterDot && !followedByGroup && (lw == "true" || lw == "false")) {
+                item.toks.push_back(OutTok{lw == "true" ? "-1" : "0"});
+                item.literal = true;
+            } else if (followedByGroup) {
+                const std::string native = traits_.functionName(lw);
+                item.toks.push_back(OutTok{native.empty() ? std::string(tok.text) : native});
+                item.toks.back().call = true;
+                item.callable = true;
+            } else {
+                item.toks.push_back(OutTok{std::string(tok.text)});
+                item.simpleName = true;
+                item.lastName = lw;
+            }
+            st.segment.push_back(std::move(item));
+        }
+        flush(st);
+        if (st.limitSlot >= 0) {
+            st.out.push_back(OutTok{"LIMIT"});
+            st.out.push_back(OutTok{std::string(), st.limitSlot, JetToken::Number});
+        }
+        return std::move(st.out);
+    }
+
+    // Handles a clause keyword at index i; returns the index of the last token consumed.
+    size_t keyword(LevelState &st, const std::string &lw, size_t i, size_t hi, size_t &nextSlot)
+    {
+        if (lw == "select") {
+            st.out.push_back(OutTok{"SELECT"});
+            st.inSelectList = true;
+            st.inOrderBy = false;
+            if (i + 1 < hi && (t_[i + 1].isWord("distinct") || t_[i + 1].isWord("distinctrow"))) {
+                st.out.push_back(OutTok{"DISTINCT"});
+                ++i;
+            }
+            if (i + 2 < hi && t_[i + 1].isWord("top") && t_[i + 2].kind == JetToken::Number) {
+                if (i + 3 < hi && t_[i + 3].isWord("percent"))
+                    fail("TOP n PERCENT is not supported by this database engine.", sql_);
+                if (traits_.topAsLimit()) {
+                    st.limitSlot = int(nextSlot++);
+                } else {
+                    st.out.push_back(OutTok{"TOP"});
+                    st.out.push_back(OutTok{std::string(), int(nextSlot++), JetToken::Number});
+                }
+                i += 2;
+            }
+            return i;
+        }
+        if (lw == "from") {
+            st.inSelectList = false;
+        } else if (lw == "order" && i + 1 < hi && t_[i + 1].isWord("by")) {
+            st.out.push_back(OutTok{"ORDER BY"});
+            st.inOrderBy = true;
+            st.inSelectList = false;
+            return i + 1;
+        } else if (lw == "as" && st.inSelectList && st.lastFlushedWasExpression && i + 1 < hi) {
+            const JetToken &alias = t_[i + 1];
+            st.expressionAliases.insert(alias.kind == JetToken::Bracketed
+                                            ? lowerCopy(alias.text.substr(1, alias.text.size() - 2))
+                                            : lowerCopy(alias.text));
+        } else if (lw == "union") {
+            st.inOrderBy = false;
+        } else if (lw == "where" || lw == "group" || lw == "having") {
+            st.inSelectList = false;
+            st.inOrderBy = false;
+        }
+        st.out.push_back(OutTok{lw == "distinctrow" ? std::string("DISTINCT") : std::string(t_[i].text)});
+        return i;
+    }
+
+    void flush(LevelState &st)
+    {
+        std::vector<Item> seg = std::move(st.segment);
+        st.segment.clear();
+        st.lastFlushedWasExpression = false;
+        if (seg.empty())
+            return;
+        const bool expression = seg.size() > 1 || !seg[0].simpleName;
+        const bool plainColumn = seg.size() == 1 && seg[0].simpleName && !st.expressionAliases.count(seg[0].lastName);
+        const bool position = seg.size() == 1 && seg[0].literal;
+        if (st.inSelectList)
+            st.lastFlushedWasExpression = expression && !(seg.size() == 1 && seg[0].literal);
+        // Jet's & joins texts, a Null counting as empty; it binds looser than arithmetic.
+        std::vector<std::vector<Item>> parts(1);
+        for (Item &item : seg) {
+            if (item.isOperator && item.op == "&")
+                parts.emplace_back();
+            else
+                parts.back().push_back(std::move(item));
+        }
+        Out emitted;
+        if (parts.size() > 1) {
+            emitted.push_back(OutTok{"("});
+            for (size_t p = 0; p < parts.size(); ++p) {
+                if (parts[p].empty())
+                    fail("Syntax error (missing operator) in query expression.", sql_);
+                if (p > 0)
+                    emitted.push_back(OutTok{"||"});
+                if (parts[p].size() == 1 && parts[p][0].stringLiteral) {
+                    append(emitted, parts[p][0].toks);
+                    continue;
+                }
+                emitted.push_back(OutTok{"ifnull", -1, JetToken::Number, true});
+                emitted.push_back(OutTok{"("});
+                append(emitted, plusChain(parts[p]));
+                emitted.push_back(OutTok{","});
+                emitted.push_back(OutTok{"''"});
+                emitted.push_back(OutTok{")"});
+            }
+            emitted.push_back(OutTok{")"});
+        } else {
+            emitted = plusChain(parts[0]);
+        }
+        append(st.out, emitted);
+        if (st.inOrderBy && !plainColumn && !position)
+            st.out.push_back(OutTok{traits_.caseInsensitiveOrder()});
+    }
+
+    // Jet's + between texts concatenates (a Null gives Null); between numbers it adds.
+    // A chain with a text literal among its terms is a concatenation.
+    Out plusChain(const std::vector<Item> &part)
+    {
+        bool hasPlus = false, hasOtherOp = false, hasTextTerm = false;
+        for (size_t k = 0; k < part.size(); ++k) {
+            if (part[k].isOperator) {
+                if (part[k].op == "+" && k > 0 && !part[k - 1].isOperator)
+                    hasPlus = true;
+                else
+                    hasOtherOp = true;
+            } else if (part[k].stringLiteral) {
+                hasTextTerm = true;
+            }
+        }
+        Out out;
+        if (hasPlus && hasTextTerm && !hasOtherOp) {
+            out.push_back(OutTok{"("});
+            for (const Item &item : part) {
+                if (item.isOperator) {
+                    out.push_back(OutTok{"||"});
+                } else {
+                    out.push_back(OutTok{"("});
+                    append(out, item.toks);
+                    out.push_back(OutTok{")"});
+                }
+            }
+            out.push_back(OutTok{")"});
+            return out;
+        }
+        for (const Item &item : part)
+            append(out, item.toks);
+        return out;
+    }
+
+    const DialectTraits &traits_;
+    const std::vector<JetToken> &t_;
+    std::string_view sql_;
+};
+
+// Data definition: CREATE TABLE, CREATE INDEX, ALTER TABLE ADD / ALTER, DROP.
+class DdlTranslator {
+public:
+    DdlTranslator(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
+        : traits_(traits), t_(tokens), sql_(sql) {}
+
+    TranslatedStatement createTable()
+    {
+        // CREATE TABLE name ( column-or-constraint , ... )
+        if (t_.size() < 5 || !t_[3].isSymbol("(") || !t_.back().isSymbol(")"))
+            fail("Syntax error in CREATE TABLE statement.", sql_);
+        const std::string table = name(t_[2]);
+        struct Column { std::string name; JetColumnType type; bool identity = false; bool notNull = false; bool primary = false; std::string defaultSql; };
+        std::vector<Column> columns;
+        std::vector<std::string> primaryKey;
+        std::vector<std::vector<std::string>> uniques;
+        size_t i = 4;
+        const size_t end = t_.size() - 1;
+        while (i < end) {
+            if (t_[i].isWord("primary") || t_[i].isWord("constraint") || t_[i].isWord("unique")) {
+                if (t_[i].isWord("constraint"))
+                    i += 2;
+                const bool isPrimary = t_[i].isWord("primary");
+                i += isPrimary ? 2 : 1;
+                std::vector<std::string> names = nameList(i);
+                if (isPrimary)
+                    primaryKey = names;
+                else
+                    uniques.push_back(names);
+            } else {
+                Column c;
+                c.name = name(t_[i++]);
+                if (i >= end)
+                    fail("Syntax error in field definition.", sql_);
+                std::string_view typeName = t_[i++].text;
+                int size = 0;
+                if (i < end && t_[i].isSymbol("(")) {
+                    size = std::atoi(std::string(t_[i + 1].text).c_str());
+                    while (i < end && !t_[i].isSymbol(")"))
+                        ++i;
+                    ++i;
+                }
+                c.type = JetColumnType::fromName(typeName, size);
+                if (c.type.base == JetColumnType::Unknown)
+                    fail("Syntax error in field definition.", sql_);
+                if (c.type.base == JetColumnType::Counter)
+                    c.identity = true;
+                while (i < end && !t_[i].isSymbol(",")) {
+                    if (t_[i].isWord("identity") || t_[i].isWord("autoincrement") || t_[i].isWord("counter")) {
+                        c.identity = true;
+                        if (i + 1 < end && t_[i + 1].isSymbol("(")) {
+                            while (!t_[i].isSymbol(")"))
+                                ++i;
+                        }
+                    } else if (t_[i].isWord("not") && i + 1 < end && t_[i + 1].isWord("null")) {
+                        c.notNull = true;
+                        ++i;
+                    } else if (t_[i].isWord("primary") && i + 1 < end && t_[i + 1].isWord("key")) {
+                        c.primary = true;
+                        ++i;
+                    } else if (t_[i].isWord("default") && i + 1 < end) {
+                        c.defaultSql = defaultValue(i);
+                    } else if (!t_[i].isWord("unique") && !t_[i].isWord("null")) {
+                        fail("Syntax error in field definition.", sql_);
+                    }
+                    ++i;
+                }
+                if (c.primary)
+                    primaryKey = {c.name};
+                columns.push_back(std::move(c));
+            }
+            if (i < end && t_[i].isSymbol(","))
+                ++i;
+        }
+        // A counter that is the whole primary key becomes the engine's own auto-numbered key.
+        std::string counterKey;
+        for (const Column &c : columns)
+            if (c.identity && (primaryKey.empty() || (primaryKey.size() == 1 && equalsNoCase(primaryKey[0], c.name))))
+                counterKey = c.name;
+        std::string sql = "CREATE TABLE " + table + " (";
+        bool first = true;
+        for (const Column &c : columns) {
+            if (!first)
+                sql += ", ";
+            first = false;
+            JetColumnType type = c.type;
+            if (c.identity)
+                type.base = JetColumnType::Counter;
+            sql += traits_.columnDefinition(c.name, type, c.name == counterKey, c.notNull, c.defaultSql);
+        }
+        if (!primaryKey.empty() && counterKey.empty())
+            sql += ", PRIMARY KEY (" + join(primaryKey) + ")";
+        for (const auto &u : uniques)
+            sql += ", UNIQUE (" + join(u) + ")";
+        sql += ")";
+        TranslatedStatement ts;
+        ts.sql = std::move(sql);
+        return ts;
+    }
+
+    TranslatedStatement alterTable()
+    {
+        // ALTER TABLE t ADD [COLUMN] c type | ALTER TABLE t ALTER [COLUMN] c type | DROP [COLUMN] c
+        if (t_.size() < 5)
+            fail("Syntax error in ALTER TABLE statement.", sql_);
+        const std::string table = name(t_[2]);
+        size_t i = 3;
+        const bool add = t_[i].isWord("add");
+        const bool alter = t_[i].isWord("alter");
+        const bool drop = t_[i].isWord("drop");
+        if (!add && !alter && !drop)
+            fail("Syntax error in ALTER TABLE statement.", sql_);
+        ++i;
+        if (i < t_.size() && t_[i].isWord("column"))
+            ++i;
+        if (i >= t_.size())
+            fail("Syntax error in ALTER TABLE statement.", sql_);
+        const std::string column = name(t_[i++]);
+        TranslatedStatement ts;
+        if (drop) {
+            ts.sql = "ALTER TABLE " + table + " DROP COLUMN " + column;
+            return ts;
+        }
+        if (i >= t_.size())
+            fail("Syntax error in field definition.", sql_);
+        std::string_view typeName = t_[i++].text;
+        int size = 0;
+        if (i + 1 < t_.size() && t_[i].isSymbol("("))
+            size = std::atoi(std::string(t_[i + 1].text).c_str());
+        const JetColumnType type = JetColumnType::fromName(typeName, size);
+        if (type.base == JetColumnType::Unknown)
+            fail("Syntax error in field definition.", sql_);
+        if (add) {
+            ts.sql = "ALTER TABLE " + table + " ADD COLUMN " + traits_.columnDefinition(column, type, false, false, std::string());
+            return ts;
+        }
+        ts.kind = TranslatedStatement::AlterColumnType;
+        ts.table = table;
+        ts.column = column;
+        ts.newType = type;
+        return ts;
+    }
+
+private:
+    std::string name(const JetToken &tok) const
+    {
+        if (tok.kind == JetToken::Bracketed)
+            return std::string(tok.text);
+        if (tok.kind != JetToken::Word)
+            fail("Syntax error in field definition.", sql_);
+        return std::string(tok.text);
+    }
+
+    std::vector<std::string> nameList(size_t &i) const
+    {
+        std::vector<std::string> names;
+        if (i >= t_.size() || !t_[i].isSymbol("("))
+            fail("Syntax error in CONSTRAINT clause.", sql_);
+        for (++i; i < t_.size() && !t_[i].isSymbol(")"); ++i)
+            if (!t_[i].isSymbol(","))
+                names.push_back(name(t_[i]));
+        ++i;
+        return names;
+    }
+
+    std::string defaultValue(size_t &i) const
+    {
+        const JetToken &v = t_[++i];
+        if (v.isWord("true"))
+            return "-1";
+        if (v.isWord("false"))
+            return "0";
+        if (v.isSymbol("-") && i + 1 < t_.size()) {
+            ++i;
+            return "-" + std::string(t_[i].text);
+        }
+        if (v.kind == JetToken::Number || v.kind == JetToken::String || v.isWord("null"))
+            return std::string(v.text);
+        fail("Syntax error in DEFAULT clause.", sql_);
+    }
+
+    static std::string join(const std::vector<std::string> &names)
+    {
+        std::string s;
+        for (const auto &n : names)
+            s += (s.empty() ? "" : ", ") + n;
+        return s;
+    }
+
+    const DialectTraits &traits_;
+    const std::vector<JetToken> &t_;
+    std::string_view sql_;
+};
+
+std::string shapeKey(const std::vector<JetToken> &tokens)
+{
+    std::string key;
+    key.reserve(256);
+    for (const JetToken &tok : tokens) {
+        key += char(tok.kind);
+        if (!tok.isLiteral()) {
+            for (char c : tok.text)
+                key += (c >= 'A' && c <= 'Z') ? char(c + 32) : c;
+        }
+        key += '\x1f';
+    }
+    return key;
+}
+
+bool needsSpace(const std::string &prev, bool prevCall, const std::string &cur)
+{
+    if (prev.empty() || prevCall)
+        return false;
+    return !(prev == "(" || prev == "." || cur == ")" || cur == "," || cur == ".");
+}
+
+JetTranslator::Template compile(TranslatedStatement::Kind kind, const Out &out)
+{
+    JetTranslator::Template tpl;
+    tpl.kind = kind;
+    std::string fixed;
+    std::string prev;
+    bool prevCall = false;
+    for (const OutTok &tok : out) {
+        const std::string &cur = tok.slot >= 0 ? std::string("'") : tok.text;
+        if (needsSpace(prev, prevCall, cur))
+            fixed += ' ';
+        prevCall = tok.call;
+        if (tok.slot >= 0) {
+            tpl.pieces.push_back({std::move(fixed), tok.slot, tok.literalKind});
+            fixed.clear();
+        } else {
+            fixed += tok.text;
+        }
+        prev = cur;
+    }
+    tpl.pieces.push_back({std::move(fixed), -1, JetToken::Number});
+    return tpl;
+}
+
+} // namespace
+
+JetTranslator::JetTranslator(std::unique_ptr<DialectTraits> traits) : traits_(std::move(traits)) {}
+JetTranslator::~JetTranslator() = default;
+
+size_t JetTranslator::cachedShapes() const
+{
+    std::lock_guard lock(mutex_);
+    return cache_.size();
+}
+
+void JetTranslator::clearCache()
+{
+    std::lock_guard lock(mutex_);
+    cache_.clear();
+}
+
+std::string JetTranslator::renderLiteral(const JetToken &token) const
+{
+    switch (token.kind) {
+    case JetToken::String:
+        if (token.text.front() == '\'')
+            return std::string(token.text);
+        {
+            // "text" in Jet is a text literal: requote it for engines that read "" as a name.
+            std::string s = "'";
+            const std::string_view inner = token.text.substr(1, token.text.size() - 2);
+            for (size_t k = 0; k < inner.size(); ++k) {
+                if (inner[k] == '"' && k + 1 < inner.size() && inner[k + 1] == '"')
+                    ++k;
+                if (inner[k] == '\'')
+                    s += '\'';
+                s += inner[k];
+            }
+            return s + "'";
+        }
+    case JetToken::Date: {
+        std::string iso;
+        if (!parseJetDate(token.text.substr(1, token.text.size() - 2), &iso))
+            return std::string();
+        return traits_->dateLiteral(iso);
+    }
+    default:
+        return std::string(token.text);
+    }
+}
+
+TranslatedStatement JetTranslator::translate(std::string_view sql)
+{
+    std::vector<JetToken> tokens;
+    std::string error;
+    if (!JetLexer::tokenize(sql, &tokens, &error))
+        fail(error, sql);
+
+    if (traits_->passThrough()) {
+        TranslatedStatement ts;
+        ts.kind = tokens[0].isWord("select") || tokens[0].isWord("transform") ? TranslatedStatement::Rows : TranslatedStatement::Command;
+        ts.sql = std::string(sql);
+        return ts;
+    }
+
+    const JetToken &first = tokens[0];
+    if (first.isWord("create") && tokens.size() > 2 && tokens[1].isWord("table"))
+        return DdlTranslator(*traits_, tokens, sql).createTable();
+    if (first.isWord("alter") && tokens.size() > 2 && tokens[1].isWord("table"))
+        return DdlTranslator(*traits_, tokens, sql).alterTable();
+
+    const std::string key = shapeKey(tokens);
+    std::shared_ptr<const Template> tpl;
+    {
+        std::lock_guard lock(mutex_);
+        auto it = cache_.find(key);
+        if (it != cache_.end())
+            tpl = it->second;
+    }
+    if (!tpl) {
+        if (!(first.isWord("select") || first.isWord("insert") || first.isWord("update") || first.isWord("delete")
+              || first.isWord("create") || first.isWord("drop")))
+            fail("Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'.", sql);
+        std::vector<JetToken> body = tokens;
+        // Jet's "DELETE * FROM t" and "DELETE t.* FROM t": the engines want "DELETE FROM t".
+        if (first.isWord("delete")) {
+            auto from = std::find_if(body.begin(), body.end(), [](const JetToken &t) { return t.isWord("from"); });
+            if (from == body.end())
+                fail("Syntax error in DELETE statement.", sql);
+            body.erase(body.begin() + 1, from);
+        }
+        const Out out = Rewriter(*traits_, body, sql).run();
+        auto made = std::make_shared<const Template>(compile(first.isWord("select") ? TranslatedStatement::Rows : TranslatedStatement::Command, out));
+        std::lock_guard lock(mutex_);
+        if (cache_.size() >= MaxCachedShapes)
+            cache_.clear();
+        cache_.emplace(key, made);
+        tpl = std::move(made);
+    }
+
+    // Fill the template with this statement's literals.
+    std::vector<const JetToken *> literals;
+    literals.reserve(16);
+    for (const JetToken &tok : tokens)
+        if (tok.isLiteral())
+            literals.push_back(&tok);
+    TranslatedStatement ts;
+    ts.kind = tpl->kind;
+    ts.sql.reserve(sql.size() + 32);
+    for (const Piece &piece : tpl->pieces) {
+        ts.sql += piece.fixed;
+        if (piece.slot < 0)
+            continue;
+        if (size_t(piece.slot) >= literals.size())
+            fail("Syntax error in query expression.", sql);
+        const JetToken &lit = *literals[size_t(piece.slot)];
+        if (lit.kind == JetToken::Number) {
+            ts.sql += lit.text;
+            continue;
+        }
+        const std::string rendered = renderLiteral(lit);
+        if (rendered.empty())
+            fail("Syntax error in date in query expression '" + std::string(lit.text) + "'.", sql);
+        ts.sql += rendered;
+    }
+    return ts;
+}
+
+namespace {
+
+bool readNumber(std::string_view s, size_t &i, int maxDigits, int *value)
+{
+    int digits = 0, v = 0;
+    while (i < s.size() && s[i] >= '0' && s[i] <= '9' && digits < maxDigits) {
+        v = v * 10 + (s[i] - '0');
+        ++i;
+        ++digits;
+    }
+    *value = v;
+    return digits > 0;
+}
+
+bool validDate(int y, int m, int d)
+{
+    static const int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    if (y < 100 || y > 9999 || m < 1 || m > 12 || d < 1)
+        return false;
+    const bool leap = (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+    return d <= days[m - 1] + ((m == 2 && leap) ? 1 : 0);
+}
+
+} // namespace
+
+bool parseJetDate(std::string_view text, std::string *iso)
+{
+    size_t i = 0;
+    while (i < text.size() && text[i] == ' ')
+        ++i;
+    int a = 0, b = 0, c = 0;
+    if (!readNumber(text, i, 4, &a) || i >= text.size())
+        return false;
+    const char sep = text[i];
+    if (sep != '-' && sep != '/')
+        return false;
+    ++i;
+    if (!readNumber(text, i, 2, &b) || i >= text.size() || text[i] != sep)
+        return false;
+    ++i;
+    if (!readNumber(text, i, 4, &c))
+        return false;
+    int y, m, d;
+    if (a > 31) { // yyyy-mm-dd or yyyy/mm/dd
+        y = a; m = b; d = c;
+    } else {      // m/d/yyyy, as Jet reads a date literal
+        m = a; d = b; y = c;
+        if (y < 100)
+            y += y < 30 ? 2000 : 1900;
+    }
+    if (!validDate(y, m, d))
+        return false;
+    int hh = 0, mm = 0, ss = 0;
+    while (i < text.size() && text[i] == ' ')
+        ++i;
+    if (i < text.size()) {
+        if (!readNumber(text, i, 2, &hh) || i >= text.size() || text[i] != ':')
+            return false;
+        ++i;
+        if (!readNumber(text, i, 2, &mm))
+            return false;
+        if (i < text.size() && text[i] == ':') {
+            ++i;
+            if (!readNumber(text, i, 2, &ss))
+                return false;
+        }
+        while (i < text.size() && text[i] == ' ')
+            ++i;
+        if (i + 1 < text.size() && (text[i] == 'A' || text[i] == 'a' || text[i] == 'P' || text[i] == 'p')
+            && (text[i + 1] == 'M' || text[i + 1] == 'm')) {
+            if (hh < 1 || hh > 12)
+                return false;
+            const bool pm = text[i] == 'P' || text[i] == 'p';
+            hh = (hh % 12) + (pm ? 12 : 0);
+            i += 2;
+        }
+        while (i < text.size() && text[i] == ' ')
+            ++i;
+        if (i != text.size() || hh > 23 || mm > 59 || ss > 59)
+            return false;
+    }
+    char buf[64];
+    if (hh == 0 && mm == 0 && ss == 0)
+        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d", y, m, d);
+    else
+        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", y, m, d, hh, mm, ss);
+    *iso = buf;
+    return true;
+}

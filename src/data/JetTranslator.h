@@ -1,0 +1,79 @@
+#pragma once
+
+#include "JetColumnType.h"
+#include "JetLexer.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+/// The engine-ready form of one Jet statement.
+struct TranslatedStatement {
+    enum Kind { Rows, Command, AlterColumnType };
+    Kind kind = Command;
+    std::string sql;
+    // For AlterColumnType (ALTER TABLE t ALTER col type): the engine changes the column's type itself.
+    std::string table;
+    std::string column;
+    JetColumnType newType;
+};
+
+/// What differs between the engines a Jet statement is translated for.
+class DialectTraits {
+public:
+    virtual ~DialectTraits() = default;
+    virtual const char *name() const = 0;
+    /// The Jet engine itself (an Access file through ODBC) takes the text unchanged.
+    virtual bool passThrough() const { return false; }
+    /// Native name for a Jet function (lower-case input), or empty to keep the name as written.
+    virtual std::string functionName(std::string_view lowerJetName) const = 0;
+    /// A date literal from "yyyy-mm-dd" or "yyyy-mm-dd hh:mm:ss".
+    virtual std::string dateLiteral(const std::string &iso) const = 0;
+    /// Appended to ORDER BY terms that are expressions, so text sorts without regard to case as Jet sorts it.
+    virtual std::string caseInsensitiveOrder() const = 0;
+    /// One column of CREATE TABLE / ALTER TABLE ADD.
+    virtual std::string columnDefinition(const std::string &name, JetColumnType type, bool counterKey, bool notNull,
+                                         const std::string &defaultSql) const = 0;
+    /// Whether TOP n becomes LIMIT n at the end of its SELECT.
+    virtual bool topAsLimit() const { return true; }
+};
+
+/// Translates Jet (Access) SQL, as the screens and the query catalogue write it,
+/// into the SQL of one engine. Statements of a shape seen before (the same text but
+/// for literal values) are filled from a cache instead of being parsed again.
+/// Thread-safe.
+class JetTranslator {
+public:
+    explicit JetTranslator(std::unique_ptr<DialectTraits> traits);
+    ~JetTranslator();
+
+    /// Throws AppError (a syntax error carrying the original text) when the statement cannot be translated.
+    TranslatedStatement translate(std::string_view jetSql);
+
+    const DialectTraits &traits() const { return *traits_; }
+    size_t cachedShapes() const;
+    void clearCache();
+
+    struct Piece {
+        std::string fixed;      // text before the slot
+        int slot = -1;          // literal index, -1 for the tail
+        JetToken::Kind literalKind = JetToken::Number;
+    };
+    struct Template {
+        TranslatedStatement::Kind kind = TranslatedStatement::Command;
+        std::vector<Piece> pieces;
+    };
+
+private:
+    std::string renderLiteral(const JetToken &token) const;
+    std::unique_ptr<DialectTraits> traits_;
+    mutable std::mutex mutex_;
+    std::unordered_map<std::string, std::shared_ptr<const Template>> cache_;
+};
+
+/// Parses the inside of a Jet date literal (m/d/yyyy, yyyy-mm-dd, yyyy/mm/dd, optional time)
+/// to "yyyy-mm-dd" or "yyyy-mm-dd hh:mm:ss"; false for an impossible date.
+bool parseJetDate(std::string_view text, std::string *iso);

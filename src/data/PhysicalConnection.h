@@ -1,0 +1,26 @@
+#pragma once
+
+#include "JetTranslator.h"
+
+#include <QString>
+
+class Recordset;
+
+/// One open connection of a database engine. Takes Jet SQL, has it translated
+/// for its engine and runs it.
+class PhysicalConnection {
+public:
+    virtual ~PhysicalConnection() = default;
+
+    /// Runs one Jet statement. Rows go to *rows when the statement returns rows
+    /// (rows may be null for commands). Returns the number of rows changed.
+    /// Throws AppError carrying the Jet text on any failure.
+    virtual int execute(const QString &jetSql, Recordset *rows) = 0;
+
+    virtual void beginTransaction() = 0;
+    virtual void commitTransaction() = 0;
+    virtual void rollbackTransaction() = 0;
+    virtual bool inTransaction() const = 0;
+
+    virtual const JetTranslator &translator() const = 0;
+};

@@ -1,0 +1,327 @@
+#include "SqliteDatabase.h"
+
+#include "AppError.h"
+#include "JetFunctions.h"
+#include "Recordset.h"
+#include "SqliteDialect.h"
+
+#include <QFileInfo>
+
+#include <sqlite3.h>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr size_t MaxPreparedStatements = 256;
+
+Recordset::FieldType typeFromDeclaration(const char *decl)
+{
+    if (!decl)
+        return Recordset::FieldType::Unknown;
+    const JetColumnType t = JetColumnType::fromName(std::string_view(decl).substr(0, std::string_view(decl).find('(')));
+    switch (t.base) {
+    case JetColumnType::Bool: return Recordset::FieldType::Bool;
+    case JetColumnType::Date: return Recordset::FieldType::Date;
+    case JetColumnType::Currency: return Recordset::FieldType::Currency;
+    case JetColumnType::Double: return Recordset::FieldType::Double;
+    case JetColumnType::Text:
+    case JetColumnType::Memo: return Recordset::FieldType::Text;
+    case JetColumnType::Unknown: return Recordset::FieldType::Unknown;
+    default: return Recordset::FieldType::Integer;
+    }
+}
+
+// Jet's wording for the failures a librarian or the program's own checks meet.
+QString jetMessage(const char *engineMessage, double *number)
+{
+    const QString msg = QString::fromUtf8(engineMessage);
+    *number = AppError::ProviderError;
+    if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::TypeCheckPrefix))) {
+        *number = AppError::DataTypeMismatch;
+        return QStringLiteral("Data type mismatch in criteria expression.");
+    }
+    if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::SizeCheckPrefix)))
+        return QStringLiteral("The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less data.");
+    if (msg.startsWith(QLatin1String("UNIQUE constraint failed")))
+        return QStringLiteral("The changes you requested to the table were not successful because they would create duplicate "
+                              "values in the index, primary key, or relationship.  Change the data in the field or fields that "
+                              "contain duplicate data, remove the index, or redefine the index to permit duplicate entries and try again.");
+    if (msg.contains(QLatin1String("syntax error")) || msg.startsWith(QLatin1String("no such")))
+        *number = AppError::SyntaxError;
+    return msg;
+}
+
+std::string quoteName(const std::string &name) { return "\"" + name + "\""; }
+
+} // namespace
+
+JetTranslator &SqliteDatabase::sharedTranslator()
+{
+    static JetTranslator translator(std::make_unique<SqliteDialect>());
+    return translator;
+}
+
+SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
+{
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.exists() || !info.isFile())
+        throw AppError(AppError::ProviderError, QStringLiteral("Could not find file '%1'.").arg(path));
+    const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
+    if (sqlite3_open_v2(path.toUtf8().constData(), &db_, flags, nullptr) != SQLITE_OK) {
+        const QString reason = QString::fromUtf8(sqlite3_errmsg(db_));
+        sqlite3_close(db_);
+        db_ = nullptr;
+        throw AppError(AppError::ProviderError, QStringLiteral("Could not use '%1'; %2.").arg(path, reason));
+    }
+    sqlite3_busy_timeout(db_, 5000);
+    sqlite3_extended_result_codes(db_, 1);
+    try {
+        // Reading the schema proves the file is a database at all.
+        exec("SELECT count(*) FROM sqlite_master");
+        if (!readOnly) {
+            exec("PRAGMA journal_mode=WAL");
+            exec("PRAGMA synchronous=FULL");
+        } else {
+            exec("PRAGMA query_only=1");
+        }
+    } catch (const AppError &) {
+        sqlite3_close(db_);
+        db_ = nullptr;
+        throw AppError(AppError::ProviderError, QStringLiteral("Unrecognized database format '%1'.").arg(path));
+    }
+    registerJetFunctions(db_);
+}
+
+SqliteDatabase::~SqliteDatabase()
+{
+    for (auto &entry : statements_)
+        sqlite3_finalize(entry.second);
+    sqlite3_close(db_);
+}
+
+void SqliteDatabase::createFile(const QString &path)
+{
+    if (QFileInfo::exists(path))
+        throw AppError(AppError::ProviderError, QStringLiteral("Database '%1' already exists.").arg(path));
+    sqlite3 *db = nullptr;
+    const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    char *err = nullptr;
+    if (rc == SQLITE_OK)
+        sqlite3_exec(db, "PRAGMA journal_mode=WAL; CREATE TABLE shelvora_probe(x); DROP TABLE shelvora_probe;", nullptr, nullptr, &err);
+    const QString reason = rc != SQLITE_OK ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(err ? err : "");
+    sqlite3_free(err);
+    sqlite3_close(db);
+    if (rc != SQLITE_OK || !reason.isEmpty())
+        throw AppError(AppError::ProviderError, QStringLiteral("Cannot create database '%1': %2").arg(path, reason));
+}
+
+void SqliteDatabase::raise(int code, const QString &jetSql) const
+{
+    Q_UNUSED(code);
+    double number = 0;
+    const QString message = jetMessage(sqlite3_errmsg(db_), &number);
+    throw AppError(number, message, jetSql);
+}
+
+void SqliteDatabase::exec(const std::string &nativeSql, const QString &jetSql)
+{
+    char *err = nullptr;
+    if (sqlite3_exec(db_, nativeSql.c_str(), nullptr, nullptr, &err) != SQLITE_OK) {
+        double number = 0;
+        const QString message = jetMessage(err ? err : sqlite3_errmsg(db_), &number);
+        sqlite3_free(err);
+        throw AppError(number, message, jetSql.isEmpty() ? QString::fromStdString(nativeSql) : jetSql);
+    }
+}
+
+sqlite3_stmt *SqliteDatabase::prepare(const std::string &sql, const QString &jetSql)
+{
+    auto it = statements_.find(sql);
+    if (it != statements_.end())
+        return it->second;
+    sqlite3_stmt *stmt = nullptr;
+    const char *tail = nullptr;
+    const int rc = sqlite3_prepare_v3(db_, sql.c_str(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &stmt, &tail);
+    if (rc != SQLITE_OK)
+        raise(rc, jetSql);
+    if (!stmt) // nothing but white space
+        throw AppError(AppError::SyntaxError, QStringLiteral("Invalid SQL statement."), jetSql);
+    if (statements_.size() >= MaxPreparedStatements) {
+        for (auto &entry : statements_)
+            sqlite3_finalize(entry.second);
+        statements_.clear();
+    }
+    statements_.emplace(sql, stmt);
+    return stmt;
+}
+
+int SqliteDatabase::execute(const QString &jetSql, Recordset *rows)
+{
+    const QByteArray utf8 = jetSql.toUtf8();
+    const TranslatedStatement ts = sharedTranslator().translate(std::string_view(utf8.constData(), size_t(utf8.size())));
+    return run(ts, rows, jetSql);
+}
+
+int SqliteDatabase::run(const TranslatedStatement &ts, Recordset *rows, const QString &jetSql)
+{
+    if (ts.kind == TranslatedStatement::AlterColumnType) {
+        changeColumnType(ts, jetSql);
+        return 0;
+    }
+    sqlite3_stmt *stmt = prepare(ts.sql, jetSql);
+    const int columns = sqlite3_column_count(stmt);
+    if (rows && columns > 0) {
+        for (int c = 0; c < columns; ++c)
+            rows->addColumn(QString::fromUtf8(sqlite3_column_name(stmt, c)), typeFromDeclaration(sqlite3_column_decltype(stmt, c)));
+    }
+    int rc;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        if (!rows)
+            continue;
+        for (int c = 0; c < columns; ++c) {
+            switch (sqlite3_column_type(stmt, c)) {
+            case SQLITE_INTEGER:
+                rows->appendInteger(sqlite3_column_int64(stmt, c));
+                break;
+            case SQLITE_FLOAT:
+                rows->appendDouble(sqlite3_column_double(stmt, c));
+                break;
+            case SQLITE_NULL:
+                rows->appendNull();
+                break;
+            default: {
+                const unsigned char *text = sqlite3_column_text(stmt, c);
+                rows->appendText(reinterpret_cast<const char *>(text), size_t(sqlite3_column_bytes(stmt, c)));
+            }
+            }
+        }
+    }
+    if (rc != SQLITE_DONE) {
+        sqlite3_reset(stmt);
+        raise(rc, jetSql);
+    }
+    sqlite3_reset(stmt);
+    if (rows)
+        rows->finish();
+    return columns > 0 ? 0 : sqlite3_changes(db_);
+}
+
+void SqliteDatabase::beginTransaction() { exec("BEGIN IMMEDIATE"); }
+void SqliteDatabase::commitTransaction() { exec("COMMIT"); }
+void SqliteDatabase::rollbackTransaction() { exec("ROLLBACK"); }
+bool SqliteDatabase::inTransaction() const { return db_ && !sqlite3_get_autocommit(db_); }
+
+// SQLite cannot change a column's type in place: the table is rebuilt with the
+// new type and every row copied across, inside one transaction.
+void SqliteDatabase::changeColumnType(const TranslatedStatement &ts, const QString &jetSql)
+{
+    struct ColumnInfo { std::string name, type, defaultValue; bool notNull; int pk; };
+    std::vector<ColumnInfo> columns;
+    std::string tableName, createSql;
+    std::vector<std::string> indexSql;
+
+    auto query = [&](const std::string &sql, auto onRow) {
+        sqlite3_stmt *stmt = nullptr;
+        if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &stmt, nullptr) != SQLITE_OK)
+            raise(0, jetSql);
+        while (sqlite3_step(stmt) == SQLITE_ROW)
+            onRow(stmt);
+        sqlite3_finalize(stmt);
+    };
+    auto text = [](sqlite3_stmt *s, int c) {
+        const unsigned char *t = sqlite3_column_text(s, c);
+        return t ? std::string(reinterpret_cast<const char *>(t)) : std::string();
+    };
+    std::string bare = ts.table;
+    if (bare.size() > 1 && bare.front() == '[')
+        bare = bare.substr(1, bare.size() - 2);
+    char *q = sqlite3_mprintf("SELECT name, sql FROM sqlite_master WHERE type = 'table' AND name = %Q COLLATE NOCASE", bare.c_str());
+    query(q, [&](sqlite3_stmt *s) { tableName = text(s, 0); createSql = text(s, 1); });
+    sqlite3_free(q);
+    if (tableName.empty())
+        throw AppError(AppError::SyntaxError, QStringLiteral("Table '%1' does not exist.").arg(QString::fromStdString(bare)), jetSql);
+    q = sqlite3_mprintf("SELECT sql FROM sqlite_master WHERE type = 'index' AND tbl_name = %Q AND sql IS NOT NULL", tableName.c_str());
+    query(q, [&](sqlite3_stmt *s) { indexSql.push_back(text(s, 0)); });
+    sqlite3_free(q);
+    q = sqlite3_mprintf("PRAGMA table_info(%Q)", tableName.c_str());
+    query(q, [&](sqlite3_stmt *s) {
+        columns.push_back({text(s, 1), text(s, 2), text(s, 4), sqlite3_column_int(s, 3) != 0, sqlite3_column_int(s, 5)});
+    });
+    sqlite3_free(q);
+
+    std::string column = ts.column;
+    if (column.size() > 1 && column.front() == '[')
+        column = column.substr(1, column.size() - 2);
+    bool found = false;
+    const bool autoIncrement = createSql.find("AUTOINCREMENT") != std::string::npos;
+    int pkCount = 0;
+    for (const auto &c : columns)
+        pkCount += c.pk > 0 ? 1 : 0;
+    const SqliteDialect dialect;
+    std::string defs, names, selects, pkNames;
+    for (const auto &c : columns) {
+        const bool target = equalsNoCase(c.name, column);
+        found = found || target;
+        const size_t paren = c.type.find('(');
+        JetColumnType type = target ? ts.newType
+                                    : JetColumnType::fromName(std::string_view(c.type).substr(0, paren),
+                                                              paren == std::string::npos ? 0 : std::atoi(c.type.c_str() + paren + 1));
+        const bool counter = pkCount == 1 && c.pk > 0 && autoIncrement && !target;
+        if (counter)
+            type.base = JetColumnType::Counter;
+        if (c.pk > 0 && !counter)
+            pkNames += (pkNames.empty() ? "" : ", ") + quoteName(c.name);
+        defs += (defs.empty() ? "" : ", ") + dialect.columnDefinition(c.name, type, counter, c.notNull, c.defaultValue);
+        names += (names.empty() ? "" : ", ") + quoteName(c.name);
+        std::string source = quoteName(c.name);
+        if (target) {
+            if (type.base == JetColumnType::Text || type.base == JetColumnType::Memo)
+                source = "jet_cstr(" + source + ")";
+            else if (type.isInteger())
+                source = "jet_clng(" + source + ")";
+            else if (type.isNumeric())
+                source = "jet_cdbl(" + source + ")";
+        }
+        selects += (selects.empty() ? "" : ", ") + source;
+    }
+    if (!found)
+        throw AppError(AppError::SyntaxError, QStringLiteral("Field '%1' does not exist in table '%2'.")
+                                                  .arg(QString::fromStdString(column), QString::fromStdString(tableName)), jetSql);
+    if (!pkNames.empty())
+        defs += ", PRIMARY KEY (" + pkNames + ")";
+
+    std::int64_t sequence = -1;
+    if (autoIncrement) {
+        q = sqlite3_mprintf("SELECT seq FROM sqlite_sequence WHERE name = %Q", tableName.c_str());
+        query(q, [&](sqlite3_stmt *s) { sequence = sqlite3_column_int64(s, 0); });
+        sqlite3_free(q);
+    }
+
+    const bool ownTransaction = !inTransaction();
+    exec(ownTransaction ? "BEGIN IMMEDIATE" : "SAVEPOINT shelvora_rebuild", jetSql);
+    try {
+        const std::string temp = quoteName(tableName + "_shelvora_rebuild");
+        exec("CREATE TABLE " + temp + " (" + defs + ")", jetSql);
+        exec("INSERT INTO " + temp + " (" + names + ") SELECT " + selects + " FROM " + quoteName(tableName), jetSql);
+        exec("DROP TABLE " + quoteName(tableName), jetSql);
+        exec("ALTER TABLE " + temp + " RENAME TO " + quoteName(tableName), jetSql);
+        for (const auto &sql : indexSql)
+            exec(sql, jetSql);
+        if (sequence >= 0) {
+            char *u = sqlite3_mprintf("UPDATE sqlite_sequence SET seq = max(seq, %lld) WHERE name = %Q", (long long)sequence, tableName.c_str());
+            const std::string update(u);
+            sqlite3_free(u);
+            exec(update, jetSql);
+        }
+        exec(ownTransaction ? "COMMIT" : "RELEASE shelvora_rebuild", jetSql);
+    } catch (...) {
+        exec(ownTransaction ? "ROLLBACK" : "ROLLBACK TO shelvora_rebuild", jetSql);
+        throw;
+    }
+    // Statements prepared against the old table are stale.
+    for (auto &entry : statements_)
+        sqlite3_finalize(entry.second);
+    statements_.clear();
+}

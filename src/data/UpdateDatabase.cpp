@@ -1,0 +1,73 @@
+#include "UpdateDatabase.h"
+
+#include "AppError.h"
+#include "DbConnection.h"
+#include "modExtendedMsgBox.h"
+
+QString LibraryDatabasePath;
+QString CentralDatabasePath;
+std::shared_ptr<DbConnection> LibraryConnection;
+std::shared_ptr<DbConnection> CentralConnection;
+
+namespace {
+
+void openShared(std::shared_ptr<DbConnection> &connection, const QString &path, const char *password, bool readOnly,
+                const QString &failureText)
+{
+    connection = std::make_shared<DbConnection>();
+    connection->Provider = QString::fromLatin1(JetProvider);
+    connection->DataSource = path;
+    connection->Password = QString::fromLatin1(password);
+    connection->ReadOnly = readOnly;
+    try {
+        connection->Open();
+    } catch (const AppError &e) {
+        ReportError(QStringLiteral("Central Module"), failureText + QStringLiteral("\r\n") + e.description(),
+                    QStringLiteral("Database Access Error"), e.number());
+    }
+}
+
+void closeShared(std::shared_ptr<DbConnection> &connection)
+{
+    try {
+        if (connection)
+            connection->Close();
+    } catch (const AppError &) {
+        // Closing an unopened connection is not worth a report.
+    }
+    connection.reset();
+}
+
+} // namespace
+
+void OpenCentralDatabase()
+{
+    openShared(CentralConnection, CentralDatabasePath, CentralPassword, true, QStringLiteral("Database cannot be opened."));
+}
+
+void CloseCentralDatabase() { closeShared(CentralConnection); }
+
+void OpenLibraryDatabase()
+{
+    openShared(LibraryConnection, LibraryDatabasePath, LibraryPassword, false, QStringLiteral("Library Database cannot be opened."));
+}
+
+void CloseLibraryDatabase() { closeShared(LibraryConnection); }
+
+QString NumberText(double number)
+{
+    const QString digits = QString::number(number, 'g', 15);
+    return number >= 0 ? QLatin1Char(' ') + digits : digits;
+}
+
+void ReportError(const QString &location, const QString &description, const QString &procedure, double number)
+{
+    const QString text = QStringLiteral("Error Description: ") + description + QStringLiteral("\r\nLocation: ") + location
+                         + QStringLiteral("\r\nProcedure: ") + procedure;
+    ShowHookedBox(text, 0, QStringLiteral("Error : ") + NumberText(number), MessagePicture::picError);
+}
+
+void ReportError(const QString &location, const QString &procedure, const AppError &error)
+{
+    ReportError(location, error.description(), procedure, error.number());
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+class AppError;
+class DbConnection;
+
+// Process-wide values: where the two databases are, and the two long-lived connections.
+extern QString LibraryDatabasePath;
+extern QString CentralDatabasePath;
+extern std::shared_ptr<DbConnection> LibraryConnection;
+extern std::shared_ptr<DbConnection> CentralConnection;
+
+inline constexpr const char *JetProvider = "Microsoft.jet.oledb.4.0";
+inline constexpr const char *LibraryPassword = "KestrinPol";
+inline constexpr const char *CentralPassword = "Tev@lno";
+
+/// Opens CentralConnection (read only: this program never writes the school's database).
+/// Failures are reported ("Database cannot be opened.") and leave it unopened.
+void OpenCentralDatabase();
+/// Closes and empties CentralConnection; errors are ignored.
+void CloseCentralDatabase();
+/// Opens LibraryConnection; failures are reported ("Library Database cannot be opened.").
+void OpenLibraryDatabase();
+/// Closes and empties LibraryConnection; errors are ignored.
+void CloseLibraryDatabase();
+
+/// The one error report of the system: an OK box titled "Error : " + number.
+void ReportError(const QString &location, const QString &description, const QString &procedure, double number);
+/// The same for an error caught by a handler's trap.
+void ReportError(const QString &location, const QString &procedure, const AppError &error);
+/// The old runtime's number-to-text conversion: a leading blank for non-negative numbers.
+QString NumberText(double number);

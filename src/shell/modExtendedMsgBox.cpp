@@ -1,0 +1,69 @@
+#include "modExtendedMsgBox.h"
+
+#include "MessageScript.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace {
+
+constexpr int YesNoDefaultSecond = 260;
+
+struct ButtonSpec { QMessageBox::StandardButton button; int code; };
+
+std::vector<ButtonSpec> buttonsFor(int style)
+{
+    switch (style & 7) {
+    case 1: return {{QMessageBox::Ok, 1}, {QMessageBox::Cancel, 2}};
+    case 2: return {{QMessageBox::Abort, 3}, {QMessageBox::Retry, 4}, {QMessageBox::Ignore, 5}};
+    case 3: return {{QMessageBox::Yes, 6}, {QMessageBox::No, 7}, {QMessageBox::Cancel, 2}};
+    case 4: return {{QMessageBox::Yes, 6}, {QMessageBox::No, 7}};
+    case 5: return {{QMessageBox::Retry, 4}, {QMessageBox::Cancel, 2}};
+    default: return {{QMessageBox::Ok, 1}};
+    }
+}
+
+} // namespace
+
+int ShowHookedBox(const QString &prompt, int style, const QString &title, MessagePicture picture, const QString &iconFile)
+{
+    if (MessageScript *script = MessageScript::active())
+        return script->answer(prompt, style, title, picture);
+
+    QMessageBox box(QApplication::activeWindow());
+    box.setWindowTitle(title);
+    box.setText(prompt);
+    QPixmap pixmap;
+    if (!iconFile.isEmpty())
+        pixmap.load(iconFile);
+    if (pixmap.isNull())
+        pixmap = frmImages::picture(picture);
+    box.setIconPixmap(pixmap);
+    const std::vector<ButtonSpec> buttons = buttonsFor(style);
+    for (const ButtonSpec &b : buttons)
+        box.addButton(b.button);
+    const size_t defaultIndex = size_t((style >> 8) & 3);
+    if (defaultIndex < buttons.size())
+        box.setDefaultButton(buttons[defaultIndex].button);
+    const int clicked = box.exec();
+    for (const ButtonSpec &b : buttons)
+        if (b.button == clicked)
+            return b.code;
+    return 2; // closed without a button: Cancel
+}
+
+void UserMessage(const QString &prompt)
+{
+    ShowHookedBox(prompt, 0, QStringLiteral("User Message"), MessagePicture::picmessage);
+}
+
+bool UserQuestion(const QString &prompt)
+{
+    return ShowHookedBox(prompt, YesNoDefaultSecond, QStringLiteral("User Question?"), MessagePicture::picQuestion) != MessageScript::No;
+}
+
+bool UserWarning(const QString &prompt)
+{
+    return ShowHookedBox(prompt, YesNoDefaultSecond, QStringLiteral("User Warning"), MessagePicture::picStop) != MessageScript::No;
+}

@@ -1,0 +1,232 @@
+#include "AppError.h"
+#include "ConnectionPool.h"
+#include "DbConnection.h"
+#include "Recordset.h"
+#include "TestDatabases.h"
+#include "UpdateDatabase.h"
+#include "clsDataObject.h"
+
+#include <QFile>
+
+class DataObjectTest : public DatabaseTest {};
+
+TEST_F(DataObjectTest, GetDataCountsRowsAndLeavesThemForTheCaller)
+{
+    clsDataObject d;
+    EXPECT_EQ(d.GetData("Select * from tblLibCategories"), 0);
+    d.CloseCompact();
+
+    d.ExecuteNonQuery(" Insert into tblLibCategories(Category) Values ('Fiction')");
+    d.ExecuteNonQuery(" Insert into tblLibCategories(Category) Values ('Reference')");
+    EXPECT_FALSE(d.connectionOpen());
+
+    EXPECT_EQ(d.GetData("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 2);
+    EXPECT_TRUE(d.connectionOpen());
+    ASSERT_TRUE(d.rst);
+    EXPECT_EQ(d.rst->field("category").toString(), "Fiction");
+    EXPECT_EQ(d.rst->field("CATEGORYID").toInt(), 1);
+    d.rst->MoveNext();
+    EXPECT_EQ(d.rst->field(1).toString(), "Reference");
+    d.rst->MoveNext();
+    EXPECT_TRUE(d.rst->atEnd());
+    EXPECT_THROW(d.rst->field(0), AppError);
+    d.CloseCompact();
+    EXPECT_FALSE(d.rst);
+    EXPECT_FALSE(d.connectionOpen());
+}
+
+TEST_F(DataObjectTest, GetAutoAndGetKeywordReadTheLastRow)
+{
+    clsDataObject d;
+    EXPECT_EQ(d.GetAuto("select top 1 ItemID from tblLibItems order by itemid desc"), 0);
+    EXPECT_FALSE(d.GetKeyword(" SELECT KeyID, KeywordEng, KeywordAfr FROM tblLibKeywords ", true).isValid());
+
+    library(" Insert into tblLibKeywords (KeywordEng,KeywordAfr) Values('dog','hond')");
+    library(" Insert into tblLibKeywords (KeywordEng,KeywordAfr) Values('cat','kat')");
+    EXPECT_EQ(d.GetAuto("select KeyID from tblLibKeywords order by KeyID"), 2);
+    EXPECT_EQ(d.GetKeyword(" SELECT KeyID, KeywordEng, KeywordAfr FROM tblLibKeywords ", true).toString(), "cat");
+    EXPECT_EQ(d.GetKeyword(" SELECT KeyID, KeywordEng, KeywordAfr FROM tblLibKeywords WHERE KeyID = 1", false).toString(), "hond");
+    EXPECT_FALSE(d.connectionOpen());
+}
+
+TEST_F(DataObjectTest, TableExistAnswersWithoutAReport)
+{
+    clsDataObject d;
+    EXPECT_TRUE(d.TableExist("select KeyID from tblLibKeywords"));
+    EXPECT_FALSE(d.TableExist("select Nonsense from tblLibKeywords"));
+    EXPECT_FALSE(d.TableExist("select KeyID from tblNoSuchTable"));
+    EXPECT_TRUE(messages_->shown().empty());
+}
+
+TEST_F(DataObjectTest, AMissingLibraryDatabaseFailsTheOpenWithOneMessage)
+{
+    LibraryDatabasePath = path("missing.db");
+    clsDataObject d;
+    EXPECT_FALSE(d.ConOpen());
+    ASSERT_EQ(messages_->shown().size(), 1u);
+    EXPECT_EQ(messages_->shown()[0].prompt, "Database connection failed");
+    EXPECT_EQ(messages_->shown()[0].title, "User Message");
+    EXPECT_EQ(messages_->shown()[0].picture, MessagePicture::picmessage);
+
+    // ExecuteNonQuery skips its statement; nothing is created on disk.
+    EXPECT_NO_THROW(d.ExecuteNonQuery(" Insert into tblLibCategories(Category) Values ('X')"));
+    EXPECT_FALSE(QFile::exists(path("missing.db")));
+    // GetData has no trap of its own: the failure reaches the caller.
+    EXPECT_THROW(d.GetData("Select * from tblLibCategories"), AppError);
+}
+
+TEST_F(DataObjectTest, ANonDatabaseFileIsRefused)
+{
+    QFile f(path("notes.txt"));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("This is not a database, just some text long enough to be read as a header.........");
+    f.close();
+    LibraryDatabasePath = path("notes.txt");
+    clsDataObject d;
+    EXPECT_FALSE(d.ConOpen());
+    EXPECT_EQ(messages_->prompts(), QStringList{"Database connection failed"});
+}
+
+TEST_F(DataObjectTest, StatementErrorsCarryTheOriginalTextToTheCaller)
+{
+    clsDataObject d;
+    try {
+        d.GetData("Select Nonsense from tblLibItems where Title = 'x'");
+        FAIL() << "expected an error";
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.statement(), "Select Nonsense from tblLibItems where Title = 'x'");
+        EXPECT_FALSE(e.description().isEmpty());
+    }
+    try {
+        d.ExecuteNonQuery("Delete * from tblLibCategories; Delete * from tblLibItems");
+        FAIL() << "a second statement must be refused";
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.description(), "Characters found after end of SQL statement.");
+    }
+}
+
+TEST_F(DataObjectTest, AClosedConnectionRefusesWork)
+{
+    DbConnection c;
+    c.DataSource = libraryPath_;
+    c.Open();
+    c.Execute("Select * from tblLibItems");
+    c.Close();
+    EXPECT_EQ(c.state(), DbConnection::adStateClosed);
+    try {
+        c.Execute("Select * from tblLibItems");
+        FAIL();
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.number(), 3709);
+    }
+    EXPECT_THROW(c.Close(), AppError);
+}
+
+TEST_F(DataObjectTest, ConnectionsComeFromThePool)
+{
+    ConnectionPool::shared().clear();
+    clsDataObject d;
+    for (int i = 0; i < 50; ++i) {
+        d.GetData("Select * from tblLibCategories");
+        d.CloseCompact();
+    }
+    EXPECT_EQ(ConnectionPool::shared().idleCount(), 1u);
+}
+
+TEST_F(DataObjectTest, CurrencyReadsBackAsTheSameValue)
+{
+    library("Insert into tbllibtransactionfines(transactionid,memberid,membertype,fineamount,datefined)VALUES(1,2,'L',0.1,#2026-11-02#)");
+    library("UPDATE tbllibtransactionfines Set fineamount = 0.3, datefined = #2026-11-03# WHERE transactionid = 1");
+    clsDataObject d;
+    d.GetData("select FineAmount, DateFined, PaymentAmount, FineCancelled, PaymentDate from tblLibTransactionFines");
+    EXPECT_EQ(d.rst->field(0).toMoney(), Money::fromUnits(3000));
+    EXPECT_EQ(d.rst->field(0).toString(), "0.3");
+    EXPECT_EQ(d.rst->field(1).toDate(), QDate(2026, 11, 3));
+    EXPECT_EQ(d.rst->field(2).toMoney(), Money());
+    EXPECT_EQ(d.rst->field(3).toString(), "False");
+    EXPECT_EQ(d.rst->field(3).toInt(), 0);
+    EXPECT_TRUE(d.rst->field(4).isNull());
+    d.CloseCompact();
+}
+
+TEST_F(DataObjectTest, TheDatabaseRefusesLettersInNumberFieldsAndImpossibleDates)
+{
+    clsDataObject d;
+    try {
+        d.ExecuteNonQuery("Insert into tblLibItems (Title, ShelfNumber, YearPublished) Values ('T', 'S', 'abc')");
+        FAIL();
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.description(), "Data type mismatch in criteria expression.");
+    }
+    EXPECT_THROW(d.ExecuteNonQuery("Insert into tblLibItems (Title, ShelfNumber, DateAdded) Values ('T', 'S', #2/30/2026#)"), AppError);
+    EXPECT_THROW(d.ExecuteNonQuery("Insert into tblLibItems (Title, ShelfNumber, YearPublished) Values ('T', 'S', 40000)"), AppError);
+    d.ExecuteNonQuery("Insert into tblLibItems (Title, ShelfNumber, YearPublished) Values ('T', 'S', '1999')");
+    EXPECT_EQ(libraryValue("select YearPublished from tblLibItems"), "1999");
+    EXPECT_EQ(libraryCount("select * from tblLibItems"), 1);
+}
+
+TEST_F(DataObjectTest, OneOpenLoanPerCopy)
+{
+    library("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('A1','L',1,7,#2026-11-01#,#2026-11-08#)");
+    EXPECT_THROW(library("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('A1','E',2,7,#2026-11-01#,#2026-11-08#)"),
+                 AppError);
+    library("Update tbllibtransactions set returned = true where ItemID = 7");
+    EXPECT_NO_THROW(library("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('A1','E',2,7,#2026-11-01#,#2026-11-08#)"));
+}
+
+class SharedConnectionTest : public DatabaseTest {};
+
+TEST_F(SharedConnectionTest, TheCentralDatabaseIsReadOnly)
+{
+    central("Insert into general_info(schoolname) values ('Hillview High')");
+    OpenCentralDatabase();
+    ASSERT_TRUE(CentralConnection);
+    EXPECT_EQ(CentralConnection->Execute("Select schoolname from general_info")->field("schoolname").toString(), "Hillview High");
+    EXPECT_THROW(CentralConnection->Execute("Delete * from general_info"), AppError);
+    CloseCentralDatabase();
+    EXPECT_FALSE(CentralConnection);
+    EXPECT_NO_THROW(CloseCentralDatabase());
+}
+
+TEST_F(SharedConnectionTest, FailedOpensAreReportedFromTheCentralModule)
+{
+    LibraryDatabasePath = path("gone.db");
+    OpenLibraryDatabase();
+    ASSERT_EQ(messages_->shown().size(), 1u);
+    const ShownMessage &m = messages_->shown()[0];
+    EXPECT_TRUE(m.prompt.startsWith("Error Description: Library Database cannot be opened.\r\n"));
+    EXPECT_TRUE(m.prompt.endsWith("\r\nLocation: Central Module\r\nProcedure: Database Access Error"));
+    EXPECT_EQ(m.title, "Error : -2147467259");
+    EXPECT_EQ(m.picture, MessagePicture::picError);
+    EXPECT_EQ(m.style, 0);
+    EXPECT_EQ(LibraryConnection->state(), DbConnection::adStateClosed);
+    EXPECT_THROW(LibraryConnection->Execute("select * from tblLibItems"), AppError);
+    EXPECT_NO_THROW(CloseLibraryDatabase());
+
+    messages_->clear();
+    CentralDatabasePath = path("gone-too.db");
+    OpenCentralDatabase();
+    ASSERT_EQ(messages_->shown().size(), 1u);
+    EXPECT_TRUE(messages_->shown()[0].prompt.startsWith("Error Description: Database cannot be opened.\r\n"));
+}
+
+TEST_F(SharedConnectionTest, ErrorTitlesHaveALeadingBlankForNonNegativeNumbers)
+{
+    ReportError("frmIssueSystem", "Either BOF or EOF is True", "cmdIssue_Click", 3021);
+    ReportError("frmIssueSystem", "x", "y", -5);
+    ASSERT_EQ(messages_->shown().size(), 2u);
+    EXPECT_EQ(messages_->shown()[0].title, "Error :  3021");
+    EXPECT_EQ(messages_->shown()[0].prompt, "Error Description: Either BOF or EOF is True\r\nLocation: frmIssueSystem\r\nProcedure: cmdIssue_Click");
+    EXPECT_EQ(messages_->shown()[1].title, "Error : -5");
+}
+
+TEST_F(SharedConnectionTest, TransactionsOnTheLongLivedConnectionRollBack)
+{
+    OpenLibraryDatabase();
+    LibraryConnection->BeginTrans();
+    LibraryConnection->Execute("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')");
+    LibraryConnection->RollbackTrans();
+    CloseLibraryDatabase();
+    EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
+    EXPECT_TRUE(QFile::exists(libraryPath_ + "-wal")); // the library database runs in WAL mode
+}

@@ -1,0 +1,60 @@
+#include "TestDatabases.h"
+
+#include "Clock.h"
+#include "ConnectionPool.h"
+#include "DatabaseSchema.h"
+#include "DbConnection.h"
+#include "Recordset.h"
+#include "UpdateDatabase.h"
+
+void runOn(const QString &databasePath, const QString &sql)
+{
+    DbConnection c;
+    c.DataSource = databasePath;
+    c.Open();
+    c.Execute(sql);
+}
+
+void DatabaseTest::SetUp()
+{
+    ASSERT_TRUE(dir_.isValid());
+    libraryPath_ = dir_.filePath(QStringLiteral("library.db"));
+    centralPath_ = dir_.filePath(QStringLiteral("central.db"));
+    DatabaseSchema::createLibraryDatabase(libraryPath_);
+    DatabaseSchema::createCentralDatabase(centralPath_);
+    LibraryDatabasePath = libraryPath_;
+    CentralDatabasePath = centralPath_;
+    messages_ = std::make_unique<MessageScript>();
+}
+
+void DatabaseTest::TearDown()
+{
+    CloseLibraryDatabase();
+    CloseCentralDatabase();
+    messages_.reset();
+    Clock::setFixed(QDateTime());
+    LibraryDatabasePath.clear();
+    CentralDatabasePath.clear();
+    ConnectionPool::shared().clear();
+}
+
+void DatabaseTest::library(const QString &sql) { runOn(libraryPath_, sql); }
+
+void DatabaseTest::central(const QString &sql) { runOn(centralPath_, sql); }
+
+QString DatabaseTest::libraryValue(const QString &sql)
+{
+    DbConnection c;
+    c.DataSource = libraryPath_;
+    c.Open();
+    auto rs = c.Execute(sql);
+    return rs->atEnd() ? QString() : rs->field(0).toString();
+}
+
+int DatabaseTest::libraryCount(const QString &sql)
+{
+    DbConnection c;
+    c.DataSource = libraryPath_;
+    c.Open();
+    return c.Execute(sql)->RecordCount();
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "MessageScript.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+/// A fixture with a fresh library database and central database in a
+/// temporary folder, the process-wide paths pointing at them, and message
+/// boxes scripted. Everything is undone after the test.
+class DatabaseTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Runs Jet SQL on the library database (test set-up and checks).
+    void library(const QString &sql);
+    /// Runs Jet SQL on the central database.
+    void central(const QString &sql);
+    /// First field of the first row of a library query, as text ("" for no row or Null).
+    QString libraryValue(const QString &sql);
+    int libraryCount(const QString &sql);
+
+    QString path(const QString &fileName) const { return dir_.filePath(fileName); }
+
+    QTemporaryDir dir_;
+    QString libraryPath_;
+    QString centralPath_;
+    std::unique_ptr<MessageScript> messages_;
+};
+
+void runOn(const QString &databasePath, const QString &sql);
