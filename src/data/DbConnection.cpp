@@ -4,7 +4,15 @@
 #include "ConnectionPool.h"
 #include "Recordset.h"
 
+namespace {
+QStringList *traceSink = nullptr;
+
+}
+
 DbConnection::~DbConnection() = default;
+
+void DbConnection::traceStatements(QStringList *sink) { traceSink = sink; }
+QStringList *DbConnection::statementTrace() { return traceSink; }
 
 QString DbConnection::ConnectionString() const
 {
@@ -35,6 +43,8 @@ PhysicalConnection &DbConnection::physical()
 std::shared_ptr<Recordset> DbConnection::Execute(const QString &sql, int *recordsAffected)
 {
     auto rows = std::make_shared<Recordset>();
+    if (traceSink)
+        traceSink->append(sql);
     const int affected = physical().execute(sql, rows.get());
     if (recordsAffected)
         *recordsAffected = affected;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -40,6 +41,11 @@ public:
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();
+
+    /// While set, every statement run through any connection is appended to *sink
+    /// as written (tests assert the exact text a routine sends).
+    static void traceStatements(QStringList *sink);
+    static QStringList *statementTrace();
 
 private:
     PhysicalConnection &physical();

@@ -7,8 +7,18 @@
 #include "Recordset.h"
 #include "UpdateDatabase.h"
 
+namespace {
+// The fixture's own statements are not part of what a test traces.
+struct TracePause {
+    QStringList *saved = DbConnection::statementTrace();
+    TracePause() { DbConnection::traceStatements(nullptr); }
+    ~TracePause() { DbConnection::traceStatements(saved); }
+};
+} // namespace
+
 void runOn(const QString &databasePath, const QString &sql)
 {
+    TracePause pause;
     DbConnection c;
     c.DataSource = databasePath;
     c.Open();
@@ -44,6 +54,7 @@ void DatabaseTest::central(const QString &sql) { runOn(centralPath_, sql); }
 
 QString DatabaseTest::libraryValue(const QString &sql)
 {
+    TracePause pause;
     DbConnection c;
     c.DataSource = libraryPath_;
     c.Open();
@@ -53,8 +64,26 @@ QString DatabaseTest::libraryValue(const QString &sql)
 
 int DatabaseTest::libraryCount(const QString &sql)
 {
+    TracePause pause;
     DbConnection c;
     c.DataSource = libraryPath_;
     c.Open();
     return c.Execute(sql)->RecordCount();
+}
+
+QStringList DatabaseTest::libraryRows(const QString &sql)
+{
+    TracePause pause;
+    DbConnection c;
+    c.DataSource = libraryPath_;
+    c.Open();
+    auto rs = c.Execute(sql);
+    QStringList out;
+    for (; !rs->atEnd(); rs->MoveNext()) {
+        QStringList cells;
+        for (int f = 0; f < rs->fieldCount(); ++f)
+            cells << rs->field(f).toString();
+        out << cells.join('|');
+    }
+    return out;
 }

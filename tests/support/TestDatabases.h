@@ -3,11 +3,13 @@
 #include "MessageScript.h"
 
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 
 /// A fixture with a fresh library database and central database in a
 /// temporary folder, the process-wide paths pointing at them, and message
@@ -24,6 +26,8 @@ protected:
     /// First field of the first row of a library query, as text ("" for no row or Null).
     QString libraryValue(const QString &sql);
     int libraryCount(const QString &sql);
+    /// Every row of a library query, fields as text joined by '|'.
+    QStringList libraryRows(const QString &sql);
 
     QString path(const QString &fileName) const { return dir_.filePath(fileName); }
 
@@ -34,3 +38,6 @@ protected:
 };
 
 void runOn(const QString &databasePath, const QString &sql);
+
+inline void PrintTo(const QString &s, std::ostream *os) { *os << '"' << s.toStdString() << '"'; }
+

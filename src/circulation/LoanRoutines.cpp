@@ -1,0 +1,290 @@
+#include "LoanRoutines.h"
+
+#include "AppError.h"
+#include "DbConnection.h"
+#include "IssueDeskState.h"
+#include "Recordset.h"
+#include "UpdateDatabase.h"
+#include "modExtendedMsgBox.h"
+
+#include <QObject>
+
+namespace {
+
+// The library connection is the routine's for its duration and is closed however it ends.
+class LibraryScope {
+public:
+    LibraryScope() { OpenLibraryDatabase(); }
+    ~LibraryScope() { CloseLibraryDatabase(); }
+    LibraryScope(const LibraryScope &) = delete;
+    LibraryScope &operator=(const LibraryScope &) = delete;
+    std::shared_ptr<Recordset> query(const QString &sql) { return connection().Execute(sql); }
+    DbConnection &connection()
+    {
+        if (!LibraryConnection)
+            throw AppError(3709, QStringLiteral("The connection cannot be used to perform this operation. It is either closed or invalid in this context."));
+        return *LibraryConnection;
+    }
+};
+
+std::shared_ptr<Recordset> centralQuery(const QString &sql)
+{
+    if (!CentralConnection)
+        throw AppError(3709, QStringLiteral("The connection cannot be used to perform this operation. It is either closed or invalid in this context."));
+    return CentralConnection->Execute(sql);
+}
+
+QString sqlDate(const QDate &d) { return d.toString(QStringLiteral("yyyy-MM-dd")); }
+QString num(qint64 v) { return QString::number(v); }
+
+} // namespace
+
+Money OverdueFine(const QDate &actionDate, const QDate &dueDate, Money fineAmount, qint16 fineInterval)
+{
+    if (actionDate <= dueDate)
+        return Money();
+    const qint64 late = dueDate.daysTo(actionDate);
+    if (late > 32767)
+        throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
+    if (fineInterval == 0)
+        throw AppError(AppError::DivisionByZero, QStringLiteral("Division by zero"));
+    const qint16 days = qint16(late);
+    Money fine = fineAmount * (days / fineInterval);
+    if (days % fineInterval != 0)
+        fine += fineAmount;
+    return fine;
+}
+
+bool GetItemByAccession(const QString &accession, QObject *screen)
+{
+    LibraryScope library;
+    const auto rs = library.query(QStringLiteral("select accessionid, itemid from tbllibitems where accessionid = '") + accession
+                                  + QStringLiteral("' and phasedout = false"));
+    if (rs->atEnd())
+        return false;
+    if (screen)
+        screen->setProperty("ItemID", rs->field(QStringLiteral("itemid")).toInt());
+    return true;
+}
+
+bool MemberExists(int memberID, const QString &memberType)
+{
+    OpenCentralDatabase();
+    QString sql;
+    if (memberType == QLatin1String("L"))
+        sql = QStringLiteral("select AccessionNo from Learner_info where status = 'C' and [ID] = ") + num(memberID);
+    else if (memberType == QLatin1String("E"))
+        sql = QStringLiteral("select IDnumber from educators where status = 'C' and EdID= ") + num(memberID);
+    else if (memberType == QLatin1String("S"))
+        sql = QStringLiteral("select IDnumber from staffmembers where status = 'C' and StaffID = ") + num(memberID);
+    else
+        return false;
+    return !centralQuery(sql)->atEnd();
+}
+
+bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16 maximumRenewals, const QString &mode,
+                       const QDate &newDueDate, Money fineAmount, qint16 fineInterval)
+{
+    LibraryScope library;
+    const auto loan = library.query(QStringLiteral("select * from tbllibtransactions where accessionid = '") + accession
+                                    + QStringLiteral("' and returned =  false"));
+    if (loan->atEnd()) {
+        UserMessage(QStringLiteral("This accession number is not out on loan and cannot be returned or renewed"));
+        return false;
+    }
+    const int transactionID = loan->field(QStringLiteral("transactionid")).toInt();
+    const QString memberType = loan->field(QStringLiteral("membertype")).toString();
+    const int memberID = loan->field(QStringLiteral("memberid")).toInt();
+    IssueDeskState &desk = IssueDeskState::desk();
+    desk.ReturnTransaction = transactionID;
+    desk.UserReturnType = memberType;
+    desk.MemberID = memberID;
+
+    const qint16 extensions = loan->field(QStringLiteral("extensions")).isNull() ? 0 : loan->field(QStringLiteral("extensions")).toInt16();
+    if (extensions == 32767)
+        throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
+    const qint16 renewals = qint16(extensions + 1);
+    if (maximumRenewals != 0 && renewals > maximumRenewals) {
+        UserMessage(QStringLiteral("This item has been renewed for the maximum number of times for this user and must be returned"));
+        return false;
+    }
+
+    const Money fine = OverdueFine(actionDate, loan->field(QStringLiteral("duedate")).toDate(), fineAmount, fineInterval);
+    const QString memberKey = QStringLiteral(" WHERE transactionid = ") + num(transactionID) + QStringLiteral(" AND memberid = ")
+                              + num(memberID) + QStringLiteral(" AND membertype = '") + memberType + QStringLiteral("'");
+
+    // The fine and the loan change together or not at all.
+    DbConnection &db = library.connection();
+    db.BeginTrans();
+    try {
+        if (fine > Money()) {
+            const auto fineRow = db.Execute(QStringLiteral("SELECT * FROM tbllibtransactionfines") + memberKey);
+            if (fineRow->atEnd()) {
+                db.Execute(QStringLiteral("Insert into tbllibtransactionfines(transactionid,memberid,membertype,fineamount,datefined)VALUES(")
+                           + num(transactionID) + QLatin1Char(',') + num(memberID) + QStringLiteral(",'") + memberType
+                           + QStringLiteral("',") + fine.toSqlText() + QStringLiteral(",#") + sqlDate(actionDate) + QStringLiteral("#)"));
+            } else {
+                const Money total = fineRow->field(QStringLiteral("fineamount")).toMoney() + fine;
+                db.Execute(QStringLiteral("UPDATE tbllibtransactionfines Set fineamount = ") + total.toSqlText()
+                           + QStringLiteral(", datefined = #") + sqlDate(actionDate) + QStringLiteral("#") + memberKey);
+            }
+        }
+        if (mode == QLatin1String("return")) {
+            db.Execute(QStringLiteral("Update tbllibtransactions set returndate =#") + sqlDate(actionDate)
+                       + QStringLiteral("#,extensions = 0, returned = true where accessionid = '") + accession
+                       + QStringLiteral("' and transactionid =") + num(transactionID));
+        } else if (mode == QLatin1String("renewal")) {
+            db.Execute(QStringLiteral("Update tbllibtransactions set duedate =#") + sqlDate(newDueDate) + QStringLiteral("#,extensions = ")
+                       + num(renewals) + QStringLiteral(" where accessionid = '") + accession + QStringLiteral("' and transactionid =")
+                       + num(transactionID));
+        }
+        db.CommitTrans();
+    } catch (...) {
+        db.RollbackTrans();
+        throw;
+    }
+    return true;
+}
+
+bool ItemAvailable(const QString &accession)
+{
+    LibraryScope library;
+    const auto rs = library.query(QStringLiteral("select transactionid, membertype, returned from tbllibtransactions where (accessionid = '")
+                                  + accession + QStringLiteral("') and returned = False"));
+    if (rs->atEnd())
+        return true;
+    if (!rs->field(QStringLiteral("returned")).toBool()) {
+        IssueDeskState::desk().UserReturnType = rs->field(QStringLiteral("membertype")).toString();
+        return false;
+    }
+    return true;
+}
+
+void GetItemHolder(int itemID, QString *memberType, QVariant *memberID)
+{
+    LibraryScope library;
+    const auto rs = library.query(QStringLiteral("SELECT lt.memberType, lt.MemberID FROM tbllibtransactions AS lt WHERE lt.returned = False AND (lt.ItemID = ")
+                                  + num(itemID) + QStringLiteral(")"));
+    if (rs->atEnd())
+        return;
+    *memberType = rs->field(0).toString();
+    *memberID = rs->field(1).value();
+}
+
+bool MemberCanBorrow(int memberID, const QString &memberType, qint16 maximumItems)
+{
+    LibraryScope library;
+    const auto rs = library.query(QStringLiteral("Select Count(transactionid) as total from tbllibtransactions where memberid = ") + num(memberID)
+                                  + QStringLiteral(" and membertype = '") + memberType + QStringLiteral("' and returned = false"));
+    if (rs->atEnd())
+        return true;
+    return rs->field(QStringLiteral("total")).toLongLong() < maximumItems;
+}
+
+bool GetNextReservation(int itemID, qint16 memberID, const QString &memberType, QObject *screen)
+{
+    Q_UNUSED(memberType);
+    std::shared_ptr<Recordset> reservation;
+    {
+        LibraryScope library;
+        reservation = library.query(QStringLiteral(" select top 1 * from tbllibreserves  where (itemid = ") + num(itemID)
+                                    + QStringLiteral(" and ([canceled] <> true or [canceled] = false)) order by [reservedate]"));
+    }
+    if (reservation->atEnd())
+        return false;
+    const int holder = reservation->field(QStringLiteral("memberid")).toInt();
+    if (holder == memberID)
+        return false;
+
+    OpenCentralDatabase();
+    const QString holderType = reservation->field(QStringLiteral("membertype")).toString();
+    QString name;
+    if (holderType == QLatin1String("L")) {
+        const auto rs = centralQuery(QStringLiteral("select fname, sname, classname from Learner_info left join classes on Learner_info.class = classes.classid where [ID] = ")
+                                     + num(holder));
+        if (!rs->atEnd())
+            name = rs->field(QStringLiteral("fname")).toString() + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString()
+                   + QLatin1Char(' ') + rs->field(QStringLiteral("classname")).toString();
+    } else {
+        const QString sql = holderType == QLatin1String("E") ? QStringLiteral("Select fname,sname from educators where EdID = ")
+                                                             : QStringLiteral("Select fname,sname from staffmembers where StaffID = ");
+        const auto rs = centralQuery(sql + num(holder));
+        if (!rs->atEnd())
+            name = rs->field(QStringLiteral("fname")).toString() + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString();
+    }
+    if (screen)
+        screen->setProperty("ReserveMember", name);
+    return true;
+}
+
+QVariant GetMemberIDNo(int memberID, const QString &memberType)
+{
+    OpenCentralDatabase();
+    QString sql;
+    if (memberType == QLatin1String("L"))
+        sql = QStringLiteral("Select id,sname,fname,accessionno as IDNo,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and [ID] = ")
+              + num(memberID) + QStringLiteral(" order by sname,fname");
+    else if (memberType == QLatin1String("E"))
+        sql = QStringLiteral("Select edid,sname,fname,IDNumber as IDNo from Educators where status = 'C'and EdID = ") + num(memberID)
+              + QStringLiteral("  order by sname,fname");
+    else if (memberType == QLatin1String("S"))
+        sql = QStringLiteral("Select staffid,sname,fname, IDNumber as IDNo from staffmembers where status = 'C' and StaffID = ") + num(memberID);
+    else
+        return QVariant();
+    const auto rs = centralQuery(sql);
+    return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
+}
+
+QVariant GetMemberByIDNo(const QString &identityNumber, const QString &memberType)
+{
+    OpenCentralDatabase();
+    QString sql;
+    if (memberType == QLatin1String("L"))
+        sql = QStringLiteral("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and AccessionNo = '")
+              + identityNumber + QStringLiteral("' order by sname,fname");
+    else if (memberType == QLatin1String("E"))
+        sql = QStringLiteral("Select edid  as IDNo,sname,fname,IDNumber from Educators where status = 'C'and IDNumber = '") + identityNumber
+              + QStringLiteral("'  order by sname,fname");
+    else if (memberType == QLatin1String("S"))
+        sql = QStringLiteral("Select staffid  as IDNo,sname,fname,IDNumber from staffmembers where status = 'C' and IDNumber = '") + identityNumber
+              + QStringLiteral("'");
+    else
+        return QVariant();
+    const auto rs = centralQuery(sql);
+    return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
+}
+
+bool GetLoanHolderMessage(int memberID, const QString &memberType)
+{
+    OpenCentralDatabase();
+    QString sql;
+    if (memberType == QLatin1String("L"))
+        sql = QStringLiteral("Select sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and iD = ")
+              + num(memberID) + QStringLiteral(" order by sname,fname");
+    else if (memberType == QLatin1String("E"))
+        sql = QStringLiteral("Select sname,fname,IDNumber from Educators where status = 'C'and edID = ") + num(memberID)
+              + QStringLiteral("  order by sname,fname");
+    else
+        sql = QStringLiteral("Select sname,fname,IDNumber from staffmembers where status = 'C' and staffID = ") + num(memberID);
+    const auto rs = centralQuery(sql);
+    QString message = QStringLiteral("This book is currently on loan ") + QStringLiteral("to ") + rs->field(QStringLiteral("fname")).toString()
+                      + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString();
+    if (memberType == QLatin1String("L"))
+        message += QStringLiteral(" in the ") + rs->field(QStringLiteral("classname")).toString() + QStringLiteral(" class");
+    message += QStringLiteral(" and will be marked as returned before it is removed from the library stock.") + QStringLiteral("\r\n")
+               + QStringLiteral("Are you sure you want to continue?");
+    const bool answer = UserWarning(message);
+    CloseCentralDatabase();
+    return answer;
+}
+
+void GetFineSettings(const QString &accession, const QString &userCategory, Money *fineAmount, qint16 *fineInterval)
+{
+    LibraryScope library;
+    const auto rs = library.query(QStringLiteral("select fineAmount, fineInterval from tblLibSettings as ls inner join tbllibitems as li on ls.loantype = li.loantype where li.accessionid = '")
+                                  + accession + QStringLiteral("' and ls.UserCat = '") + userCategory + QStringLiteral("'"));
+    if (rs->atEnd())
+        return;
+    *fineAmount = rs->field(QStringLiteral("fineAmount")).toMoney();
+    *fineInterval = rs->field(QStringLiteral("fineInterval")).toInt16();
+}

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QString>
+
+/// Doubles every single quote, for user-typed text placed between quotes in SQL.
+QString Safesql(const QString &text);
+/// The number as text, or the word "Null" for 0 (optional keys in INSERT and UPDATE).
+QString NullIfZero(qint16 value);
