@@ -1,0 +1,219 @@
+// Benchmarks on the large school: Jet translation, the loan engine and the data object.
+#include "AppError.h"
+#include "BenchTimer.h"
+#include "Clock.h"
+#include "ConnectionPool.h"
+#include "DbConnection.h"
+#include "IssueDeskState.h"
+#include "LoanRoutines.h"
+#include "MessageScript.h"
+#include "Recordset.h"
+#include "SqliteDatabase.h"
+#include "UpdateDatabase.h"
+#include "clsDataObject.h"
+#include "clsTSQL.h"
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <random>
+
+namespace {
+
+// The stock list's "Show All" statement, as the screen writes it.
+const QString ShowAll = QStringLiteral(
+    " SELECT i.ItemID, i.AccessionID, i.CategoryID, c.Category, i.SubCategoryID, "
+    " sc.SubCategory, i.Title, (a1.Authorsurname+', '+a1.Authorfirstname) AS Author1,(a2.Authorsurname+', '+a2.Authorfirstname) AS Author2, "
+    " i.classificationno, i.ReferenceItem, i.Restricted, LoanType "
+    ", i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased"
+    " FROM ((((((tblLibItems AS i INNER JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID) LEFT JOIN tblLibSeries AS s ON i.SeriesID = s.SeriesID)"
+    " LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID=i.ItemLanguageID)"
+    " Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )"
+    " where i.PhasedOut=False   Order By Title, AccessionID");
+
+// A mix of catalogue statements with varying literals.
+QStringList statementMix(int variant)
+{
+    const clsTSQL sql;
+    const QString text = QStringLiteral("ab%1").arg(variant);
+    ItemDetails item;
+    item.accessionID = QStringLiteral("X%1").arg(variant);
+    item.title = QStringLiteral("Title %1").arg(variant);
+    item.datePurchased = QDate(2020, 1 + variant % 12, 1 + variant % 28);
+    return {sql.spCategoriesSearch(text), sql.spSubCategoriesSearch(variant, text), sql.spItemsGetRecord(variant),
+            sql.spItemsInsert(item), sql.spItemsUpdate(variant, item), sql.spItemsList(), sql.spQSItemsFind(QStringLiteral("keyw"), text),
+            sql.spQSItemsFind(QStringLiteral("auth"), text), sql.spKeywordList(text), sql.spSubjectsGetListSubjects(text),
+            sql.spLearnersListSpesific(QStringLiteral("Grade 8"), QStringLiteral("8A"), QString::number(2000 + variant % 26)),
+            sql.spItemsPhasedOut(variant, QDate(2026, 1, 1).addDays(variant % 300), QStringLiteral("Lost")),
+            QStringLiteral(" select top 1 * from tbllibreserves  where (itemid = %1 and ([canceled] <> true or [canceled] = false)) order by [reservedate]").arg(variant),
+            QStringLiteral("Update tbllibtransactions set returndate =#2026-11-%1#,extensions = 0, returned = true where accessionid = 'A%2' and transactionid =%2")
+                .arg(1 + variant % 28).arg(variant),
+            ShowAll};
+}
+
+void benchTranslation()
+{
+    std::printf("Jet translation (mix of %d catalogue statements)\n", int(statementMix(0).size()));
+    JetTranslator &translator = SqliteDatabase::sharedTranslator();
+    std::vector<QByteArray> texts;
+    for (int v = 0; v < 2000; ++v)
+        for (const QString &s : statementMix(v))
+            texts.push_back(s.toUtf8());
+    size_t sink = 0;
+    const double firstSeen = seconds([&] {
+        for (const QByteArray &t : texts) {
+            translator.clearCache();
+            sink += translator.translate(std::string_view(t.constData(), size_t(t.size()))).sql.size();
+        }
+    });
+    const double cached = seconds([&] {
+        for (const QByteArray &t : texts)
+            sink += translator.translate(std::string_view(t.constData(), size_t(t.size()))).sql.size();
+    });
+    std::printf("  first-seen: %10.0f statements/s\n", double(texts.size()) / firstSeen);
+    std::printf("  cached:     %10.0f statements/s   (checksum %zu)\n", double(texts.size()) / cached, sink % 10);
+}
+
+struct OpenLoan { QString accession; int itemID; int memberID; QString type; };
+
+std::vector<OpenLoan> openLoans(bool overdue)
+{
+    DbConnection c;
+    c.DataSource = LibraryDatabasePath;
+    c.Open();
+    auto rs = c.Execute(QStringLiteral("select AccessionID, ItemID, MemberID, MemberType from tblLibTransactions where Returned = false and DueDate %1 Date()")
+                            .arg(overdue ? QStringLiteral("<") : QStringLiteral(">=")));
+    std::vector<OpenLoan> loans;
+    for (; !rs->atEnd(); rs->MoveNext())
+        loans.push_back({rs->field(0).toString(), rs->field(1).toInt(), rs->field(2).toInt(), rs->field(3).toString()});
+    return loans;
+}
+
+void benchLoanEngine()
+{
+    std::printf("Loan engine (working copy of the large school's library database)\n");
+    const Money fine = Money::fromUnits(5000);
+    const QDate today = Clock::today();
+    Samples returns, renewals, checks;
+    for (const OpenLoan &loan : openLoans(true)) {
+        if (returns.count() >= 400)
+            break;
+        returns.time([&] { ReturnOrRenewLoan(loan.accession, today, 0, QStringLiteral("return"), QDate(), fine, 7); });
+    }
+    const std::vector<OpenLoan> current = openLoans(false);
+    for (int round = 0; round < 2; ++round)
+        for (const OpenLoan &loan : current) {
+            if (renewals.count() >= 400)
+                break;
+            renewals.time([&] { ReturnOrRenewLoan(loan.accession, today, 0, QStringLiteral("renewal"), today.addDays(14), fine, 7); });
+        }
+    // The issue desk's checks before a loan: member, limit, item, availability, reservation.
+    DbConnection central;
+    central.DataSource = CentralDatabasePath;
+    central.ReadOnly = true;
+    central.Open();
+    auto learners = central.Execute(QStringLiteral("select AccessionNo from Learner_Info where Status = 'C'"));
+    std::vector<QString> admissions;
+    for (; !learners->atEnd(); learners->MoveNext())
+        admissions.push_back(learners->field(0).toString());
+    DbConnection library;
+    library.DataSource = LibraryDatabasePath;
+    library.Open();
+    auto items = library.Execute(QStringLiteral("select top 400 AccessionID from tblLibItems where PhasedOut = false order by ItemID desc"));
+    IssueDeskState &desk = IssueDeskState::desk();
+    std::mt19937 rng(7);
+    for (; !items->atEnd(); items->MoveNext()) {
+        const QString accession = items->field(0).toString();
+        const QString admission = admissions[rng() % admissions.size()];
+        checks.time([&] {
+            const int member = GetMemberByIDNo(admission, QStringLiteral("L")).toInt();
+            if (MemberCanBorrow(member, QStringLiteral("L"), 2) && GetItemByAccession(accession, &desk) && ItemAvailable(accession))
+                GetNextReservation(desk.ItemID, qint16(member), QStringLiteral("L"), &desk);
+        });
+    }
+    returns.report("return of an overdue loan");
+    renewals.report("renewal");
+    checks.report("issue checks (member, limit, item, available, reservation)");
+}
+
+void benchGetData()
+{
+    std::printf("Data object: the stock list's \"Show All\"\n");
+    const QByteArray jet = ShowAll.toUtf8();
+    const std::string native = SqliteDatabase::sharedTranslator().translate(std::string_view(jet.constData(), size_t(jet.size()))).sql;
+    sqlite3 *db = nullptr;
+    sqlite3_open_v2(LibraryDatabasePath.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    Samples raw, getData;
+    size_t rows = 0, rawRows = 0;
+    for (int run = 0; run < 7; ++run) {
+        raw.time([&] {
+            sqlite3_stmt *stmt = nullptr;
+            sqlite3_prepare_v2(db, native.c_str(), -1, &stmt, nullptr);
+            size_t bytes = 0;
+            rawRows = 0;
+            const int columns = sqlite3_column_count(stmt);
+            while (sqlite3_step(stmt) == SQLITE_ROW) {
+                ++rawRows;
+                for (int c = 0; c < columns; ++c) {
+                    switch (sqlite3_column_type(stmt, c)) {
+                    case SQLITE_INTEGER: bytes += size_t(sqlite3_column_int64(stmt, c) & 1); break;
+                    case SQLITE_FLOAT: bytes += sqlite3_column_double(stmt, c) > 0 ? 1 : 0; break;
+                    case SQLITE_NULL: break;
+                    default: bytes += size_t(sqlite3_column_bytes(stmt, c)) + (sqlite3_column_text(stmt, c) ? 1 : 0);
+                    }
+                }
+            }
+            sqlite3_finalize(stmt);
+            if (bytes == 1)
+                std::printf(" ");
+        });
+        getData.time([&] {
+            clsDataObject data;
+            rows = size_t(data.GetData(ShowAll));
+            data.CloseCompact();
+        });
+    }
+    sqlite3_close(db);
+    std::printf("  rows: %zu (raw %zu)\n", rows, rawRows);
+    raw.report("SQLite C API, same translated SQL");
+    getData.report("clsDataObject::GetData");
+    std::printf("  ratio GetData / C API: %.2f\n", getData.median() / raw.median());
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QGuiApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s SCHOOL_FOLDER\n", argv[0]);
+        return 2;
+    }
+    const QDir school(QString::fromLocal8Bit(argv[1]));
+    QTemporaryDir work;
+    const QString library = work.filePath(QStringLiteral("library.db"));
+    if (!QFile::copy(school.absoluteFilePath(QStringLiteral("library.db")), library)) {
+        std::fprintf(stderr, "no library.db in %s (run shelvora_make_school first)\n", argv[1]);
+        return 1;
+    }
+    LibraryDatabasePath = library;
+    CentralDatabasePath = school.absoluteFilePath(QStringLiteral("central.db"));
+    MessageScript quiet; // refusals are counted, not shown
+    try {
+        benchTranslation();
+        benchGetData();
+        benchLoanEngine();
+    } catch (const AppError &e) {
+        std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));
+        return 1;
+    }
+    if (!quiet.shown().empty())
+        std::printf("(%zu messages would have been shown; first: %s)\n", quiet.shown().size(), qPrintable(quiet.shown().front().prompt));
+    ConnectionPool::shared().clear();
+    return 0;
+}
