@@ -2,13 +2,14 @@
 #include "ConnectionPool.h"
 #include "SchoolGenerator.h"
 
+#include "ScreenRegistry.h"
+#include "SettingsStore.h"
+#include "frmMainMenu.h"
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QLabel>
-#include <QSettings>
-#include <QVBoxLayout>
-#include <QWidget>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -29,11 +30,9 @@ int makeDemo(const QString &folder)
     } catch (const AppError &e) {
         return std::fprintf(stderr, "Demo school not written: %s\n", qPrintable(e.description())), 1;
     }
-    QSettings settings(dir.absoluteFilePath(QStringLiteral("shelvora.ini")), QSettings::IniFormat);
-    settings.beginGroup(QStringLiteral("Startup"));
-    settings.setValue(QStringLiteral("LibraryDatabase"), library);
-    settings.setValue(QStringLiteral("Database"), central);
-    settings.endGroup();
+    SettingsStore settings(dir.absoluteFilePath(QStringLiteral("shelvora.ini")));
+    settings.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), library);
+    settings.setValue(QLatin1String(SettingsStore::CentralDatabaseKey), central);
     std::printf("Demo school written to %s\n", qPrintable(dir.absolutePath()));
     return 0;
 }
@@ -53,26 +52,34 @@ int main(int argc, char *argv[])
     const QCommandLineOption settingsFile(QStringLiteral("settings"), QStringLiteral("Use this settings file instead of the user's settings."), QStringLiteral("file"));
     const QCommandLineOption makeDemoOption(QStringLiteral("make-demo"), QStringLiteral("Write the demo school into a folder and exit."), QStringLiteral("folder"));
     const QCommandLineOption appFolder(QStringLiteral("app-folder"), QStringLiteral("Folder for LearnerPhotos and work files."), QStringLiteral("folder"));
+    const QCommandLineOption libraryOption(QStringLiteral("library"), QStringLiteral("Use this library database for this run (nothing is saved)."), QStringLiteral("file"));
+    const QCommandLineOption centralOption(QStringLiteral("central"), QStringLiteral("Use this school database for this run (nothing is saved)."), QStringLiteral("file"));
+    const QCommandLineOption quitAfterStart(QStringLiteral("quit-after-start"), QStringLiteral("Quit as soon as the main menu is shown (start-up timing)."));
     parser.addOption(settingsFile);
     parser.addOption(makeDemoOption);
     parser.addOption(appFolder);
+    parser.addOption(libraryOption);
+    parser.addOption(centralOption);
+    parser.addOption(quitAfterStart);
     parser.process(app);
 
     if (parser.isSet(makeDemoOption))
         return makeDemo(parser.value(makeDemoOption));
 
-    // Until the main menu arrives, a window that shows which databases would be used.
-    QSettings settings = parser.isSet(settingsFile) ? QSettings(parser.value(settingsFile), QSettings::IniFormat)
-                                                    : QSettings(QStringLiteral("Quorvane"), QStringLiteral("Quorvane"));
-    settings.beginGroup(QStringLiteral("Startup"));
-    QWidget window;
-    window.setWindowTitle(QStringLiteral("Shelvora"));
-    auto *layout = new QVBoxLayout(&window);
-    layout->addWidget(new QLabel(QStringLiteral("<h2>Shelvora</h2><p>The main menu is not built yet.</p>"
-                                                "<p>Library database: %1<br>School database: %2</p>")
-                                     .arg(settings.value(QStringLiteral("LibraryDatabase")).toString().toHtmlEscaped(),
-                                          settings.value(QStringLiteral("Database")).toString().toHtmlEscaped())));
-    window.show();
+    SettingsStore settings(parser.value(settingsFile));
+    if (parser.isSet(libraryOption))
+        settings.overrideForThisRun(QLatin1String(SettingsStore::LibraryDatabaseKey), parser.value(libraryOption));
+    if (parser.isSet(centralOption))
+        settings.overrideForThisRun(QLatin1String(SettingsStore::CentralDatabaseKey), parser.value(centralOption));
+    if (parser.isSet(appFolder))
+        SetApplicationFolder(parser.value(appFolder));
+
+    ScreenRegistry screens;
+    frmMainMenu menu(settings, screens);
+    menu.Form_Load();
+    if (parser.isSet(quitAfterStart))
+        QObject::connect(&menu, &frmMainMenu::shown, &app, [] { QTimer::singleShot(0, qApp, &QCoreApplication::quit); });
+    menu.show();
     const int rc = app.exec();
     ConnectionPool::shared().clear();
     return rc;

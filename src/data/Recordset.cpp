@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -237,4 +238,22 @@ QDateTime Field::toDateTime() const
     if (!dt.isValid())
         typeMismatch();
     return dt;
+}
+
+void Field::appendUtf8(std::string *out) const
+{
+    const auto &c = rs_->cell(row_, column_);
+    const Recordset::FieldType type = rs_->fieldType(column_);
+    if (c.storage == Recordset::Cell::Text) {
+        out->append(rs_->text_.data() + c.offset, c.length);
+        return;
+    }
+    if (c.storage == Recordset::Cell::Integer && type != Recordset::FieldType::Bool && type != Recordset::FieldType::Currency) {
+        char buf[24];
+        const auto r = std::to_chars(buf, buf + sizeof buf, c.i);
+        out->append(buf, size_t(r.ptr - buf));
+        return;
+    }
+    if (c.storage != Recordset::Cell::Null)
+        out->append(toString().toStdString());
 }

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string>
 #include <vector>
 
 class Recordset;
@@ -35,6 +36,8 @@ public:
     bool toBool() const;
     QDate toDate() const;
     QDateTime toDateTime() const;
+    /// Appends toString()'s text as UTF-8, without building a QString for plain texts and numbers.
+    void appendUtf8(std::string *out) const;
 
 private:
     const Recordset *rs_;

@@ -63,6 +63,8 @@ JetTranslator &SqliteDatabase::sharedTranslator()
     return translator;
 }
 
+QString SqliteDatabase::engineVersion() { return QString::fromLatin1(sqlite3_libversion()); }
+
 SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
 {
     const QFileInfo info(path);
@@ -178,8 +180,11 @@ int SqliteDatabase::run(const TranslatedStatement &ts, Recordset *rows, const QS
     }
     int rc;
     while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
-        if (!rows)
-            continue;
+        if (!rows) {
+            // A query run as a command (a probe) needs its first row only.
+            rc = SQLITE_DONE;
+            break;
+        }
         for (int c = 0; c < columns; ++c) {
             switch (sqlite3_column_type(stmt, c)) {
             case SQLITE_INTEGER:

@@ -26,6 +26,8 @@ public:
     static void createFile(const QString &path);
     /// Shared translator for SQLite (one shape cache for the process).
     static JetTranslator &sharedTranslator();
+    /// The SQLite library's version.
+    static QString engineVersion();
 
     int execute(const QString &jetSql, Recordset *rows) override;
     void beginTransaction() override;

@@ -8,6 +8,7 @@ QString LibraryDatabasePath;
 QString CentralDatabasePath;
 std::shared_ptr<DbConnection> LibraryConnection;
 std::shared_ptr<DbConnection> CentralConnection;
+QString SchoolName;
 
 namespace {
 

@@ -12,6 +12,8 @@ extern QString LibraryDatabasePath;
 extern QString CentralDatabasePath;
 extern std::shared_ptr<DbConnection> LibraryConnection;
 extern std::shared_ptr<DbConnection> CentralConnection;
+/// The school's name from the school administration database, for headings.
+extern QString SchoolName;
 
 inline constexpr const char *JetProvider = "Microsoft.jet.oledb.4.0";
 inline constexpr const char *LibraryPassword = "KestrinPol";

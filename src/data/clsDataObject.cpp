@@ -2,8 +2,13 @@
 
 #include "AppError.h"
 #include "DbConnection.h"
+#include "GridTarget.h"
 #include "UpdateDatabase.h"
 #include "modExtendedMsgBox.h"
+
+#include <QComboBox>
+
+#include <string>
 
 namespace {
 // The provider's advice text; when an open failure carries it, the connection is left as it is.
@@ -86,25 +91,19 @@ bool clsDataObject::TableExist(const QString &sql)
 
 int clsDataObject::GetData(const QString &sql)
 {
-    ConOpen();
-    prepare(sql);
-    rstRecordSetOpen();
+    openForReading(sql);
     return rst->RecordCount();
 }
 
 int clsDataObject::GetDatas(const QString &sql)
 {
-    ConOpen();
-    prepare(sql);
-    rstRecordSetOpen();
+    openForReading(sql);
     return 0;
 }
 
 int clsDataObject::GetID(const QString &sql, const QVariant &)
 {
-    ConOpen();
-    prepare(sql);
-    rstRecordSetOpen();
+    openForReading(sql);
     return 0;
 }
 
@@ -128,9 +127,7 @@ int clsDataObject::GetAuto(const QString &sql)
 QVariant clsDataObject::GetKeyword(const QString &sql, bool english)
 {
     QVariant value;
-    ConOpen();
-    prepare(sql);
-    rstRecordSetOpen();
+    openForReading(sql);
     for (rst->MoveFirst(); !rst->atEnd(); rst->MoveNext())
         value = rst->field(english ? 1 : 2).value();
     rstRecordSetclose();
@@ -153,3 +150,102 @@ void clsDataObject::CloseCompact()
 }
 
 bool clsDataObject::connectionOpen() const { return connection_ && connection_->state() == DbConnection::adStateOpen; }
+
+void clsDataObject::openForReading(const QString &sql)
+{
+    ConOpen();
+    prepare(sql);
+    rstRecordSetOpen();
+}
+
+void clsDataObject::fillCombo(QComboBox *combo, const QString &sql, int valueField, int textField)
+{
+    openForReading(sql);
+    if (!rst->atEnd()) {
+        rst->MoveFirst();
+        combo->clear();
+    }
+    for (; !rst->atEnd(); rst->MoveNext())
+        combo->addItem(rst->field(textField).toString(), rst->field(valueField).toInt());
+    rstRecordSetclose();
+    ConClose();
+}
+
+void clsDataObject::Fillcombo(QComboBox *combo, const QString &sql, int valueField, int textField, bool)
+{
+    fillCombo(combo, sql, valueField, textField);
+}
+
+void clsDataObject::Fillcombos(QComboBox *combo, const QString &sql, int valueField, int textField, bool, const QVariant &,
+                               const QVariant &)
+{
+    fillCombo(combo, sql, valueField, textField);
+}
+
+namespace {
+struct FillScope {
+    GridTarget &grid;
+    explicit FillScope(GridTarget &g) : grid(g) { grid.beginFill(); }
+    ~FillScope() { grid.endFill(); }
+    FillScope(const FillScope &) = delete;
+    FillScope &operator=(const FillScope &) = delete;
+};
+} // namespace
+
+void clsDataObject::fillRows(GridTarget &grid, int firstRow, bool widen)
+{
+    const int fields = rst->fieldCount();
+    std::string text;
+    int row = firstRow;
+    for (; !rst->atEnd(); rst->MoveNext(), ++row) {
+        for (int f = 0; f < fields; ++f) {
+            const Field value = rst->field(f);
+            if (value.isNull())
+                continue;
+            text.clear();
+            value.appendUtf8(&text);
+            grid.setCellUtf8(f, row, text);
+            if (widen) {
+                grid.setActiveCell(f, row);
+                const double needed = grid.textWidthUtf8(text);
+                if (grid.colWidth(f) < needed + 1)
+                    grid.setColWidth(f, needed + 1);
+            }
+        }
+    }
+}
+
+void clsDataObject::FillSpread(GridTarget &grid, const QString &sql)
+{
+    openForReading(sql);
+    FillScope fill(grid);
+    grid.setMaxCols(rst->fieldCount() - 1);
+    grid.setMaxRows(rst->RecordCount());
+    for (int i = 1; i < rst->fieldCount(); ++i)
+        grid.setCellText(i, 0, rst->fieldName(i));
+    fillRows(grid, 1, true);
+    rstRecordSetclose();
+    ConClose();
+}
+
+void clsDataObject::FillSpreadWithHeader(GridTarget &grid, const QString &sql)
+{
+    openForReading(sql);
+    FillScope fill(grid);
+    grid.setMaxCols(rst->fieldCount() - 1);
+    grid.setMaxRows(rst->RecordCount());
+    fillRows(grid, 1, false);
+    rstRecordSetclose();
+    ConClose();
+}
+
+void clsDataObject::AppendSpread(GridTarget &grid, const QString &sql)
+{
+    openForReading(sql);
+    FillScope fill(grid);
+    const int rows = grid.maxRows();
+    grid.setMaxRows(rows + 1);
+    fillRows(grid, rows + 1, true);
+    rstRecordSetclose();
+    ConClose();
+}

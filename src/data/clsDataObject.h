@@ -8,6 +8,7 @@
 #include <memory>
 
 class DbConnection;
+class GridTarget;
 class QComboBox;
 
 /// The data-access object every screen creates for its own library-database
@@ -41,8 +42,21 @@ public:
     int GetDatas(const QString &sql);
     /// Opens rst; returns 0. The second value has no effect.
     int GetID(const QString &sql, const QVariant &unused = QVariant());
+    /// Fills a combo: text from textField, item data (32-bit) from valueField. An empty result leaves the list as it was.
+    /// The flag is kept for the callers that pass it; it changes nothing.
+    void Fillcombo(QComboBox *combo, const QString &sql, int valueField, int textField, bool flag = false);
+    /// The same filling, for the screens that pass the longer argument list.
+    void Fillcombos(QComboBox *combo, const QString &sql, int valueField, int textField, bool flag = false,
+                    const QVariant &extra1 = QVariant(), const QVariant &extra2 = QVariant());
     /// First field of the last row, or 0 when there are no rows.
     int GetAuto(const QString &sql);
+    /// Sizes the grid to the result, captions from the field names, every value written
+    /// (field 0 to the row-header column) and columns widened to fit. Nulls leave cells untouched.
+    void FillSpread(GridTarget &grid, const QString &sql);
+    /// The same without captions or widening: the screen's own captions and widths stay.
+    void FillSpreadWithHeader(GridTarget &grid, const QString &sql);
+    /// Grows the grid by exactly one row and writes the result from there (meant for one-row results).
+    void AppendSpread(GridTarget &grid, const QString &sql);
     /// Field 1 (english) or field 2 of the last row; empty when there are no rows.
     QVariant GetKeyword(const QString &sql, bool english);
     void ConClose();
@@ -54,6 +68,9 @@ public:
 
 private:
     void prepare(const QString &sql);
+    void openForReading(const QString &sql);
+    void fillRows(GridTarget &grid, int firstRow, bool widen);
+    void fillCombo(QComboBox *combo, const QString &sql, int valueField, int textField);
 
     std::unique_ptr<DbConnection> connection_;
     QString commandText_;

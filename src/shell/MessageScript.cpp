@@ -36,3 +36,12 @@ int MessageScript::answer(const QString &prompt, int style, const QString &title
     shown_.push_back(ShownMessage{prompt, title, style, picture, code});
     return code;
 }
+
+QString MessageScript::takeFileName()
+{
+    if (fileNames_.empty())
+        return QString();
+    const QString path = fileNames_.front();
+    fileNames_.pop_front();
+    return path;
+}

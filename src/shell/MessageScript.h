@@ -30,6 +30,13 @@ public:
     static constexpr int Ok = 1, Cancel = 2, Yes = 6, No = 7;
 
     void queueAnswer(int code) { answers_.push_back(code); }
+    /// The next file dialog answers with this path (an empty one means Cancel).
+    void queueFileName(const QString &path) { fileNames_.push_back(path); }
+    /// Print jobs skip the print dialog and write this PDF file; with none set they print nothing.
+    void setPrintToPdf(const QString &path) { pdfPath_ = path; }
+    const QString &printToPdf() const { return pdfPath_; }
+    /// The next scripted file name (empty when none is queued).
+    QString takeFileName();
     const std::vector<ShownMessage> &shown() const { return shown_; }
     QStringList prompts() const;
     void clear() { shown_.clear(); answers_.clear(); }
@@ -41,6 +48,8 @@ public:
 
 private:
     std::deque<int> answers_;
+    std::deque<QString> fileNames_;
+    QString pdfPath_;
     std::vector<ShownMessage> shown_;
     MessageScript *previous_;
 };

@@ -3,6 +3,7 @@
 #include "MessageScript.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -66,4 +67,11 @@ bool UserQuestion(const QString &prompt)
 bool UserWarning(const QString &prompt)
 {
     return ShowHookedBox(prompt, YesNoDefaultSecond, QStringLiteral("User Warning"), MessagePicture::picStop) != MessageScript::No;
+}
+
+QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QString &filter)
+{
+    if (MessageScript *script = MessageScript::active())
+        return script->takeFileName();
+    return QFileDialog::getOpenFileName(parent, caption, QString(), filter);
 }

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+class QWidget;
+
 /// Every message the system shows goes through these routines: a standard
 /// modal box carrying one of the system's own pictures. Style and result codes
 /// are the classic ones (0 OK only, 4 Yes/No, +256 second button default;
@@ -17,3 +19,6 @@ void UserMessage(const QString &prompt);
 bool UserQuestion(const QString &prompt);
 /// "User Warning", Yes/No with No as default, picture picStop. True unless the answer was No.
 bool UserWarning(const QString &prompt);
+
+/// The file dialog of the system: the chosen file, or empty when cancelled.
+QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QString &filter);

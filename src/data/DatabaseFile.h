@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// Whole-file work on a database: compaction and replacing the file safely.
+class DatabaseFile {
+public:
+    /// Folds the write-ahead log into the main file and closes the pooled connections to it,
+    /// so the file alone holds the database (before measuring, copying or replacing it).
+    static void settle(const QString &path);
+    /// Writes a compacted copy of the database at source to destination (which must not exist).
+    static void compactCopy(const QString &source, const QString &destination);
+    /// Puts replacement in place of target: written beside it, flushed, then renamed over it,
+    /// so a crash at any moment leaves either the old or the new database whole.
+    static void replace(const QString &target, const QString &replacement);
+    /// Size in bytes of the main file.
+    static qint64 size(const QString &path);
+    /// Bytes as whole kilobytes, halves rounded to even (1,536 and 2,560 bytes are both 2 KB).
+    static qint64 kilobytes(qint64 bytes);
+};

@@ -1,0 +1,251 @@
+#include "SpreadGrid.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFontMetricsF>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace {
+
+constexpr double DefaultWidth = 8.0; // characters, as a fresh grid column
+constexpr int CellPadding = 8;       // pixels around a cell's text
+
+// Draws push-button cells and reports their clicks.
+class ButtonDelegate : public QStyledItemDelegate {
+public:
+    ButtonDelegate(SpreadGrid *grid) : QStyledItemDelegate(grid), grid_(grid) {}
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        if (grid_->model()->columnType(index.column() + 1) != SpreadModel::CellType::Button) {
+            QStyledItemDelegate::paint(painter, option, index);
+            return;
+        }
+        QStyleOptionButton button;
+        button.rect = option.rect.adjusted(2, 2, -2, -2);
+        button.text = index.data(Qt::DisplayRole).toString();
+        button.state = QStyle::State_Enabled | QStyle::State_Raised;
+        const QWidget *widget = option.widget;
+        QStyle *style = widget ? widget->style() : QApplication::style();
+        style->drawControl(QStyle::CE_PushButton, &button, painter, widget);
+    }
+
+private:
+    SpreadGrid *grid_;
+};
+
+} // namespace
+
+SpreadGrid::SpreadGrid(QWidget *parent) : QWidget(parent), model_(new SpreadModel(this)), view_(new QTableView(this))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view_);
+    view_->setModel(model_);
+    view_->setItemDelegate(new ButtonDelegate(this));
+    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view_->setSelectionMode(QAbstractItemView::SingleSelection);
+    view_->setWordWrap(false);
+    view_->setAlternatingRowColors(true);
+    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    view_->horizontalHeader()->setSectionsClickable(true);
+    view_->horizontalHeader()->setHighlightSections(false);
+    view_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    view_->verticalHeader()->setDefaultSectionSize(QFontMetrics(font()).height() + 6);
+    widths_.assign(1, DefaultWidth);
+    measureFont();
+
+    connect(view_, &QTableView::clicked, this, [this](const QModelIndex &index) { clickCell(index.column() + 1, index.row() + 1); });
+    connect(view_, &QTableView::doubleClicked, this,
+            [this](const QModelIndex &index) { Q_EMIT cellDoubleClicked(index.column() + 1, index.row() + 1); });
+    connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int section) { Q_EMIT headerClicked(section + 1); });
+}
+
+void SpreadGrid::measureFont()
+{
+    const QFontMetricsF fm(view_->font());
+    charWidth_ = std::max(1.0, fm.averageCharWidth());
+    for (int c = 32; c < 128; ++c)
+        advance_[size_t(c)] = fm.horizontalAdvance(QChar(c));
+}
+
+void SpreadGrid::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::FontChange)
+        measureFont();
+    QWidget::changeEvent(event);
+}
+
+void SpreadGrid::setMaxCols(int cols)
+{
+    model_->setMaxCols(cols);
+    widths_.resize(size_t(std::max(0, cols)) + 1, DefaultWidth);
+    for (int c = 1; c <= cols; ++c)
+        applyWidth(c);
+}
+
+void SpreadGrid::setCellText(int col, int row, const QString &text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    model_->setCellUtf8(col, row, std::string_view(utf8.constData(), size_t(utf8.size())));
+}
+
+double SpreadGrid::colWidth(int col) const
+{
+    return col >= 0 && size_t(col) < widths_.size() ? widths_[size_t(col)] : DefaultWidth;
+}
+
+void SpreadGrid::setColWidth(int col, double width)
+{
+    if (col < 0 || col > maxCols())
+        return;
+    widths_[size_t(col)] = width;
+    applyWidth(col);
+}
+
+void SpreadGrid::applyWidth(int col)
+{
+    if (filling_ || col < 1)
+        return; // column 0 holds keys; the row header shows row numbers at its own width
+    view_->setColumnWidth(col - 1, int(std::lround(widths_[size_t(col)] * charWidth_)) + CellPadding);
+}
+
+double SpreadGrid::textWidthUtf8(std::string_view text) const
+{
+    double px = 0;
+    for (unsigned char c : text) {
+        if (c >= 128) {
+            // Outside ASCII: measure the whole text properly.
+            const QFontMetricsF fm(view_->font());
+            return fm.horizontalAdvance(QString::fromUtf8(text.data(), qsizetype(text.size()))) / charWidth_;
+        }
+        px += c >= 32 ? advance_[c] : 0;
+    }
+    return px / charWidth_;
+}
+
+void SpreadGrid::setActiveCell(int col, int row)
+{
+    activeCol_ = col;
+    activeRow_ = row;
+}
+
+void SpreadGrid::beginFill()
+{
+    filling_ = true;
+    model_->beginBulk();
+}
+
+void SpreadGrid::endFill()
+{
+    model_->endBulk();
+    filling_ = false;
+    for (int c = 1; c <= maxCols(); ++c)
+        applyWidth(c);
+}
+
+void SpreadGrid::setColumnType(int col, SpreadModel::CellType type, const QString &buttonText)
+{
+    model_->setColumnType(col, type, buttonText);
+}
+
+void SpreadGrid::selectGridRow(int row)
+{
+    if (row < 1 || row > maxRows()) {
+        view_->clearSelection();
+        return;
+    }
+    view_->selectRow(row - 1);
+}
+
+int SpreadGrid::selectedRow() const
+{
+    const QModelIndexList rows = view_->selectionModel()->selectedRows();
+    return rows.isEmpty() ? 0 : rows.first().row() + 1;
+}
+
+void SpreadGrid::clickCell(int col, int row)
+{
+    setActiveCell(col, row);
+    Q_EMIT cellClicked(col, row);
+    if (model_->columnType(col) == SpreadModel::CellType::Button && row >= 1 && row <= maxRows())
+        Q_EMIT buttonClicked(col, row);
+}
+
+SpreadGrid::PageLayout SpreadGrid::pageLayout(const QRectF &area, QPaintDevice *device) const
+{
+    PageLayout layout;
+    const QFontMetricsF fm(view_->font(), device);
+    const double charWidth = std::max(1.0, fm.averageCharWidth());
+    layout.rowHeight = fm.height() * 1.5;
+    double total = 0;
+    for (int c = 1; c <= maxCols(); ++c) {
+        layout.widths.push_back(colWidth(c) * charWidth + fm.height() * 0.6);
+        total += layout.widths.back();
+    }
+    layout.scale = total > area.width() && total > 0 ? area.width() / total : 1.0;
+    layout.rowsPerPage = std::max(1, int(std::floor((area.height() / layout.scale - layout.rowHeight) / layout.rowHeight)));
+    return layout;
+}
+
+int SpreadGrid::pageCount(const QRectF &area, QPaintDevice *device) const
+{
+    const PageLayout layout = pageLayout(area, device);
+    return std::max(1, (maxRows() + layout.rowsPerPage - 1) / layout.rowsPerPage);
+}
+
+void SpreadGrid::printPage(QPainter &painter, const QRectF &area, int page) const
+{
+    const PageLayout layout = pageLayout(area, painter.device());
+    painter.save();
+    painter.setFont(QFont(view_->font(), painter.device()));
+    painter.translate(area.topLeft());
+    painter.scale(layout.scale, layout.scale);
+    const double pad = layout.rowHeight * 0.2;
+    const QPen gridPen(QColor(160, 160, 160), 0);
+
+    auto drawRow = [&](double y, int row, bool caption) {
+        double x = 0;
+        for (int c = 1; c <= maxCols(); ++c) {
+            const QRectF cell(x, y, layout.widths[size_t(c - 1)], layout.rowHeight);
+            if (caption)
+                painter.fillRect(cell, QColor(230, 230, 230));
+            painter.setPen(gridPen);
+            painter.drawRect(cell);
+            painter.setPen(Qt::black);
+            if (!caption && model_->columnType(c) == SpreadModel::CellType::CheckBox) {
+                const double box = layout.rowHeight * 0.5;
+                const QRectF square(cell.center().x() - box / 2, cell.center().y() - box / 2, box, box);
+                painter.drawRect(square);
+                if (isChecked(c, row)) {
+                    painter.drawLine(square.topLeft(), square.bottomRight());
+                    painter.drawLine(square.topRight(), square.bottomLeft());
+                }
+            } else {
+                const QString text = cellText(c, row);
+                const QRectF inner = cell.adjusted(pad, 0, -pad, 0);
+                painter.drawText(inner, Qt::AlignVCenter | Qt::AlignLeft,
+                                 painter.fontMetrics().elidedText(text, Qt::ElideRight, int(inner.width())));
+            }
+            x += cell.width();
+        }
+    };
+    QFont bold = painter.font();
+    bold.setBold(true);
+    painter.setFont(bold);
+    drawRow(0, 0, true);
+    bold.setBold(false);
+    painter.setFont(bold);
+    const int first = (page - 1) * layout.rowsPerPage + 1;
+    const int last = std::min(maxRows(), first + layout.rowsPerPage - 1);
+    for (int row = first; row <= last; ++row)
+        drawRow(layout.rowHeight * (row - first + 1), row, false);
+    painter.restore();
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "GridTarget.h"
+#include "SpreadModel.h"
+
+#include <QWidget>
+
+#include <array>
+
+class QPaintDevice;
+class QPainter;
+class QTableView;
+
+/// The one grid of every list screen. Rows and columns count from 1; column 0
+/// is the row-header column that holds each row's key (the header shows the
+/// row number), row 0 holds the captions. Cells are text, check boxes (text
+/// "1" when ticked) or push buttons. Widths are in characters of the grid's
+/// font. The grid can draw itself page by page for printing.
+class SpreadGrid : public QWidget, public GridTarget {
+    Q_OBJECT
+public:
+    explicit SpreadGrid(QWidget *parent = nullptr);
+
+    // GridTarget
+    int maxCols() const override { return model_->maxCols(); }
+    void setMaxCols(int cols) override;
+    int maxRows() const override { return model_->maxRows(); }
+    void setMaxRows(int rows) override { model_->setMaxRows(rows); }
+    void setCellUtf8(int col, int row, std::string_view text) override { model_->setCellUtf8(col, row, text); }
+    void setCellText(int col, int row, const QString &text) override;
+    QString cellText(int col, int row) const override { return model_->cellText(col, row); }
+    double colWidth(int col) const override;
+    void setColWidth(int col, double width) override;
+    double textWidthUtf8(std::string_view text) const override;
+    void setActiveCell(int col, int row) override;
+    void beginFill() override;
+    void endFill() override;
+
+    /// Check-box cells: ticked when the text is "1".
+    bool isChecked(int col, int row) const { return model_->cellUtf8(col, row) == "1"; }
+    void setChecked(int col, int row, bool checked) { setCellUtf8(col, row, checked ? "1" : "0"); }
+    void setColumnType(int col, SpreadModel::CellType type, const QString &buttonText = QString());
+    /// Unlocked text columns may be edited in place.
+    void setColumnLocked(int col, bool locked) { model_->setColumnLocked(col, locked); }
+    void clearRows() { setMaxRows(0); }
+
+    int activeCol() const { return activeCol_; }
+    int activeRow() const { return activeRow_; }
+    /// Selects a whole row (1-based); 0 clears the selection.
+    void selectGridRow(int row);
+    /// The selected row, or 0.
+    int selectedRow() const;
+
+    /// Pages needed to draw every row into area on device.
+    int pageCount(const QRectF &area, QPaintDevice *device) const;
+    /// Draws one page (1-based) of the grid into area.
+    void printPage(QPainter &painter, const QRectF &area, int page) const;
+
+    QTableView *view() const { return view_; }
+    SpreadModel *model() const { return model_; }
+
+    /// Clicks as the screens see them, in grid coordinates.
+    void clickCell(int col, int row);
+
+Q_SIGNALS:
+    void cellClicked(int col, int row);
+    void cellDoubleClicked(int col, int row);
+    void buttonClicked(int col, int row);
+    /// A caption was clicked: screens that sort re-run their statement.
+    void headerClicked(int col);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct PageLayout {
+        double scale = 1;
+        double rowHeight = 0;
+        int rowsPerPage = 1;
+        std::vector<double> widths; // device units, columns 1..maxCols
+    };
+    PageLayout pageLayout(const QRectF &area, QPaintDevice *device) const;
+    void applyWidth(int col);
+    void measureFont();
+
+    SpreadModel *model_;
+    QTableView *view_;
+    std::vector<double> widths_; // characters, index = grid column
+    std::array<double, 128> advance_{};
+    double charWidth_ = 7;
+    int activeCol_ = 0;
+    int activeRow_ = 0;
+    bool filling_ = false;
+};

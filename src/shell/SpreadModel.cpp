@@ -1,0 +1,201 @@
+#include "SpreadModel.h"
+
+namespace {
+
+const std::string Empty;
+
+bool ticked(std::string_view text)
+{
+    return text == "1" || text == "-1" || text == "True" || text == "true" || text == "TRUE";
+}
+
+} // namespace
+
+SpreadModel::SpreadModel(QObject *parent) : QAbstractTableModel(parent), columns_(1) {}
+
+void SpreadModel::ensureRows(size_t rows)
+{
+    for (Column &c : columns_)
+        if (c.cells.size() < rows + 1)
+            c.cells.resize(rows + 1);
+}
+
+void SpreadModel::setMaxCols(int cols)
+{
+    cols = std::max(0, cols);
+    if (cols == maxCols_)
+        return;
+    if (bulkDepth_ == 0)
+        beginResetModel();
+    columns_.resize(size_t(cols) + 1);
+    maxCols_ = cols;
+    ensureRows(size_t(maxRows_));
+    if (bulkDepth_ == 0)
+        endResetModel();
+}
+
+void SpreadModel::setMaxRows(int rows)
+{
+    rows = std::max(0, rows);
+    if (rows == maxRows_)
+        return;
+    const int old = maxRows_;
+    if (bulkDepth_ == 0) {
+        if (rows > old)
+            beginInsertRows(QModelIndex(), old, rows - 1);
+        else
+            beginRemoveRows(QModelIndex(), rows, old - 1);
+    }
+    if (rows < old)
+        for (Column &c : columns_)
+            c.cells.resize(std::min(c.cells.size(), size_t(rows) + 1));
+    maxRows_ = rows;
+    ensureRows(size_t(rows));
+    if (bulkDepth_ == 0) {
+        if (rows > old)
+            endInsertRows();
+        else
+            endRemoveRows();
+    }
+}
+
+void SpreadModel::setCellUtf8(int col, int row, std::string_view text)
+{
+    if (col < 0 || col > maxCols_ || row < 0)
+        return;
+    ensureRows(size_t(row));
+    Column &c = columns_[size_t(col)];
+    if (c.type == CellType::CheckBox && row > 0)
+        c.cells[size_t(row)] = ticked(text) ? "1" : "0";
+    else
+        c.cells[size_t(row)].assign(text);
+    changed(col, row);
+}
+
+const std::string &SpreadModel::cellUtf8(int col, int row) const
+{
+    if (col < 0 || col > maxCols_ || row < 0)
+        return Empty;
+    const Column &c = columns_[size_t(col)];
+    return size_t(row) < c.cells.size() ? c.cells[size_t(row)] : Empty;
+}
+
+QString SpreadModel::cellText(int col, int row) const
+{
+    const std::string &s = cellUtf8(col, row);
+    return QString::fromUtf8(s.data(), qsizetype(s.size()));
+}
+
+void SpreadModel::setColumnType(int col, CellType type, const QString &buttonText)
+{
+    if (col < 1 || col > maxCols_)
+        return;
+    Column &c = columns_[size_t(col)];
+    c.type = type;
+    c.buttonText = buttonText;
+    if (type == CellType::CheckBox)
+        c.locked = false;
+    if (bulkDepth_ == 0 && maxRows_ > 0)
+        Q_EMIT dataChanged(index(0, col - 1), index(maxRows_ - 1, col - 1));
+}
+
+SpreadModel::CellType SpreadModel::columnType(int col) const
+{
+    return col >= 1 && col <= maxCols_ ? columns_[size_t(col)].type : CellType::Text;
+}
+
+void SpreadModel::setColumnLocked(int col, bool locked)
+{
+    if (col >= 1 && col <= maxCols_)
+        columns_[size_t(col)].locked = locked;
+}
+
+void SpreadModel::beginBulk()
+{
+    if (bulkDepth_++ == 0)
+        beginResetModel();
+}
+
+void SpreadModel::endBulk()
+{
+    if (bulkDepth_ > 0 && --bulkDepth_ == 0)
+        endResetModel();
+}
+
+void SpreadModel::changed(int col, int row)
+{
+    if (bulkDepth_ > 0)
+        return;
+    if (row == 0 && col > 0)
+        Q_EMIT headerDataChanged(Qt::Horizontal, col - 1, col - 1);
+    else if (col > 0 && row <= maxRows_)
+        Q_EMIT dataChanged(index(row - 1, col - 1), index(row - 1, col - 1));
+}
+
+int SpreadModel::rowCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : maxRows_; }
+
+int SpreadModel::columnCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : maxCols_; }
+
+QVariant SpreadModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= maxRows_ || index.column() >= maxCols_)
+        return QVariant();
+    const int col = index.column() + 1;
+    const int row = index.row() + 1;
+    const Column &c = columns_[size_t(col)];
+    switch (role) {
+    case Qt::DisplayRole:
+        if (c.type == CellType::CheckBox)
+            return QVariant();
+        if (c.type == CellType::Button && cellUtf8(col, row).empty())
+            return c.buttonText;
+        return cellText(col, row);
+    case Qt::EditRole:
+        return cellText(col, row);
+    case Qt::CheckStateRole:
+        if (c.type == CellType::CheckBox)
+            return cellUtf8(col, row) == "1" ? Qt::Checked : Qt::Unchecked;
+        return QVariant();
+    default:
+        return QVariant();
+    }
+}
+
+bool SpreadModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (!index.isValid())
+        return false;
+    const int col = index.column() + 1;
+    const int row = index.row() + 1;
+    if (role == Qt::CheckStateRole && columnType(col) == CellType::CheckBox) {
+        setCellUtf8(col, row, value.toInt() == Qt::Checked ? "1" : "0");
+        return true;
+    }
+    if (role == Qt::EditRole) {
+        setCellUtf8(col, row, value.toString().toStdString());
+        return true;
+    }
+    return false;
+}
+
+QVariant SpreadModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole)
+        return QVariant();
+    if (orientation == Qt::Vertical)
+        return section + 1; // the row header shows the row number; the key stays hidden
+    return cellText(section + 1, 0);
+}
+
+Qt::ItemFlags SpreadModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    const Column &c = columns_[size_t(index.column() + 1)];
+    Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    if (c.type == CellType::CheckBox)
+        f |= Qt::ItemIsUserCheckable;
+    else if (!c.locked && c.type == CellType::Text)
+        f |= Qt::ItemIsEditable;
+    return f;
+}

@@ -1,0 +1,84 @@
+#include "frmAbout.h"
+
+#include "SettingsStore.h"
+#include "SqliteDatabase.h"
+#include "UpdateDatabase.h"
+
+#include <QDialogButtonBox>
+#include <QFileInfo>
+#include <QLabel>
+#include <QPushButton>
+#include <QStorageInfo>
+#include <QSysInfo>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+namespace {
+
+QString databaseLine(const QString &role, const QString &path)
+{
+    const QFileInfo info(path);
+    if (path.isEmpty())
+        return role + QStringLiteral(": (not set)");
+    if (!info.exists())
+        return role + QStringLiteral(": ") + path + QStringLiteral(" (missing)");
+    const QStorageInfo storage(info.absolutePath());
+    return role + QStringLiteral(": ") + info.absoluteFilePath()
+           + QStringLiteral("\n    %1 KB, modified %2, %3, %4 MB free on its disk")
+                 .arg(info.size() / 1024)
+                 .arg(info.lastModified().toString(Qt::ISODate))
+                 .arg(info.isWritable() ? QStringLiteral("writable") : QStringLiteral("read-only"))
+                 .arg(storage.bytesAvailable() / (1024 * 1024));
+}
+
+} // namespace
+
+frmAbout::frmAbout(QWidget *parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("frmAbout"));
+    setWindowTitle(QStringLiteral("About Shelvora"));
+    auto *layout = new QVBoxLayout(this);
+    auto *text = new QLabel(this);
+    text->setObjectName(QStringLiteral("lblAbout"));
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    text->setText(QStringLiteral("<h2>Shelvora</h2><p>School library, version %1</p><p>Qt %2 &middot; SQLite %3</p>"
+                                 "<p>Library database: %4<br>School database: %5</p>")
+                      .arg(QStringLiteral(SHELVORA_VERSION), QString::fromLatin1(qVersion()), SqliteDatabase::engineVersion(),
+                           LibraryDatabasePath.toHtmlEscaped(), CentralDatabasePath.toHtmlEscaped()));
+    layout->addWidget(text);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
+    QPushButton *info = buttons->addButton(QStringLiteral("System Info..."), QDialogButtonBox::ActionRole);
+    info->setObjectName(QStringLiteral("cmdSysInfo"));
+    connect(info, &QPushButton::clicked, this, [this] { SystemInfoDialog(this).exec(); });
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    layout->addWidget(buttons);
+}
+
+SystemInfoDialog::SystemInfoDialog(QWidget *parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("frmSystemInfo"));
+    setWindowTitle(QStringLiteral("System Information"));
+    resize(640, 420);
+    auto *layout = new QVBoxLayout(this);
+    auto *view = new QTextBrowser(this);
+    view->setPlainText(report());
+    layout->addWidget(view);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    layout->addWidget(buttons);
+}
+
+QString SystemInfoDialog::report()
+{
+    QStringList lines;
+    lines << QStringLiteral("Shelvora %1").arg(QStringLiteral(SHELVORA_VERSION));
+    lines << QStringLiteral("Operating system: %1 (%2 %3)").arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion());
+    lines << QStringLiteral("Processor: %1; built for %2").arg(QSysInfo::currentCpuArchitecture(), QSysInfo::buildAbi());
+    lines << QStringLiteral("Computer name: %1").arg(QSysInfo::machineHostName());
+    lines << QStringLiteral("Qt %1, SQLite %2").arg(QString::fromLatin1(qVersion()), SqliteDatabase::engineVersion());
+    lines << QStringLiteral("Program folder: %1").arg(ApplicationFolder());
+    lines << databaseLine(QStringLiteral("Library database"), LibraryDatabasePath);
+    lines << databaseLine(QStringLiteral("School database"), CentralDatabasePath);
+    lines << QStringLiteral("School: %1").arg(SchoolName.isEmpty() ? QStringLiteral("(unknown)") : SchoolName);
+    return lines.join(QLatin1Char('\n'));
+}

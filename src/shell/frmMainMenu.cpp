@@ -1,0 +1,317 @@
+#include "frmMainMenu.h"
+
+#include "AppError.h"
+#include "DatabaseFile.h"
+#include "DbConnection.h"
+#include "IssueDeskState.h"
+#include "Recordset.h"
+#include "ScreenRegistry.h"
+#include "SettingsStore.h"
+#include "UpdateDatabase.h"
+#include "frmAbout.h"
+#include "modExtendedMsgBox.h"
+
+#include <QDir>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+
+namespace {
+
+const QString Location = QStringLiteral("frmMainMenu");
+
+QGroupBox *frame(const char *name, const QString &caption, QWidget *parent)
+{
+    auto *box = new QGroupBox(caption, parent);
+    box->setObjectName(QLatin1String(name));
+    new QVBoxLayout(box);
+    return box;
+}
+
+} // namespace
+
+frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens, QWidget *parent)
+    : QWidget(parent), settings_(settings), screens_(screens)
+{
+    setObjectName(QStringLiteral("frmMainMenu"));
+    setWindowTitle(QStringLiteral("Shelvora"));
+
+    Label1 = new QLabel(QStringLiteral("Shelvora"), this);
+    Label1->setObjectName(QStringLiteral("Label1"));
+    QFont title = Label1->font();
+    title.setPointSizeF(title.pointSizeF() * 2.2);
+    title.setBold(true);
+    Label1->setFont(title);
+    lblSchool = new QLabel(this);
+    lblSchool->setObjectName(QStringLiteral("lblSchool"));
+
+    Frame3 = frame("Frame3", QStringLiteral("Library Catalogue"), this);
+    cmdItems = menuButton(Frame3, "cmdItems", QStringLiteral("Maintain Catalogue Items"), QStringLiteral("frmItemList"));
+    cmdCategories = menuButton(Frame3, "cmdCategories", QStringLiteral("Maintain Item Categories"), QStringLiteral("frmCategories"));
+    cmdSubjectcodes = menuButton(Frame3, "cmdSubjectcodes", QStringLiteral("Maintain Subject Classification"), QStringLiteral("frmSubjectsList"));
+    cmdKeywordList = menuButton(Frame3, "cmdKeywordList", QStringLiteral("Maintain Search Keywords"), QStringLiteral("frmKeywordList"));
+    cmdAuthors = menuButton(Frame3, "cmdAuthors", QStringLiteral("Maintain Authors"), QStringLiteral("frmAuthor"));
+    cmdPublisher = menuButton(Frame3, "cmdPublisher", QStringLiteral("Maintain Publishers"), QStringLiteral("frmPublisher"));
+    cmdSeries = menuButton(Frame3, "cmdSeries", QStringLiteral("Maintain Series"), QStringLiteral("frmSeries"));
+    cmdLanguage = menuButton(Frame3, "cmdLanguage", QStringLiteral("Maintain Languages"), QStringLiteral("frmLanguages"));
+
+    Frame7 = frame("Frame7", QStringLiteral("Issue System"), this);
+    Frame4 = new QGroupBox(Frame7);
+    Frame4->setObjectName(QStringLiteral("Frame4"));
+    auto *period = new QHBoxLayout(Frame4);
+    optNormal = new QRadioButton(QStringLiteral("Normal Period"), Frame4);
+    optNormal->setObjectName(QStringLiteral("optNormal"));
+    optLong = new QRadioButton(QStringLiteral("Holiday period"), Frame4);
+    optLong->setObjectName(QStringLiteral("optLong"));
+    optNormal->setChecked(true);
+    period->addWidget(optNormal);
+    period->addWidget(optLong);
+    Frame7->layout()->addWidget(Frame4);
+    cmdissues = new QPushButton(QStringLiteral("Issues and Returns"), Frame7);
+    cmdissues->setObjectName(QStringLiteral("cmdissues"));
+    cmdissues->setMinimumHeight(40);
+    Frame7->layout()->addWidget(cmdissues);
+    connect(cmdissues, &QPushButton::clicked, this, &frmMainMenu::cmdissues_Click);
+    cmdReserve = menuButton(Frame7, "cmdReserve", QStringLiteral("Reservations"), QStringLiteral("frmReserves"));
+    cmdViewReservation = menuButton(Frame7, "cmdViewReservation", QStringLiteral("View Reservations"), QStringLiteral("frmReservedItems"));
+    cmdFines = menuButton(Frame7, "cmdFines", QStringLiteral("Fine Transactions"), QStringLiteral("frmFinePayment"));
+    cmdQuickFind = menuButton(Frame7, "cmdQuickFind", QStringLiteral("Item Quick Find"), QStringLiteral("frmQuickFind"));
+
+    Frame2 = frame("Frame2", QStringLiteral("Users"), this);
+    cmdlearners = menuButton(Frame2, "cmdlearners", QStringLiteral("Library User Records"), QStringLiteral("frmLibraryUsers"));
+    Frame5 = frame("Frame5", QStringLiteral("Reports"), this);
+    Command2 = menuButton(Frame5, "Command2", QStringLiteral("Reports"), QStringLiteral("frmLibraryReport"));
+    cmdLabels = menuButton(Frame5, "cmdLabels", QStringLiteral("Labels"), QStringLiteral("frmLabelList"));
+    Frame6 = frame("Frame6", QStringLiteral("System Settings"), this);
+    cmdSettings = menuButton(Frame6, "cmdSettings", QStringLiteral("General Settings"), QStringLiteral("frmSystemSettings"));
+
+    Frame1 = new QGroupBox(QStringLiteral("Library database"), this);
+    Frame1->setObjectName(QStringLiteral("Frame1"));
+    auto *databaseRow = new QHBoxLayout(Frame1);
+    txtDatabase = new QLineEdit(Frame1);
+    txtDatabase->setObjectName(QStringLiteral("txtDatabase"));
+    txtDatabase->setReadOnly(true);
+    cmdBrowse = new QPushButton(QStringLiteral("Browse for Library Database"), Frame1);
+    cmdBrowse->setObjectName(QStringLiteral("cmdBrowse"));
+    cmdCompact = new QPushButton(QStringLiteral("Compact Library Database"), Frame1);
+    cmdCompact->setObjectName(QStringLiteral("cmdCompact"));
+    databaseRow->addWidget(txtDatabase, 1);
+    databaseRow->addWidget(cmdBrowse);
+    databaseRow->addWidget(cmdCompact);
+    connect(cmdBrowse, &QPushButton::clicked, this, &frmMainMenu::cmdBrowse_Click);
+    connect(cmdCompact, &QPushButton::clicked, this, &frmMainMenu::cmdCompact_Click);
+
+    cmdAbout = new QPushButton(QStringLiteral("About Form"), this);
+    cmdAbout->setObjectName(QStringLiteral("cmdAbout"));
+    cmdDone = new QPushButton(QStringLiteral("Done"), this);
+    cmdDone->setObjectName(QStringLiteral("cmdDone"));
+    connect(cmdAbout, &QPushButton::clicked, this, [this] { frmAbout(this).exec(); });
+    connect(cmdDone, &QPushButton::clicked, this, &QWidget::close);
+
+    auto *root = new QVBoxLayout(this);
+    root->addWidget(Label1);
+    root->addWidget(lblSchool);
+    auto *grid = new QGridLayout;
+    grid->addWidget(Frame3, 0, 0, 3, 1);
+    grid->addWidget(Frame7, 0, 1, 3, 1);
+    grid->addWidget(Frame2, 0, 2);
+    grid->addWidget(Frame5, 1, 2);
+    grid->addWidget(Frame6, 2, 2);
+    root->addLayout(grid);
+    root->addWidget(Frame1);
+    auto *footer = new QHBoxLayout;
+    footer->addStretch(1);
+    footer->addWidget(cmdAbout);
+    footer->addWidget(cmdDone);
+    root->addLayout(footer);
+}
+
+QPushButton *frmMainMenu::menuButton(QGroupBox *frame, const char *name, const QString &caption, const QString &screen)
+{
+    auto *button = new QPushButton(caption, frame);
+    button->setObjectName(QLatin1String(name));
+    button->setMinimumHeight(32);
+    frame->layout()->addWidget(button);
+    connect(button, &QPushButton::clicked, this, [this, screen, caption] { screens_.open(screen, caption, this); });
+    return button;
+}
+
+void frmMainMenu::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    Q_EMIT shown();
+}
+
+void frmMainMenu::Form_Load()
+{
+    try {
+        CentralDatabasePath = settings_.value(QLatin1String(SettingsStore::CentralDatabaseKey));
+        LibraryDatabasePath = settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey));
+        readSchoolName();
+        if (!data_.ConOpen()) {
+            enableMenu(false);
+            return;
+        }
+        enableMenu(true);
+        upgradeStructure();
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Form_Load"), e);
+    }
+}
+
+void frmMainMenu::readSchoolName()
+{
+    SchoolName.clear();
+    OpenCentralDatabase();
+    try {
+        const auto rs = CentralConnection->Execute(QStringLiteral("Select schoolname from general_info"));
+        if (!rs->atEnd())
+            SchoolName = rs->field(QStringLiteral("schoolname")).toString();
+    } catch (const AppError &) {
+        // The failed open was reported; start-up goes on without the name.
+    }
+    CloseCentralDatabase();
+    lblSchool->setText(SchoolName);
+}
+
+void frmMainMenu::enableMenu(bool enabled)
+{
+    for (QGroupBox *box : {Frame3, Frame7, Frame6, Frame2, Frame5})
+        box->setEnabled(enabled);
+    if (!enabled)
+        UserMessage(QStringLiteral("Please browse for your Library Database."));
+}
+
+void frmMainMenu::upgrade(const QString &probe, const QStringList &repairs)
+{
+    try {
+        data_.ExecuteNonQuery(probe);
+    } catch (const AppError &) {
+        for (const QString &repair : repairs) {
+            try {
+                data_.ExecuteNonQuery(repair);
+            } catch (const AppError &) {
+                // An upgrade that cannot run is not reported; the next start tries again.
+            }
+        }
+    }
+}
+
+void frmMainMenu::upgradeStructure()
+{
+    upgrade(QStringLiteral("select PhasedOut from tblLibItemLanguages"), {QStringLiteral("ALTER TABLE tblLibItemLanguages ADD PhasedOut Bit")});
+    upgrade(QStringLiteral("select PhasedOut from tblLibSubjectCodes"), {QStringLiteral("ALTER TABLE tblLibSubjectCodes ADD PhasedOut Bit")});
+    upgrade(QStringLiteral("select KeyID from tblLibKeywords"),
+            {QStringLiteral("CREATE TABLE tblLibKeywords (KeyID INT IDENTITY UNIQUE,KeywordEng Text(50),KeywordAfr Text(50),")
+             + QStringLiteral(" PRIMARY KEY (KeyID))")});
+    upgrade(QStringLiteral("select KeyID from tblLibItemKeywords"),
+            {QStringLiteral("CREATE TABLE tblLibItemKeywords (KeyID INT,ItemID INT, PRIMARY KEY (KeyID,ItemID))")});
+    txtDatabase->setText(LibraryDatabasePath);
+    upgradeClassificationNumbers();
+    upgrade(QStringLiteral("select Author3 from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Author3 INT")});
+    upgrade(QStringLiteral("select Edition from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Edition INT")});
+}
+
+// A text written into a numeric ClassificationNo fails with a type mismatch: then the
+// columns are still numbers and become text. The probe is rolled back and leaves no row.
+void frmMainMenu::upgradeClassificationNumbers()
+{
+    QString failure;
+    OpenLibraryDatabase();
+    try {
+        LibraryConnection->BeginTrans();
+        try {
+            LibraryConnection->Execute(QStringLiteral("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')"));
+        } catch (const AppError &e) {
+            failure = e.description();
+        }
+        LibraryConnection->RollbackTrans();
+    } catch (const AppError &) {
+        // Without a transaction there is nothing to probe.
+    }
+    CloseLibraryDatabase();
+    if (failure == QLatin1String("Data type mismatch in criteria expression.")) {
+        for (const char *repair : {"ALTER TABLE tblLibItems ALTER ClassificationNo TEXT (50)",
+                                   "ALTER TABLE tblLibSubjectCodes ALTER ClassificationNo TEXT (50)"}) {
+            try {
+                data_.ExecuteNonQuery(QString::fromLatin1(repair));
+            } catch (const AppError &) {
+            }
+        }
+    }
+}
+
+void frmMainMenu::cmdBrowse_Click()
+{
+    const QString file = ShowOpenFileDialog(this, QStringLiteral("Browse for Library Database"),
+                                            QStringLiteral("Database Files (*.db *.sqlite *.sqlite3 *.mdb);;All Files (*)"));
+    if (file.isEmpty())
+        return;
+    // The path is taken before the test, and kept even when the file is refused.
+    LibraryDatabasePath = file;
+    bool isLibrary = true;
+    OpenLibraryDatabase();
+    try {
+        LibraryConnection->Execute(QStringLiteral("Select * from tblLibItems"));
+    } catch (const AppError &) {
+        isLibrary = false;
+    }
+    CloseLibraryDatabase();
+    if (!isLibrary) {
+        UserMessage(QStringLiteral("The database you have selected is not an Veltrix Library database."));
+        return;
+    }
+    settings_.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), file);
+    txtDatabase->setText(file);
+    Form_Load();
+}
+
+void frmMainMenu::cmdCompact_Click()
+{
+    if (!UserQuestion(QStringLiteral("Please make sure that you have backed up your database before performing this action. "
+                                     "Are you sure you want to continue?")))
+        return;
+    const QString work = QDir(ApplicationFolder()).filePath(QStringLiteral("library/compact"));
+    try {
+        data_.CloseCompact();
+        QDir(work).removeRecursively();
+        QDir().mkpath(work);
+        const QString copy = QDir(work).filePath(QStringLiteral("copy.mdb"));
+        DatabaseFile::compactCopy(LibraryDatabasePath, copy);
+        const qint64 oldSize = DatabaseFile::kilobytes(DatabaseFile::size(LibraryDatabasePath));
+        const qint64 newSize = DatabaseFile::kilobytes(DatabaseFile::size(copy));
+        const bool useCopy = UserQuestion(QStringLiteral("Your database has been compacted from ") + NumberText(double(oldSize))
+                                          + QStringLiteral("kb to ") + NumberText(double(newSize)) + QStringLiteral("kb") + QStringLiteral("\r\n")
+                                          + QStringLiteral("Do you want to use the compacted database?"));
+        if (useCopy)
+            DatabaseFile::replace(LibraryDatabasePath, copy);
+        QDir(work).removeRecursively();
+        UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
+    } catch (const AppError &e) {
+        QDir(work).removeRecursively();
+        ReportError(Location, QStringLiteral("cmdCompact_Click"), e);
+    }
+}
+
+void frmMainMenu::cmdissues_Click()
+{
+    try {
+        const int rows = data_.GetData(QStringLiteral("Select * from tblLibSettings"));
+        data_.CloseCompact();
+        if (rows < 1) {
+            UserMessage(QStringLiteral("Please enter library settings to continue."));
+            return;
+        }
+        IssueDeskState::desk().LoanType = optLong->isChecked() ? QStringLiteral("L") : QStringLiteral("N");
+        screens_.open(QStringLiteral("frmIssueSystem"), cmdissues->text(), this);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("cmdissues_Click"), e);
+    }
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "clsDataObject.h"
+
+#include <QWidget>
+
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class ScreenRegistry;
+class SettingsStore;
+
+/// The start-up screen and hub: finds the two databases, reads the school's
+/// name, checks and upgrades the library database, and opens every other
+/// screen. Closing it ends the program.
+class frmMainMenu : public QWidget {
+    Q_OBJECT
+public:
+    frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens, QWidget *parent = nullptr);
+
+    /// The load handler: paths, school name, library check, enabling, structure upgrades.
+    void Form_Load();
+    void cmdBrowse_Click();
+    void cmdCompact_Click();
+    void cmdissues_Click();
+
+    // Users
+    QGroupBox *Frame2;
+    QPushButton *cmdlearners;
+    // Issue System
+    QGroupBox *Frame7;
+    QPushButton *cmdFines, *cmdReserve, *cmdQuickFind, *cmdViewReservation, *cmdissues;
+    QGroupBox *Frame4;
+    QRadioButton *optLong, *optNormal;
+    // System Settings
+    QGroupBox *Frame6;
+    QPushButton *cmdSettings;
+    // Reports
+    QGroupBox *Frame5;
+    QPushButton *cmdLabels, *Command2;
+    // Library Catalogue
+    QGroupBox *Frame3;
+    QPushButton *cmdKeywordList, *cmdLanguage, *cmdItems, *cmdSubjectcodes, *cmdCategories, *cmdSeries, *cmdPublisher, *cmdAuthors;
+    // The library database
+    QGroupBox *Frame1;
+    QPushButton *cmdCompact, *cmdBrowse;
+    QLineEdit *txtDatabase;
+    QLabel *Label1;
+    QLabel *lblSchool;
+    QPushButton *cmdAbout, *cmdDone;
+
+Q_SIGNALS:
+    /// Emitted once the menu has been shown (start-up timing).
+    void shown();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    QPushButton *menuButton(QGroupBox *frame, const char *name, const QString &caption, const QString &screen);
+    void readSchoolName();
+    void enableMenu(bool enabled);
+    void upgradeStructure();
+    void upgrade(const QString &probe, const QStringList &repairs);
+    void upgradeClassificationNumbers();
+
+    clsDataObject data_;
+    SettingsStore &settings_;
+    const ScreenRegistry &screens_;
+};

@@ -1,0 +1,60 @@
+#include "mCombo.h"
+
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+void ComboDropDown(QComboBox *combo) { combo->showPopup(); }
+
+void ComboAutoComplete(QComboBox *combo, int &keyCode)
+{
+    if (keyCode < 32 || keyCode > 127)
+        return;
+    QLineEdit *edit = combo->lineEdit();
+    if (!edit)
+        return;
+    const QString typed = (edit->hasSelectedText() ? edit->text().left(edit->selectionStart()) : edit->text()) + QChar(keyCode);
+    // The list is searched without being opened: an open list would take the keyboard from the text.
+    const int found = combo->findText(typed, Qt::MatchStartsWith);
+    if (found < 0)
+        return;
+    combo->setCurrentIndex(found);
+    const QString match = combo->itemText(found);
+    edit->setText(match);
+    edit->setSelection(int(typed.size()), int(match.size() - typed.size()));
+    keyCode = 0;
+}
+
+void ComboSelect(QComboBox *combo, const QVariant &value)
+{
+    bool numeric = false;
+    const double number = value.toString().trimmed().toDouble(&numeric);
+    for (int i = 0; i < combo->count(); ++i) {
+        const bool match = numeric ? combo->itemData(i).isValid() && combo->itemData(i).toDouble() == number
+                                   : combo->itemText(i) == value.toString();
+        if (match) {
+            combo->setCurrentIndex(i);
+            return;
+        }
+    }
+}
+
+ComboTypeAhead::ComboTypeAhead(QComboBox *combo) : QObject(combo), combo_(combo)
+{
+    if (combo->lineEdit())
+        combo->lineEdit()->installEventFilter(this);
+}
+
+bool ComboTypeAhead::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const QString text = static_cast<QKeyEvent *>(event)->text();
+        if (text.size() == 1) {
+            int key = text[0].unicode();
+            ComboAutoComplete(combo_, key);
+            if (key == 0)
+                return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}

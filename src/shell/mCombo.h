@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QObject>
+#include <QVariant>
+
+class QComboBox;
+
+/// Opens the combo's list.
+void ComboDropDown(QComboBox *combo);
+/// Type-ahead from a combo's key press: completes the typed text to the first
+/// entry that begins with it and selects the completed part, so the next key
+/// replaces it. Sets keyCode to 0 when the key was used.
+void ComboAutoComplete(QComboBox *combo, int &keyCode);
+/// Selects the first entry whose item data equals a numeric value, or whose text equals any other value.
+void ComboSelect(QComboBox *combo, const QVariant &value);
+
+/// Gives an editable combo type-ahead completion as the user types.
+class ComboTypeAhead : public QObject {
+public:
+    explicit ComboTypeAhead(QComboBox *combo);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QComboBox *combo_;
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "SqlText.h"
+
+#include <QString>
+
+class QAbstractButton;
+class QWidget;
+class SpreadGrid;
+
+/// Closes the screen, asking first when its save button is enabled (unsaved changes).
+void ConfirmUnsavedClose(QAbstractButton *saveButton, QWidget *screen);
+
+/// Printer orientations as the callers pass them.
+inline constexpr int PrintPortrait = 1;
+inline constexpr int PrintLandscape = 2;
+
+/// Prints a grid under the heading SchoolName + " - " + heading, after telling the
+/// user how many pages it takes. Printer errors reach the caller as AppError.
+void PrintGridWithHeading(int orientation, const QString &heading, SpreadGrid &grid);

@@ -1,0 +1,281 @@
+#include "AppError.h"
+#include "ConnectionPool.h"
+#include "DatabaseFile.h"
+#include "DatabaseSchema.h"
+#include "DbConnection.h"
+#include "IssueDeskState.h"
+#include "Recordset.h"
+#include "ScreenRegistry.h"
+#include "SettingsStore.h"
+#include "TestDatabases.h"
+#include "UpdateDatabase.h"
+#include "frmMainMenu.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpression>
+
+// The main menu driven through its real widgets, on databases and a settings file made by the test.
+class MainMenuTest : public DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        central("Insert into general_info(schoolname) values ('Hillview High')");
+        settingsFile_ = path("shelvora.ini");
+        SetApplicationFolder(path("app"));
+    }
+    void TearDown() override
+    {
+        SetApplicationFolder(QString());
+        IssueDeskState::desk().reset();
+        DatabaseTest::TearDown();
+    }
+
+    std::unique_ptr<frmMainMenu> start(bool withPaths = true)
+    {
+        if (withPaths) {
+            SettingsStore(settingsFile_).setValue("LibraryDatabase", libraryPath_);
+            SettingsStore(settingsFile_).setValue("Database", centralPath_);
+        }
+        settings_ = std::make_unique<SettingsStore>(settingsFile_);
+        auto menu = std::make_unique<frmMainMenu>(*settings_, screens_);
+        menu->Form_Load();
+        return menu;
+    }
+    template <typename T> T *child(frmMainMenu &menu, const char *name) { return menu.findChild<T *>(QLatin1String(name)); }
+    bool menuEnabled(frmMainMenu &menu)
+    {
+        bool all = true;
+        for (const char *frame : {"Frame2", "Frame3", "Frame5", "Frame6", "Frame7"})
+            all = all && child<QGroupBox>(menu, frame)->isEnabled();
+        return all;
+    }
+    QString schema(const QString &file)
+    {
+        DbConnection c;
+        c.DataSource = file;
+        c.Open();
+        auto rs = c.Execute("select sql from sqlite_master where sql is not null order by name");
+        QStringList out;
+        for (; !rs->atEnd(); rs->MoveNext())
+            out << rs->field(0).toString();
+        return out.join('\n');
+    }
+    static QByteArray fileHash(const QString &file)
+    {
+        QFile f(file);
+        f.open(QIODevice::ReadOnly);
+        return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
+    }
+
+    QString settingsFile_;
+    std::unique_ptr<SettingsStore> settings_;
+    ScreenRegistry screens_;
+};
+
+TEST_F(MainMenuTest, OpensWithEveryControlOnAWorkingLibrary)
+{
+    auto menu = start();
+    EXPECT_TRUE(menuEnabled(*menu));
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+    EXPECT_EQ(SchoolName, "Hillview High");
+    EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), libraryPath_);
+    const std::pair<const char *, const char *> captions[] = {
+        {"cmdlearners", "Library User Records"}, {"cmdFines", "Fine Transactions"}, {"cmdReserve", "Reservations"},
+        {"cmdQuickFind", "Item Quick Find"}, {"cmdViewReservation", "View Reservations"}, {"cmdissues", "Issues and Returns"},
+        {"cmdSettings", "General Settings"}, {"cmdLabels", "Labels"}, {"Command2", "Reports"},
+        {"cmdKeywordList", "Maintain Search Keywords"}, {"cmdLanguage", "Maintain Languages"}, {"cmdItems", "Maintain Catalogue Items"},
+        {"cmdSubjectcodes", "Maintain Subject Classification"}, {"cmdCategories", "Maintain Item Categories"},
+        {"cmdSeries", "Maintain Series"}, {"cmdPublisher", "Maintain Publishers"}, {"cmdAuthors", "Maintain Authors"},
+        {"cmdCompact", "Compact Library Database"}, {"cmdBrowse", "Browse for Library Database"}, {"cmdAbout", "About Form"},
+        {"cmdDone", "Done"}};
+    for (const auto &[name, caption] : captions) {
+        QPushButton *button = child<QPushButton>(*menu, name);
+        ASSERT_TRUE(button) << name;
+        EXPECT_EQ(button->text(), caption);
+    }
+    EXPECT_EQ(child<QRadioButton>(*menu, "optLong")->text(), "Holiday period");
+    EXPECT_TRUE(child<QRadioButton>(*menu, "optNormal")->isChecked());
+    EXPECT_EQ(child<QGroupBox>(*menu, "Frame7")->title(), "Issue System");
+
+    // A screen that is not built yet says so rather than pretending.
+    child<QPushButton>(*menu, "cmdAuthors")->click();
+    ASSERT_EQ(messages_->prompts().size(), 1);
+    EXPECT_EQ(messages_->prompts()[0], "\"Maintain Authors\" is not part of this version of Shelvora yet.");
+}
+
+TEST_F(MainMenuTest, AFirstStartOffersOnlyBrowsing)
+{
+    auto menu = start(false);
+    EXPECT_FALSE(menuEnabled(*menu));
+    EXPECT_TRUE(child<QPushButton>(*menu, "cmdBrowse")->isEnabled());
+    EXPECT_TRUE(LibraryDatabasePath.isEmpty());
+    EXPECT_TRUE(CentralDatabasePath.isEmpty());
+    EXPECT_TRUE(SchoolName.isEmpty());
+    const QStringList prompts = messages_->prompts();
+    ASSERT_GE(prompts.size(), 2);
+    EXPECT_TRUE(prompts.contains("Database connection failed"));
+    EXPECT_EQ(prompts.last(), "Please browse for your Library Database.");
+    EXPECT_EQ(messages_->shown().front().title.left(8), "Error : "); // the school database could not be opened
+
+    // Browsing to the library enables everything and remembers the path.
+    messages_->clear();
+    messages_->queueFileName(libraryPath_);
+    child<QPushButton>(*menu, "cmdBrowse")->click();
+    EXPECT_TRUE(menuEnabled(*menu));
+    EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), libraryPath_);
+    EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), libraryPath_);
+}
+
+TEST_F(MainMenuTest, BrowsingToANonLibraryFileIsRefusedButThePathIsKept)
+{
+    auto menu = start();
+    messages_->queueFileName(centralPath_); // a database, but not a library
+    child<QPushButton>(*menu, "cmdBrowse")->click();
+    EXPECT_EQ(messages_->prompts().last(), "The database you have selected is not an Veltrix Library database.");
+    EXPECT_EQ(LibraryDatabasePath, centralPath_);
+    EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), libraryPath_);
+    EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), libraryPath_);
+
+    // Cancelling the dialog changes nothing.
+    messages_->clear();
+    messages_->queueFileName(QString());
+    child<QPushButton>(*menu, "cmdBrowse")->click();
+    EXPECT_TRUE(messages_->shown().empty());
+    EXPECT_EQ(LibraryDatabasePath, centralPath_);
+}
+
+TEST_F(MainMenuTest, AnOlderReleaseDatabaseIsUpgradedOnceAndKeepsItsRows)
+{
+    const QString old = path("old.db");
+    DatabaseSchema::createDatabase(old, DatabaseSchema::olderReleaseLibraryStatements());
+    runOn(old, "Insert into tblLibSubjectCodes (SubjectDescription, ClassificationNo) Values ('Sport', 796.5)");
+    runOn(old, "Insert into tblLibItems (AccessionID, Title, ShelfNumber, ClassificationNo) Values ('A1', 'Rugby', '796 RUG', 796.5)");
+    runOn(old, "Insert into tblLibItemLanguages (ItemLanguage) Values ('English')");
+    EXPECT_THROW(runOn(old, "select Author3 from tblLibItems"), AppError);
+    SettingsStore(settingsFile_).setValue("LibraryDatabase", old);
+    SettingsStore(settingsFile_).setValue("Database", centralPath_);
+
+    auto menu = start(false);
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+    EXPECT_TRUE(menuEnabled(*menu));
+    for (const char *probe : {"select PhasedOut from tblLibItemLanguages where PhasedOut = false", "select PhasedOut from tblLibSubjectCodes",
+                              "select KeyID, KeywordEng, KeywordAfr from tblLibKeywords", "select KeyID, ItemID from tblLibItemKeywords",
+                              "select Author3, Edition from tblLibItems"})
+        EXPECT_NO_THROW(runOn(old, probe)) << probe;
+    runOn(old, "Insert into tblLibSubjectCodes (SubjectDescription, ClassificationNo) Values ('Poetry', '821.A')");
+    DbConnection c;
+    c.DataSource = old;
+    c.Open();
+    auto rs = c.Execute("select ClassificationNo from tblLibSubjectCodes order by Id");
+    EXPECT_EQ(rs->field(0).toString(), "796.5");
+    EXPECT_EQ(c.Execute("select ClassificationNo from tblLibItems")->field(0).toString(), "796.5");
+    EXPECT_EQ(c.Execute("select * from tblLibItemLanguages where PhasedOut = false")->RecordCount(), 1);
+    EXPECT_EQ(c.Execute("select * from tblLibSubjectCodes where ClassificationNo = 'abcRollback'")->RecordCount(), 0);
+    c.Close();
+
+    const QString upgraded = schema(old);
+    auto again = start(false);
+    EXPECT_EQ(schema(old), upgraded);
+    EXPECT_TRUE(messages_->shown().empty());
+}
+
+TEST_F(MainMenuTest, TheWriteProbeLeavesNoRowOnACurrentDatabase)
+{
+    auto menu = start();
+    EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
+}
+
+TEST_F(MainMenuTest, CompactionDeclinedLeavesTheFileByteForByte)
+{
+    for (int i = 0; i < 300; ++i)
+        library(QString("Insert into tblLibAuthors(AuthorSurname, AuthorFirstName) values ('Surname %1', '%2')").arg(i).arg(QString(80, 'x')));
+    library("Delete * from tblLibAuthors");
+    auto menu = start();
+    ConnectionPool::shared().clear();
+    DatabaseFile::settle(libraryPath_);
+    const QByteArray before = fileHash(libraryPath_);
+
+    messages_->queueAnswer(MessageScript::Yes); // backed up: continue
+    messages_->queueAnswer(MessageScript::No);  // do not use the copy
+    child<QPushButton>(*menu, "cmdCompact")->click();
+    const QStringList prompts = messages_->prompts();
+    ASSERT_EQ(prompts.size(), 3) << prompts.join(" | ").toStdString();
+    EXPECT_EQ(prompts[0], "Please make sure that you have backed up your database before performing this action. Are you sure you want to continue?");
+    EXPECT_TRUE(QRegularExpression("^Your database has been compacted from  \\d+kb to  \\d+kb\r\nDo you want to use the compacted database\\?$")
+                    .match(prompts[1]).hasMatch())
+        << prompts[1].toStdString();
+    EXPECT_EQ(prompts[2], "Your old database has been restored");
+    EXPECT_EQ(fileHash(libraryPath_), before);
+    EXPECT_FALSE(QDir(path("app/library/compact")).exists());
+}
+
+TEST_F(MainMenuTest, CompactionAcceptedReplacesTheFile)
+{
+    for (int i = 0; i < 300; ++i)
+        library(QString("Insert into tblLibAuthors(AuthorSurname, AuthorFirstName) values ('Surname %1', '%2')").arg(i).arg(QString(80, 'x')));
+    library("Delete * from tblLibAuthors where AuthorID > 1");
+    auto menu = start();
+    ConnectionPool::shared().clear();
+    DatabaseFile::settle(libraryPath_);
+    const qint64 before = QFileInfo(libraryPath_).size();
+
+    messages_->queueAnswer(MessageScript::Yes);
+    messages_->queueAnswer(MessageScript::Yes);
+    child<QPushButton>(*menu, "cmdCompact")->click();
+    EXPECT_EQ(messages_->prompts().last(), "Your database has been compacted");
+    EXPECT_LT(QFileInfo(libraryPath_).size(), before);
+    EXPECT_EQ(libraryRows("select AuthorSurname from tblLibAuthors"), QStringList{"Surname 0"});
+    EXPECT_FALSE(QDir(path("app/library/compact")).exists());
+    EXPECT_FALSE(QFile::exists(libraryPath_ + ".incoming"));
+
+    // Declining at the first question does nothing at all.
+    messages_->clear();
+    messages_->queueAnswer(MessageScript::No);
+    child<QPushButton>(*menu, "cmdCompact")->click();
+    EXPECT_EQ(messages_->prompts().size(), 1);
+}
+
+TEST(CompactionSizes, KilobytesRoundHalvesToEven)
+{
+    EXPECT_EQ(DatabaseFile::kilobytes(1536), 2);
+    EXPECT_EQ(DatabaseFile::kilobytes(2560), 2);
+    EXPECT_EQ(DatabaseFile::kilobytes(3584), 4);
+    EXPECT_EQ(DatabaseFile::kilobytes(1535), 1);
+}
+
+TEST_F(MainMenuTest, TheIssueDeskNeedsLoanSettingsAndGetsThePeriod)
+{
+    auto menu = start();
+    child<QPushButton>(*menu, "cmdissues")->click();
+    EXPECT_EQ(messages_->prompts(), QStringList{"Please enter library settings to continue."});
+
+    library("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)"
+            "VALUES('N','L',14,0.5,7,2,7,2,1,2)");
+    messages_->clear();
+    child<QRadioButton>(*menu, "optLong")->setChecked(true);
+    child<QPushButton>(*menu, "cmdissues")->click();
+    EXPECT_EQ(IssueDeskState::desk().LoanType, "L");
+    EXPECT_EQ(messages_->prompts(), QStringList{"\"Issues and Returns\" is not part of this version of Shelvora yet."});
+    child<QRadioButton>(*menu, "optNormal")->setChecked(true);
+    child<QPushButton>(*menu, "cmdissues")->click();
+    EXPECT_EQ(IssueDeskState::desk().LoanType, "N");
+}
+
+TEST_F(MainMenuTest, PathsGivenForOneRunAreNotSaved)
+{
+    SettingsStore store(settingsFile_);
+    store.overrideForThisRun("LibraryDatabase", libraryPath_);
+    store.overrideForThisRun("Database", centralPath_);
+    frmMainMenu menu(store, screens_);
+    menu.Form_Load();
+    EXPECT_TRUE(menuEnabled(menu));
+    EXPECT_EQ(SchoolName, "Hillview High");
+    EXPECT_TRUE(SettingsStore(settingsFile_).value("LibraryDatabase").isEmpty());
+}
