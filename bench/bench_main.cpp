@@ -8,6 +8,8 @@
 #include "LoanRoutines.h"
 #include "MessageScript.h"
 #include "Recordset.h"
+#include "SettingsStore.h"
+#include "SpreadGrid.h"
 #include "SqliteDatabase.h"
 #include "UpdateDatabase.h"
 #include "clsDataObject.h"
@@ -15,7 +17,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QGuiApplication>
+#include <QApplication>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <sqlite3.h>
@@ -185,11 +188,68 @@ void benchGetData()
     std::printf("  ratio GetData / C API: %.2f\n", getData.median() / raw.median());
 }
 
+void benchFillSpread()
+{
+    std::printf("Grid: FillSpread of the stock list's \"Show All\" into a SpreadGrid\n");
+    Samples getData, fill;
+    int rows = 0;
+    for (int run = 0; run < 7; ++run) {
+        getData.time([&] {
+            clsDataObject data;
+            data.GetData(ShowAll);
+            data.CloseCompact();
+        });
+        SpreadGrid grid;
+        fill.time([&] {
+            clsDataObject data;
+            data.FillSpread(grid, ShowAll);
+        });
+        rows = grid.maxRows();
+    }
+    std::printf("  rows: %d\n", rows);
+    getData.report("clsDataObject::GetData");
+    fill.report("clsDataObject::FillSpread");
+    std::printf("  ratio FillSpread / GetData: %.2f\n", fill.median() / getData.median());
+}
+
+// Process start to the main menu shown, offscreen, on the large school (already upgraded by a first start).
+void benchStartUp(const QString &workFolder)
+{
+    std::printf("Start-up: process start to the main menu shown (offscreen)\n");
+    const QString ini = QDir(workFolder).filePath(QStringLiteral("shelvora.ini"));
+    SettingsStore settings(ini);
+    settings.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), LibraryDatabasePath);
+    settings.setValue(QLatin1String(SettingsStore::CentralDatabaseKey), CentralDatabasePath);
+    ConnectionPool::shared().clear();
+    Samples startUp;
+    for (int run = 0; run < 8; ++run) {
+        QProcess shelvora;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        shelvora.setProcessEnvironment(env);
+        bool finished = false;
+        auto timing = [&] {
+            shelvora.start(QStringLiteral(SHELVORA_APP),
+                           {QStringLiteral("--settings"), ini, QStringLiteral("--app-folder"), workFolder, QStringLiteral("--quit-after-start")});
+            finished = shelvora.waitForFinished(60000) && shelvora.exitCode() == 0;
+        };
+        if (run == 0)
+            timing(); // the first start upgrades nothing on a current database but warms the file cache
+        else
+            startUp.time(timing);
+        if (!finished) {
+            std::printf("  start-up did not finish: %s\n", shelvora.readAllStandardError().constData());
+            return;
+        }
+    }
+    startUp.report("start-up");
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     if (argc < 2) {
         std::fprintf(stderr, "usage: %s SCHOOL_FOLDER\n", argv[0]);
         return 2;
@@ -207,7 +267,9 @@ int main(int argc, char *argv[])
     try {
         benchTranslation();
         benchGetData();
+        benchFillSpread();
         benchLoanEngine();
+        benchStartUp(work.path());
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));
         return 1;

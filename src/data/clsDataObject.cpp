@@ -215,29 +215,23 @@ void clsDataObject::fillRows(GridTarget &grid, int firstRow, bool widen)
     }
 }
 
-void clsDataObject::FillSpread(GridTarget &grid, const QString &sql)
+void clsDataObject::fillGrid(GridTarget &grid, const QString &sql, bool captionsAndWidths)
 {
     openForReading(sql);
     FillScope fill(grid);
     grid.setMaxCols(rst->fieldCount() - 1);
     grid.setMaxRows(rst->RecordCount());
-    for (int i = 1; i < rst->fieldCount(); ++i)
-        grid.setCellText(i, 0, rst->fieldName(i));
-    fillRows(grid, 1, true);
+    if (captionsAndWidths)
+        for (int i = 1; i < rst->fieldCount(); ++i)
+            grid.setCellText(i, 0, rst->fieldName(i));
+    fillRows(grid, 1, captionsAndWidths);
     rstRecordSetclose();
     ConClose();
 }
 
-void clsDataObject::FillSpreadWithHeader(GridTarget &grid, const QString &sql)
-{
-    openForReading(sql);
-    FillScope fill(grid);
-    grid.setMaxCols(rst->fieldCount() - 1);
-    grid.setMaxRows(rst->RecordCount());
-    fillRows(grid, 1, false);
-    rstRecordSetclose();
-    ConClose();
-}
+void clsDataObject::FillSpread(GridTarget &grid, const QString &sql) { fillGrid(grid, sql, true); }
+
+void clsDataObject::FillSpreadWithHeader(GridTarget &grid, const QString &sql) { fillGrid(grid, sql, false); }
 
 void clsDataObject::AppendSpread(GridTarget &grid, const QString &sql)
 {

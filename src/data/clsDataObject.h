@@ -70,6 +70,7 @@ private:
     void prepare(const QString &sql);
     void openForReading(const QString &sql);
     void fillRows(GridTarget &grid, int firstRow, bool widen);
+    void fillGrid(GridTarget &grid, const QString &sql, bool captionsAndWidths);
     void fillCombo(QComboBox *combo, const QString &sql, int valueField, int textField);
 
     std::unique_ptr<DbConnection> connection_;

@@ -99,21 +99,6 @@ protected:
                 "('L1', 'Botha', 'Anna', 8, 1, 'C', '1001', #2020-01-10#, 'anna.png')");
         central("Insert into Educators(SName, FName, IDNumber, Status) values ('Naidoo', 'Ravi', '7001', 'C')");
     }
-    QStringList centralRows(const QString &query)
-    {
-        DbConnection c;
-        c.DataSource = centralPath_;
-        c.Open();
-        auto rs = c.Execute(query);
-        QStringList out;
-        for (; !rs->atEnd(); rs->MoveNext()) {
-            QStringList cells;
-            for (int f = 0; f < rs->fieldCount(); ++f)
-                cells << rs->field(f).toString();
-            out << cells.join('|');
-        }
-        return out;
-    }
     clsTSQL sql;
 };
 

@@ -54,28 +54,17 @@ void DatabaseTest::central(const QString &sql) { runOn(centralPath_, sql); }
 
 QString DatabaseTest::libraryValue(const QString &sql)
 {
-    TracePause pause;
-    DbConnection c;
-    c.DataSource = libraryPath_;
-    c.Open();
-    auto rs = c.Execute(sql);
-    return rs->atEnd() ? QString() : rs->field(0).toString();
+    const QStringList rows = rowsIn(libraryPath_, sql);
+    return rows.isEmpty() ? QString() : rows.first().section('|', 0, 0);
 }
 
-int DatabaseTest::libraryCount(const QString &sql)
+int DatabaseTest::libraryCount(const QString &sql) { return int(rowsIn(libraryPath_, sql).size()); }
+
+QStringList rowsIn(const QString &databasePath, const QString &sql)
 {
     TracePause pause;
     DbConnection c;
-    c.DataSource = libraryPath_;
-    c.Open();
-    return c.Execute(sql)->RecordCount();
-}
-
-QStringList DatabaseTest::libraryRows(const QString &sql)
-{
-    TracePause pause;
-    DbConnection c;
-    c.DataSource = libraryPath_;
+    c.DataSource = databasePath;
     c.Open();
     auto rs = c.Execute(sql);
     QStringList out;

@@ -11,6 +11,9 @@
 #include <memory>
 #include <ostream>
 
+/// Every row of a query on a database file, fields as text joined by '|'.
+QStringList rowsIn(const QString &databasePath, const QString &sql);
+
 /// A fixture with a fresh library database and central database in a
 /// temporary folder, the process-wide paths pointing at them, and message
 /// boxes scripted. Everything is undone after the test.
@@ -27,7 +30,8 @@ protected:
     QString libraryValue(const QString &sql);
     int libraryCount(const QString &sql);
     /// Every row of a library query, fields as text joined by '|'.
-    QStringList libraryRows(const QString &sql);
+    QStringList libraryRows(const QString &sql) { return rowsIn(libraryPath_, sql); }
+    QStringList centralRows(const QString &sql) { return rowsIn(centralPath_, sql); }
 
     QString path(const QString &fileName) const { return dir_.filePath(fileName); }
 
