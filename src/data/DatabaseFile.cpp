@@ -81,6 +81,13 @@ void DatabaseFile::replace(const QString &target, const QString &replacement)
     flushToDisk(QFileInfo(target).absolutePath());
 }
 
+void DatabaseFile::useRollbackJournal(const QString &path)
+{
+    settle(path);
+    SqliteDatabase db(path, false);
+    db.exec("PRAGMA journal_mode=DELETE");
+}
+
 qint64 DatabaseFile::size(const QString &path) { return QFileInfo(path).size(); }
 
 qint64 DatabaseFile::kilobytes(qint64 bytes) { return qint64(std::nearbyint(double(bytes) / 1024.0)); }

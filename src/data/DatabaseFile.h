@@ -13,6 +13,9 @@ public:
     /// Puts replacement in place of target: written beside it, flushed, then renamed over it,
     /// so a crash at any moment leaves either the old or the new database whole.
     static void replace(const QString &target, const QString &replacement);
+    /// Leaves a database in rollback-journal mode, as another program's database is kept, so that
+    /// read-only opens leave no log files beside it (the school database after it is generated).
+    static void useRollbackJournal(const QString &path);
     /// Size in bytes of the main file.
     static qint64 size(const QString &path);
     /// Bytes as whole kilobytes, halves rounded to even (1,536 and 2,560 bytes are both 2 KB).

@@ -2,6 +2,7 @@
 
 #include "Clock.h"
 #include "ConnectionPool.h"
+#include "DatabaseFile.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "SqlText.h"
@@ -107,7 +108,7 @@ void SchoolGenerator::write(const QString &libraryPath, const QString &centralPa
     writeCentral(centralPath, size_.photos ? photoFolder : QString());
     writeLibrary(libraryPath);
     ConnectionPool::shared().closeIdle(libraryPath);
-    ConnectionPool::shared().closeIdle(centralPath);
+    DatabaseFile::useRollbackJournal(centralPath);
 }
 
 void SchoolGenerator::writeCentral(const QString &path, const QString &photoFolder)
