@@ -68,7 +68,14 @@ struct Item {
 class Rewriter {
 public:
     Rewriter(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
-        : traits_(traits), t_(tokens), sql_(sql) {}
+        : traits_(traits), t_(tokens), sql_(sql), slots_(tokens.size(), -1)
+    {
+        // A literal's slot is its position among the statement's literals.
+        int slot = 0;
+        for (size_t i = 0; i < tokens.size(); ++i)
+            if (tokens[i].isLiteral())
+                slots_[i] = slot++;
+    }
 
     Out run() { return level(0, t_.size()); }
 
@@ -95,20 +102,9 @@ private:
         fail("Missing ), ], or Item in query expression.", sql_);
     }
 
-    size_t slotOf(size_t i) const
-    {
-        size_t slot = 0;
-        for (size_t k = 0; k < i; ++k)
-            if (t_[k].isLiteral())
-                ++slot;
-        return slot;
-    }
-
     Out level(size_t lo, size_t hi)
     {
         LevelState st;
-        // Slots are numbered in token order; count the literals before this level once.
-        size_t nextSlot = slotOf(lo);
         for (size_t i = lo; i < hi; ++i) {
             const JetToken &tok = t_[i];
             if (tok.isSymbol("(")) {
@@ -116,9 +112,6 @@ private:
                 Out group{OutTok{"("}};
                 append(group, level(i + 1, close));
                 group.push_back(OutTok{")"});
-                for (size_t k = i + 1; k < close; ++k)
-                    if (t_[k].isLiteral())
-                        ++nextSlot;
                 if (!st.segment.empty() && st.segment.back().callable) {
                     Item &call = st.segment.back();
                     append(call.toks, group);
@@ -136,7 +129,7 @@ private:
                 fail("Extra ) in query expression.", sql_);
             if (tok.isLiteral()) {
                 Item item;
-                item.toks.push_back(OutTok{std::string(), int(nextSlot++), tok.kind});
+                item.toks.push_back(OutTok{std::string(), slots_[i], tok.kind});
                 item.literal = true;
                 item.stringLiteral = tok.kind == JetToken::String;
                 st.segment.push_back(std::move(item));
@@ -183,7 +176,7 @@ private:
             const bool afterDot = i > lo && t_[i - 1].isSymbol(".");
             if (!afterDot && isBoundaryKeyword(lw) && !(followedByGroup && (lw == "left" || lw == "right"))) {
                 flush(st);
-                i = keyword(st, lw, i, hi, nextSlot);
+                i = keyword(st, lw, i, hi);
                 continue;
             }
             Item item;
@@ -211,7 +204,7 @@ private:
     }
 
     // Handles a clause keyword at index i; returns the index of the last token consumed.
-    size_t keyword(LevelState &st, const std::string &lw, size_t i, size_t hi, size_t &nextSlot)
+    size_t keyword(LevelState &st, const std::string &lw, size_t i, size_t hi)
     {
         if (lw == "select") {
             st.out.push_back(OutTok{"SELECT"});
@@ -225,10 +218,10 @@ private:
                 if (i + 3 < hi && t_[i + 3].isWord("percent"))
                     fail("TOP n PERCENT is not supported by this database engine.", sql_);
                 if (traits_.topAsLimit()) {
-                    st.limitSlot = int(nextSlot++);
+                    st.limitSlot = slots_[i + 2];
                 } else {
                     st.out.push_back(OutTok{"TOP"});
-                    st.out.push_back(OutTok{std::string(), int(nextSlot++), JetToken::Number});
+                    st.out.push_back(OutTok{std::string(), slots_[i + 2], JetToken::Number});
                 }
                 i += 2;
             }
@@ -342,6 +335,7 @@ private:
     const DialectTraits &traits_;
     const std::vector<JetToken> &t_;
     std::string_view sql_;
+    std::vector<int> slots_; // per token: its literal slot, or -1
 };
 
 // Data definition: CREATE TABLE, CREATE INDEX, ALTER TABLE ADD / ALTER, DROP.

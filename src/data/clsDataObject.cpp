@@ -45,11 +45,7 @@ bool clsDataObject::ConOpen()
     }
 }
 
-void clsDataObject::prepare(const QString &sql)
-{
-    commandConnection_ = connection_ ? connection_->ConnectionString() : QString();
-    commandText_ = sql;
-}
+void clsDataObject::prepare(const QString &sql) { commandText_ = sql; }
 
 void clsDataObject::rstRecordSetOpen()
 {

@@ -74,6 +74,5 @@ private:
     void fillCombo(QComboBox *combo, const QString &sql, int valueField, int textField);
 
     std::unique_ptr<DbConnection> connection_;
-    QString commandText_;
-    QString commandConnection_;
+    QString commandText_; // the prepared statement; it runs on this object's connection
 };
