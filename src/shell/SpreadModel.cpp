@@ -66,7 +66,7 @@ void SpreadModel::setCellUtf8(int col, int row, std::string_view text)
     ensureRows(size_t(row));
     Column &c = columns_[size_t(col)];
     if (c.type == CellType::CheckBox && row > 0)
-        c.cells[size_t(row)] = ticked(text) ? "1" : "0";
+        c.cells[size_t(row)].assign(1, ticked(text) ? '1' : '0');
     else
         c.cells[size_t(row)].assign(text);
     changed(col, row);
