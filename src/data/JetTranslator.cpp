@@ -58,6 +58,7 @@ struct Item {
     bool isOperator = false;
     std::string op;          // for operators
     bool callable = false;   // a bare name that a following group makes a call
+    std::string function;    // the Jet function called, lower case
     bool simpleName = false; // a (qualified) column name
     bool stringLiteral = false;
     bool literal = false;
@@ -117,6 +118,7 @@ private:
                     append(call.toks, group);
                     call.callable = false;
                     call.simpleName = false;
+                    wrapNumericCall(call);
                 } else {
                     Item item;
                     item.toks = std::move(group);
@@ -188,6 +190,7 @@ private:
                 item.toks.push_back(OutTok{native.empty() ? std::string(tok.text) : native});
                 item.toks.back().call = true;
                 item.callable = true;
+                item.function = lw;
             } else {
                 item.toks.push_back(OutTok{std::string(tok.text)});
                 item.simpleName = true;
@@ -201,6 +204,22 @@ private:
             st.out.push_back(OutTok{std::string(), st.limitSlot, JetToken::Number});
         }
         return std::move(st.out);
+    }
+
+    void wrapNumericCall(Item &call) const
+    {
+        const DialectTraits::Wrapper wrapper = traits_.numericCall(call.function);
+        if (wrapper.before.empty() && wrapper.after.empty())
+            return;
+        Out out;
+        for (size_t k = 0; k < wrapper.before.size(); ++k) {
+            out.push_back(OutTok{wrapper.before[k]});
+            out.back().call = k + 1 < wrapper.before.size() && wrapper.before[k + 1] == "(";
+        }
+        append(out, call.toks);
+        for (const std::string &t : wrapper.after)
+            out.push_back(OutTok{t});
+        call.toks = std::move(out);
     }
 
     // Handles a clause keyword at index i; returns the index of the last token consumed.

@@ -37,6 +37,17 @@ public:
     /// One column of CREATE TABLE / ALTER TABLE ADD.
     virtual std::string columnDefinition(const std::string &name, JetColumnType type, bool counterKey, bool notNull,
                                          const std::string &defaultSql) const = 0;
+    /// Tokens to put before and after a call of a Jet function that yields a number, so that
+    /// comparing it with a quoted number compares numbers as Jet does; none by default.
+    struct Wrapper {
+        std::vector<std::string> before;
+        std::vector<std::string> after;
+    };
+    virtual Wrapper numericCall(std::string_view lowerJetName) const
+    {
+        (void)lowerJetName;
+        return {};
+    }
     /// Whether TOP n becomes LIMIT n at the end of its SELECT.
     virtual bool topAsLimit() const { return true; }
 };

@@ -20,6 +20,17 @@ std::string SqliteDialect::functionName(std::string_view lowerJetName) const
     return it == names.end() ? std::string() : it->second;
 }
 
+DialectTraits::Wrapper SqliteDialect::numericCall(std::string_view lowerJetName) const
+{
+    static const std::unordered_map<std::string_view, const char *> numeric = {
+        {"year", "INTEGER"}, {"month", "INTEGER"}, {"day", "INTEGER"}, {"len", "INTEGER"}, {"datediff", "INTEGER"},
+        {"cint", "INTEGER"}, {"clng", "INTEGER"}, {"int", "INTEGER"}, {"cdbl", "REAL"}, {"ccur", "REAL"}, {"val", "REAL"}};
+    const auto it = numeric.find(lowerJetName);
+    if (it == numeric.end())
+        return {};
+    return {{"CAST", "("}, {"AS", it->second, ")"}};
+}
+
 std::string SqliteDialect::declaredType(JetColumnType type)
 {
     switch (type.base) {

@@ -11,6 +11,9 @@ public:
     std::string functionName(std::string_view lowerJetName) const override;
     std::string dateLiteral(const std::string &iso) const override { return "'" + iso + "'"; }
     std::string caseInsensitiveOrder() const override { return "COLLATE NOCASE"; }
+    /// Year(), Month(), Day(), Len() ... as CAST(... AS INTEGER): a call has no affinity in SQLite,
+    /// so Year(d) <= '2026' would compare a number with text, which is always true there.
+    Wrapper numericCall(std::string_view lowerJetName) const override;
     std::string columnDefinition(const std::string &name, JetColumnType type, bool counterKey, bool notNull,
                                  const std::string &defaultSql) const override;
 

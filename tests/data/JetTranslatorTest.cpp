@@ -25,6 +25,9 @@ TEST(JetTranslation, RewritesJetConstructsForSqlite)
     EXPECT_EQ(sqlite("select x from t where isnull(p) = -1 and left(a,2) = 'ab' and ucase(b) = lcase(c)"),
               "SELECT x from t where jet_isnull(p) = - 1 and jet_left(a, 2) = 'ab' and upper(b) = lower(c)");
     EXPECT_EQ(sqlite("select \"it's\" as q"), "SELECT 'it''s' as q");
+    // Numeric functions compare numerically with a quoted number, as in Jet.
+    EXPECT_EQ(sqlite("select id from t where year(thedate)<= '2026'"), "SELECT id from t where CAST(jet_year(thedate) AS INTEGER) <= '2026'");
+    EXPECT_EQ(sqlite("select id from t where len('abc') > '2'"), "SELECT id from t where CAST(length('abc') AS INTEGER) > '2'");
     EXPECT_EQ(sqlite("select * from (select top 3 a from t order by a) as s"),
               "SELECT * from (SELECT a from t ORDER BY a LIMIT 3) as s");
 }

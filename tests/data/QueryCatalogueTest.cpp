@@ -138,6 +138,8 @@ TEST_F(QueryCatalogueRuns, CentralStatementsRunAndKeepTheirLimits)
 {
     EXPECT_EQ(centralRows(sql.spSchoolGradesList()), QStringList{"8|Grade 8"}); // id 14 and above never listed
     EXPECT_EQ(centralRows(sql.spSchoolGradesListSpesific("2026")), QStringList{"8|Grade 8"});
+    EXPECT_EQ(centralRows(sql.spSchoolGradesListSpesific("2019")), QStringList{}); // admitted in 2020
+    EXPECT_EQ(centralRows(sql.spLearnersList("2019")), QStringList{});
     EXPECT_EQ(centralRows(sql.spClassesList()), QStringList{"1|8A"});
     EXPECT_EQ(centralRows(sql.spClassesListSpesific("All", "2026")), QStringList{"1|8A"});
     EXPECT_EQ(centralRows(sql.spClassesListSpesific("Grade 9", "2026")), QStringList{});
