@@ -88,10 +88,13 @@ SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
         } else {
             exec("PRAGMA query_only=1");
         }
-    } catch (const AppError &) {
+    } catch (const AppError &e) {
+        const bool notADatabase = (sqlite3_errcode(db_) & 0xff) == SQLITE_NOTADB;
         sqlite3_close(db_);
         db_ = nullptr;
-        throw AppError(AppError::ProviderError, QStringLiteral("Unrecognized database format '%1'.").arg(path));
+        if (notADatabase)
+            throw AppError(AppError::ProviderError, QStringLiteral("Unrecognized database format '%1'.").arg(path));
+        throw AppError(e.number(), QStringLiteral("Could not use '%1'; %2").arg(path, e.description()));
     }
     registerJetFunctions(db_);
 }

@@ -85,6 +85,14 @@ TEST_F(DataObjectTest, ANonDatabaseFileIsRefused)
     clsDataObject d;
     EXPECT_FALSE(d.ConOpen());
     EXPECT_EQ(messages_->prompts(), QStringList{"Database connection failed"});
+    try {
+        DbConnection c;
+        c.DataSource = path("notes.txt");
+        c.Open();
+        FAIL();
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.description(), "Unrecognized database format '" + path("notes.txt") + "'.");
+    }
 }
 
 TEST_F(DataObjectTest, StatementErrorsCarryTheOriginalTextToTheCaller)
