@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QKeyEvent>
+#include <QAbstractItemView>
 #include <QLineEdit>
 
 void ComboDropDown(QComboBox *combo) { combo->showPopup(); }
@@ -14,11 +15,13 @@ void ComboAutoComplete(QComboBox *combo, int &keyCode)
     if (!edit)
         return;
     const QString typed = (edit->hasSelectedText() ? edit->text().left(edit->selectionStart()) : edit->text()) + QChar(keyCode);
-    // The list is searched without being opened: an open list would take the keyboard from the text.
+    if (!combo->view()->isVisible())
+        ComboDropDown(combo);
     const int found = combo->findText(typed, Qt::MatchStartsWith);
     if (found < 0)
         return;
     combo->setCurrentIndex(found);
+    combo->view()->setCurrentIndex(combo->model()->index(found, combo->modelColumn()));
     const QString match = combo->itemText(found);
     edit->setText(match);
     edit->setSelection(int(typed.size()), int(match.size() - typed.size()));
@@ -43,6 +46,8 @@ ComboTypeAhead::ComboTypeAhead(QComboBox *combo) : QObject(combo), combo_(combo)
 {
     if (combo->lineEdit())
         combo->lineEdit()->installEventFilter(this);
+    // While the list is open it has the keyboard: typing there goes on completing the text.
+    combo->view()->installEventFilter(this);
 }
 
 bool ComboTypeAhead::eventFilter(QObject *watched, QEvent *event)
