@@ -35,6 +35,28 @@ std::shared_ptr<Recordset> centralQuery(const QString &sql)
 }
 
 QString sqlDate(const QDate &d) { return d.toString(QStringLiteral("yyyy-MM-dd")); }
+
+// The statement for a member kind: "L" learner, "E" educator, "S" staff member; empty for any other kind.
+QString byKind(const QString &memberType, const QString &learner, const QString &educator, const QString &staff)
+{
+    if (memberType == QLatin1String("L"))
+        return learner;
+    if (memberType == QLatin1String("E"))
+        return educator;
+    if (memberType == QLatin1String("S"))
+        return staff;
+    return QString();
+}
+
+// Opens the school database and reads the IDNo column of a member look-up; empty when nothing matches.
+QVariant readIDNo(const QString &sql)
+{
+    OpenCentralDatabase();
+    if (sql.isEmpty())
+        return QVariant();
+    const auto rs = centralQuery(sql);
+    return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
+}
 QString num(qint64 v) { return QString::number(v); }
 
 } // namespace
@@ -70,16 +92,10 @@ bool GetItemByAccession(const QString &accession, QObject *screen)
 bool MemberExists(int memberID, const QString &memberType)
 {
     OpenCentralDatabase();
-    QString sql;
-    if (memberType == QLatin1String("L"))
-        sql = QStringLiteral("select AccessionNo from Learner_info where status = 'C' and [ID] = ") + num(memberID);
-    else if (memberType == QLatin1String("E"))
-        sql = QStringLiteral("select IDnumber from educators where status = 'C' and EdID= ") + num(memberID);
-    else if (memberType == QLatin1String("S"))
-        sql = QStringLiteral("select IDnumber from staffmembers where status = 'C' and StaffID = ") + num(memberID);
-    else
-        return false;
-    return !centralQuery(sql)->atEnd();
+    const QString sql = byKind(memberType, QStringLiteral("select AccessionNo from Learner_info where status = 'C' and [ID] = ") + num(memberID),
+                               QStringLiteral("select IDnumber from educators where status = 'C' and EdID= ") + num(memberID),
+                               QStringLiteral("select IDnumber from staffmembers where status = 'C' and StaffID = ") + num(memberID));
+    return !sql.isEmpty() && !centralQuery(sql)->atEnd();
 }
 
 bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16 maximumRenewals, const QString &mode,
@@ -219,54 +235,36 @@ bool GetNextReservation(int itemID, qint16 memberID, const QString &memberType, 
 
 QVariant GetMemberIDNo(int memberID, const QString &memberType)
 {
-    OpenCentralDatabase();
-    QString sql;
-    if (memberType == QLatin1String("L"))
-        sql = QStringLiteral("Select id,sname,fname,accessionno as IDNo,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and [ID] = ")
-              + num(memberID) + QStringLiteral(" order by sname,fname");
-    else if (memberType == QLatin1String("E"))
-        sql = QStringLiteral("Select edid,sname,fname,IDNumber as IDNo from Educators where status = 'C'and EdID = ") + num(memberID)
-              + QStringLiteral("  order by sname,fname");
-    else if (memberType == QLatin1String("S"))
-        sql = QStringLiteral("Select staffid,sname,fname, IDNumber as IDNo from staffmembers where status = 'C' and StaffID = ") + num(memberID);
-    else
-        return QVariant();
-    const auto rs = centralQuery(sql);
-    return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
+    return readIDNo(byKind(memberType,
+                           QStringLiteral("Select id,sname,fname,accessionno as IDNo,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and [ID] = ")
+                               + num(memberID) + QStringLiteral(" order by sname,fname"),
+                           QStringLiteral("Select edid,sname,fname,IDNumber as IDNo from Educators where status = 'C'and EdID = ") + num(memberID)
+                               + QStringLiteral("  order by sname,fname"),
+                           QStringLiteral("Select staffid,sname,fname, IDNumber as IDNo from staffmembers where status = 'C' and StaffID = ") + num(memberID)));
 }
 
 QVariant GetMemberByIDNo(const QString &identityNumber, const QString &memberType)
 {
-    OpenCentralDatabase();
-    QString sql;
-    if (memberType == QLatin1String("L"))
-        sql = QStringLiteral("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and AccessionNo = '")
-              + identityNumber + QStringLiteral("' order by sname,fname");
-    else if (memberType == QLatin1String("E"))
-        sql = QStringLiteral("Select edid  as IDNo,sname,fname,IDNumber from Educators where status = 'C'and IDNumber = '") + identityNumber
-              + QStringLiteral("'  order by sname,fname");
-    else if (memberType == QLatin1String("S"))
-        sql = QStringLiteral("Select staffid  as IDNo,sname,fname,IDNumber from staffmembers where status = 'C' and IDNumber = '") + identityNumber
-              + QStringLiteral("'");
-    else
-        return QVariant();
-    const auto rs = centralQuery(sql);
-    return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
+    return readIDNo(byKind(memberType,
+                           QStringLiteral("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and AccessionNo = '")
+                               + identityNumber + QStringLiteral("' order by sname,fname"),
+                           QStringLiteral("Select edid  as IDNo,sname,fname,IDNumber from Educators where status = 'C'and IDNumber = '") + identityNumber
+                               + QStringLiteral("'  order by sname,fname"),
+                           QStringLiteral("Select staffid  as IDNo,sname,fname,IDNumber from staffmembers where status = 'C' and IDNumber = '") + identityNumber
+                               + QStringLiteral("'")));
 }
 
 bool GetLoanHolderMessage(int memberID, const QString &memberType)
 {
     OpenCentralDatabase();
-    QString sql;
-    if (memberType == QLatin1String("L"))
-        sql = QStringLiteral("Select sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and iD = ")
-              + num(memberID) + QStringLiteral(" order by sname,fname");
-    else if (memberType == QLatin1String("E"))
-        sql = QStringLiteral("Select sname,fname,IDNumber from Educators where status = 'C'and edID = ") + num(memberID)
-              + QStringLiteral("  order by sname,fname");
-    else
-        sql = QStringLiteral("Select sname,fname,IDNumber from staffmembers where status = 'C' and staffID = ") + num(memberID);
-    const auto rs = centralQuery(sql);
+    // Any kind other than learner or educator is read as a staff member.
+    const QString kind = memberType == QLatin1String("L") || memberType == QLatin1String("E") ? memberType : QStringLiteral("S");
+    const auto rs = centralQuery(byKind(kind,
+                                        QStringLiteral("Select sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and iD = ")
+                                            + num(memberID) + QStringLiteral(" order by sname,fname"),
+                                        QStringLiteral("Select sname,fname,IDNumber from Educators where status = 'C'and edID = ") + num(memberID)
+                                            + QStringLiteral("  order by sname,fname"),
+                                        QStringLiteral("Select sname,fname,IDNumber from staffmembers where status = 'C' and staffID = ") + num(memberID)));
     QString message = QStringLiteral("This book is currently on loan ") + QStringLiteral("to ") + rs->field(QStringLiteral("fname")).toString()
                       + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString();
     if (memberType == QLatin1String("L"))

@@ -10,37 +10,31 @@ const QString clsBusinessRules::ReservedText = QStringLiteral("Reserved Items ca
 
 namespace {
 
-// Runs one catalogue statement and tells whether it found a row.
-bool anyRow(const QString &sql)
+// Runs one catalogue look-up for the item: the flag tells whether it found a row.
+void lookUp(const QString &column, const QString &tableAndCondition, int itemID, const QString &whenFound, const char *procedure,
+            bool &flag, QString &failureText)
 {
-    clsDataObject data;
-    const bool found = data.GetData(sql) > 0;
-    data.CloseCompact();
-    return found;
+    flag = false;
+    try {
+        clsDataObject data;
+        flag = data.GetData(clsTSQL().spGetAID(column, tableAndCondition + QString::number(itemID))) > 0;
+        data.CloseCompact();
+        failureText = flag ? whenFound : QString();
+    } catch (const AppError &e) {
+        ReportError(QStringLiteral("Business Rules"), QString::fromLatin1(procedure), e);
+    }
 }
 
 } // namespace
 
 void clsBusinessRules::ItemIssued(int itemID, bool &issued, QString &failureText) const
 {
-    issued = false;
-    try {
-        issued = anyRow(clsTSQL().spGetAID(QStringLiteral("TransactionID"),
-                                           QStringLiteral("tblLibTransactions where Returned = false and ItemID = ") + QString::number(itemID)));
-        failureText = issued ? IssuedText : QString();
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("Business Rules"), QStringLiteral("ItemIssued"), e);
-    }
+    lookUp(QStringLiteral("TransactionID"), QStringLiteral("tblLibTransactions where Returned = false and ItemID = "), itemID, IssuedText,
+           "ItemIssued", issued, failureText);
 }
 
 void clsBusinessRules::ItemReserved(int itemID, bool &reserved, QString &failureText) const
 {
-    reserved = false;
-    try {
-        reserved = anyRow(clsTSQL().spGetAID(QStringLiteral("ReserveID"),
-                                             QStringLiteral("tblLibReserves where Canceled = false and ItemID = ") + QString::number(itemID)));
-        failureText = reserved ? ReservedText : QString();
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("Business Rules"), QStringLiteral("ItemReserved"), e);
-    }
+    lookUp(QStringLiteral("ReserveID"), QStringLiteral("tblLibReserves where Canceled = false and ItemID = "), itemID, ReservedText,
+           "ItemReserved", reserved, failureText);
 }
