@@ -1,6 +1,7 @@
 #include "JetTranslator.h"
 
 #include "AppError.h"
+#include "JetDdl.h"
 
 #include <QString>
 
@@ -21,10 +22,7 @@ std::string lowerCopy(std::string_view s)
     return out;
 }
 
-[[noreturn]] void fail(const std::string &message, std::string_view sql)
-{
-    throw AppError(AppError::SyntaxError, QString::fromStdString(message), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
-}
+[[noreturn]] void fail(const std::string &message, std::string_view sql) { throwJetSyntaxError(message, sql); }
 
 // An output token: fixed text, or a slot that receives a literal of the statement.
 struct OutTok {
@@ -357,200 +355,6 @@ private:
     std::vector<int> slots_; // per token: its literal slot, or -1
 };
 
-// Data definition: CREATE TABLE, CREATE INDEX, ALTER TABLE ADD / ALTER, DROP.
-class DdlTranslator {
-public:
-    DdlTranslator(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
-        : traits_(traits), t_(tokens), sql_(sql) {}
-
-    TranslatedStatement createTable()
-    {
-        // CREATE TABLE name ( column-or-constraint , ... )
-        if (t_.size() < 5 || !t_[3].isSymbol("(") || !t_.back().isSymbol(")"))
-            fail("Syntax error in CREATE TABLE statement.", sql_);
-        const std::string table = name(t_[2]);
-        struct Column { std::string name; JetColumnType type; bool identity = false; bool notNull = false; bool primary = false; std::string defaultSql; };
-        std::vector<Column> columns;
-        std::vector<std::string> primaryKey;
-        std::vector<std::vector<std::string>> uniques;
-        size_t i = 4;
-        const size_t end = t_.size() - 1;
-        while (i < end) {
-            if (t_[i].isWord("primary") || t_[i].isWord("constraint") || t_[i].isWord("unique")) {
-                if (t_[i].isWord("constraint"))
-                    i += 2;
-                const bool isPrimary = t_[i].isWord("primary");
-                i += isPrimary ? 2 : 1;
-                std::vector<std::string> names = nameList(i);
-                if (isPrimary)
-                    primaryKey = names;
-                else
-                    uniques.push_back(names);
-            } else {
-                Column c;
-                c.name = name(t_[i++]);
-                if (i >= end)
-                    fail("Syntax error in field definition.", sql_);
-                std::string_view typeName = t_[i++].text;
-                int size = 0;
-                if (i < end && t_[i].isSymbol("(")) {
-                    size = std::atoi(std::string(t_[i + 1].text).c_str());
-                    while (i < end && !t_[i].isSymbol(")"))
-                        ++i;
-                    ++i;
-                }
-                c.type = JetColumnType::fromName(typeName, size);
-                if (c.type.base == JetColumnType::Unknown)
-                    fail("Syntax error in field definition.", sql_);
-                if (c.type.base == JetColumnType::Counter)
-                    c.identity = true;
-                while (i < end && !t_[i].isSymbol(",")) {
-                    if (t_[i].isWord("identity") || t_[i].isWord("autoincrement") || t_[i].isWord("counter")) {
-                        c.identity = true;
-                        if (i + 1 < end && t_[i + 1].isSymbol("(")) {
-                            while (!t_[i].isSymbol(")"))
-                                ++i;
-                        }
-                    } else if (t_[i].isWord("not") && i + 1 < end && t_[i + 1].isWord("null")) {
-                        c.notNull = true;
-                        ++i;
-                    } else if (t_[i].isWord("primary") && i + 1 < end && t_[i + 1].isWord("key")) {
-                        c.primary = true;
-                        ++i;
-                    } else if (t_[i].isWord("default") && i + 1 < end) {
-                        c.defaultSql = defaultValue(i);
-                    } else if (!t_[i].isWord("unique") && !t_[i].isWord("null")) {
-                        fail("Syntax error in field definition.", sql_);
-                    }
-                    ++i;
-                }
-                if (c.primary)
-                    primaryKey = {c.name};
-                columns.push_back(std::move(c));
-            }
-            if (i < end && t_[i].isSymbol(","))
-                ++i;
-        }
-        // A counter that is the whole primary key becomes the engine's own auto-numbered key.
-        std::string counterKey;
-        for (const Column &c : columns)
-            if (c.identity && (primaryKey.empty() || (primaryKey.size() == 1 && equalsNoCase(primaryKey[0], c.name))))
-                counterKey = c.name;
-        std::string sql = "CREATE TABLE " + table + " (";
-        bool first = true;
-        for (const Column &c : columns) {
-            if (!first)
-                sql += ", ";
-            first = false;
-            JetColumnType type = c.type;
-            if (c.identity)
-                type.base = JetColumnType::Counter;
-            sql += traits_.columnDefinition(c.name, type, c.name == counterKey, c.notNull, c.defaultSql);
-        }
-        if (!primaryKey.empty() && counterKey.empty())
-            sql += ", PRIMARY KEY (" + join(primaryKey) + ")";
-        for (const auto &u : uniques)
-            sql += ", UNIQUE (" + join(u) + ")";
-        sql += ")";
-        TranslatedStatement ts;
-        ts.sql = std::move(sql);
-        return ts;
-    }
-
-    TranslatedStatement alterTable()
-    {
-        // ALTER TABLE t ADD [COLUMN] c type | ALTER TABLE t ALTER [COLUMN] c type | DROP [COLUMN] c
-        if (t_.size() < 5)
-            fail("Syntax error in ALTER TABLE statement.", sql_);
-        const std::string table = name(t_[2]);
-        size_t i = 3;
-        const bool add = t_[i].isWord("add");
-        const bool alter = t_[i].isWord("alter");
-        const bool drop = t_[i].isWord("drop");
-        if (!add && !alter && !drop)
-            fail("Syntax error in ALTER TABLE statement.", sql_);
-        ++i;
-        if (i < t_.size() && t_[i].isWord("column"))
-            ++i;
-        if (i >= t_.size())
-            fail("Syntax error in ALTER TABLE statement.", sql_);
-        const std::string column = name(t_[i++]);
-        TranslatedStatement ts;
-        if (drop) {
-            ts.sql = "ALTER TABLE " + table + " DROP COLUMN " + column;
-            return ts;
-        }
-        if (i >= t_.size())
-            fail("Syntax error in field definition.", sql_);
-        std::string_view typeName = t_[i++].text;
-        int size = 0;
-        if (i + 1 < t_.size() && t_[i].isSymbol("("))
-            size = std::atoi(std::string(t_[i + 1].text).c_str());
-        const JetColumnType type = JetColumnType::fromName(typeName, size);
-        if (type.base == JetColumnType::Unknown)
-            fail("Syntax error in field definition.", sql_);
-        if (add) {
-            ts.sql = "ALTER TABLE " + table + " ADD COLUMN " + traits_.columnDefinition(column, type, false, false, std::string());
-            return ts;
-        }
-        ts.kind = TranslatedStatement::AlterColumnType;
-        ts.table = table;
-        ts.column = column;
-        ts.newType = type;
-        return ts;
-    }
-
-private:
-    std::string name(const JetToken &tok) const
-    {
-        if (tok.kind == JetToken::Bracketed)
-            return std::string(tok.text);
-        if (tok.kind != JetToken::Word)
-            fail("Syntax error in field definition.", sql_);
-        return std::string(tok.text);
-    }
-
-    std::vector<std::string> nameList(size_t &i) const
-    {
-        std::vector<std::string> names;
-        if (i >= t_.size() || !t_[i].isSymbol("("))
-            fail("Syntax error in CONSTRAINT clause.", sql_);
-        for (++i; i < t_.size() && !t_[i].isSymbol(")"); ++i)
-            if (!t_[i].isSymbol(","))
-                names.push_back(name(t_[i]));
-        ++i;
-        return names;
-    }
-
-    std::string defaultValue(size_t &i) const
-    {
-        const JetToken &v = t_[++i];
-        if (v.isWord("true"))
-            return "-1";
-        if (v.isWord("false"))
-            return "0";
-        if (v.isSymbol("-") && i + 1 < t_.size()) {
-            ++i;
-            return "-" + std::string(t_[i].text);
-        }
-        if (v.kind == JetToken::Number || v.kind == JetToken::String || v.isWord("null"))
-            return std::string(v.text);
-        fail("Syntax error in DEFAULT clause.", sql_);
-    }
-
-    static std::string join(const std::vector<std::string> &names)
-    {
-        std::string s;
-        for (const auto &n : names)
-            s += (s.empty() ? "" : ", ") + n;
-        return s;
-    }
-
-    const DialectTraits &traits_;
-    const std::vector<JetToken> &t_;
-    std::string_view sql_;
-};
-
 std::string shapeKey(const std::vector<JetToken> &tokens)
 {
     std::string key;
@@ -660,9 +464,9 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
 
     const JetToken &first = tokens[0];
     if (first.isWord("create") && tokens.size() > 2 && tokens[1].isWord("table"))
-        return DdlTranslator(*traits_, tokens, sql).createTable();
+        return translateCreateTable(*traits_, tokens, sql);
     if (first.isWord("alter") && tokens.size() > 2 && tokens[1].isWord("table"))
-        return DdlTranslator(*traits_, tokens, sql).alterTable();
+        return translateAlterTable(*traits_, tokens, sql);
 
     const std::string key = shapeKey(tokens);
     std::shared_ptr<const Template> tpl;
@@ -721,92 +525,8 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
     return ts;
 }
 
-namespace {
 
-bool readNumber(std::string_view s, size_t &i, int maxDigits, int *value)
+void throwJetSyntaxError(const std::string &message, std::string_view sql)
 {
-    int digits = 0, v = 0;
-    while (i < s.size() && s[i] >= '0' && s[i] <= '9' && digits < maxDigits) {
-        v = v * 10 + (s[i] - '0');
-        ++i;
-        ++digits;
-    }
-    *value = v;
-    return digits > 0;
-}
-
-bool validDate(int y, int m, int d)
-{
-    static const int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (y < 100 || y > 9999 || m < 1 || m > 12 || d < 1)
-        return false;
-    const bool leap = (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
-    return d <= days[m - 1] + ((m == 2 && leap) ? 1 : 0);
-}
-
-} // namespace
-
-bool parseJetDate(std::string_view text, std::string *iso)
-{
-    size_t i = 0;
-    while (i < text.size() && text[i] == ' ')
-        ++i;
-    int a = 0, b = 0, c = 0;
-    if (!readNumber(text, i, 4, &a) || i >= text.size())
-        return false;
-    const char sep = text[i];
-    if (sep != '-' && sep != '/')
-        return false;
-    ++i;
-    if (!readNumber(text, i, 2, &b) || i >= text.size() || text[i] != sep)
-        return false;
-    ++i;
-    if (!readNumber(text, i, 4, &c))
-        return false;
-    int y, m, d;
-    if (a > 31) { // yyyy-mm-dd or yyyy/mm/dd
-        y = a; m = b; d = c;
-    } else {      // m/d/yyyy, as Jet reads a date literal
-        m = a; d = b; y = c;
-        if (y < 100)
-            y += y < 30 ? 2000 : 1900;
-    }
-    if (!validDate(y, m, d))
-        return false;
-    int hh = 0, mm = 0, ss = 0;
-    while (i < text.size() && text[i] == ' ')
-        ++i;
-    if (i < text.size()) {
-        if (!readNumber(text, i, 2, &hh) || i >= text.size() || text[i] != ':')
-            return false;
-        ++i;
-        if (!readNumber(text, i, 2, &mm))
-            return false;
-        if (i < text.size() && text[i] == ':') {
-            ++i;
-            if (!readNumber(text, i, 2, &ss))
-                return false;
-        }
-        while (i < text.size() && text[i] == ' ')
-            ++i;
-        if (i + 1 < text.size() && (text[i] == 'A' || text[i] == 'a' || text[i] == 'P' || text[i] == 'p')
-            && (text[i + 1] == 'M' || text[i + 1] == 'm')) {
-            if (hh < 1 || hh > 12)
-                return false;
-            const bool pm = text[i] == 'P' || text[i] == 'p';
-            hh = (hh % 12) + (pm ? 12 : 0);
-            i += 2;
-        }
-        while (i < text.size() && text[i] == ' ')
-            ++i;
-        if (i != text.size() || hh > 23 || mm > 59 || ss > 59)
-            return false;
-    }
-    char buf[64];
-    if (hh == 0 && mm == 0 && ss == 0)
-        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d", y, m, d);
-    else
-        std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02d:%02d:%02d", y, m, d, hh, mm, ss);
-    *iso = buf;
-    return true;
+    throw AppError(AppError::SyntaxError, QString::fromStdString(message), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
 }

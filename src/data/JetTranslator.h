@@ -85,6 +85,9 @@ private:
     std::unordered_map<std::string, std::shared_ptr<const Template>> cache_;
 };
 
+/// Throws the syntax error of a statement that cannot be translated, keeping its text.
+[[noreturn]] void throwJetSyntaxError(const std::string &message, std::string_view sql);
+
 /// Parses the inside of a Jet date literal (m/d/yyyy, yyyy-mm-dd, yyyy/mm/dd, optional time)
 /// to "yyyy-mm-dd" or "yyyy-mm-dd hh:mm:ss"; false for an impossible date.
 bool parseJetDate(std::string_view text, std::string *iso);

@@ -1,0 +1,8 @@
+#pragma once
+
+#include "JetTranslator.h"
+
+// Jet data definition, written for one engine: CREATE TABLE (counters, sizes, keys,
+// defaults) and ALTER TABLE ADD / ALTER / DROP a column. Both throw AppError on bad DDL.
+TranslatedStatement translateCreateTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql);
+TranslatedStatement translateAlterTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql);
