@@ -51,6 +51,13 @@ std::shared_ptr<Recordset> DbConnection::Execute(const QString &sql, int *record
     return rows;
 }
 
+int DbConnection::ExecuteCommand(const QString &sql)
+{
+    if (traceSink)
+        traceSink->append(sql);
+    return physical().execute(sql, nullptr);
+}
+
 void DbConnection::BeginTrans() { physical().beginTransaction(); }
 void DbConnection::CommitTrans() { physical().commitTransaction(); }
 void DbConnection::RollbackTrans() { physical().rollbackTransaction(); }

@@ -38,6 +38,8 @@ public:
 
     /// Runs one Jet statement; returns its rows (an empty, field-less result for commands).
     std::shared_ptr<Recordset> Execute(const QString &sql, int *recordsAffected = nullptr);
+    /// Runs one Jet statement as a command: a query is only started (enough to prove it can run), no rows are kept.
+    int ExecuteCommand(const QString &sql);
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();

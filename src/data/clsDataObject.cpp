@@ -65,7 +65,7 @@ void clsDataObject::ExecuteNonQuery(const QString &sql)
 {
     if (ConOpen()) {
         prepare(sql);
-        connection_->Execute(sql);
+        connection_->ExecuteCommand(sql);
     }
     ConClose();
 }
@@ -78,7 +78,7 @@ bool clsDataObject::TableExist(const QString &sql)
         prepare(sql);
         if (!connection_ || connection_->state() != DbConnection::adStateOpen)
             return false;
-        connection_->Execute(sql);
+        connection_->ExecuteCommand(sql);
     } catch (const AppError &) {
         exists = false;
     }
