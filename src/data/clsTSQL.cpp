@@ -28,14 +28,23 @@ const QString SubCategoryBase = QStringLiteral(
 const QString SubCategoryOrder = QStringLiteral(" order by s.Category");
 const QString SubjectColumns = QStringLiteral("Select Id, SubjectDescription,ClassificationNo from tblLibSubjectCodes");
 
-// The member-type-keyed layout: learners 1, educators 2, parents 3.
+// The member-type-keyed layout: learners 1, educators 2, parents 3, each in its own central table.
+struct MemberTable {
+    const char *table;
+    const char *key;
+    int typeID;
+};
+constexpr MemberTable Learners{"Learner_Info", "ID", 1};
+constexpr MemberTable Educators{"Educators", "EdID", 2};
+constexpr MemberTable Parents{"Parent_Info", "ParentID", 3};
+
 const QString TransactionBase = QStringLiteral(
     " select t.TransactionID, t.MemberTypeID, t.MemberID, m.SName, m.FName, t.ItemID, i.Title, t.IssueDate, t.ReturnDate, t.Returned"
     " from (tblLibTransactions t inner join tblLibItems i on i.ItemID = t.ItemID)");
-QString transactionList(const QString &memberTable, const QString &memberKey, int memberTypeID, const QString &surname)
+QString transactionList(const MemberTable &m, const QString &surname)
 {
-    QString sql = TransactionBase + QStringLiteral(" inner join ") + memberTable + QStringLiteral(" m on m.") + memberKey
-                  + QStringLiteral(" = t.MemberID where t.Returned = false and t.MemberTypeID = ") + n(qint64(memberTypeID));
+    QString sql = TransactionBase + QStringLiteral(" inner join ") + QLatin1String(m.table) + QStringLiteral(" m on m.") + QLatin1String(m.key)
+                  + QStringLiteral(" = t.MemberID where t.Returned = false and t.MemberTypeID = ") + n(qint64(m.typeID));
     if (!surname.isNull())
         sql += QStringLiteral(" and m.SName like '") + surname + QStringLiteral("%'");
     return sql + QStringLiteral(" order by m.SName, m.FName");
@@ -44,10 +53,10 @@ QString transactionList(const QString &memberTable, const QString &memberKey, in
 const QString ReservedBase = QStringLiteral(
     " select r.ReserveID, r.MemberTypeID, r.MemberID, r.ItemID, i.Title, r.ReserveDate, r.CollectionDate, r.FromDate, r.ToDate,"
     " r.Collected, r.Canceled from (tblLibReserves r inner join tblLibItems i on i.ItemID = r.ItemID)");
-QString reservedList(const QString &memberTable, const QString &memberKey, int memberTypeID, const QString &surname)
+QString reservedList(const MemberTable &m, const QString &surname)
 {
-    return ReservedBase + QStringLiteral(" inner join ") + memberTable + QStringLiteral(" m on m.") + memberKey
-           + QStringLiteral(" = r.MemberID where r.Canceled = false and r.MemberTypeID = ") + n(qint64(memberTypeID))
+    return ReservedBase + QStringLiteral(" inner join ") + QLatin1String(m.table) + QStringLiteral(" m on m.") + QLatin1String(m.key)
+           + QStringLiteral(" = r.MemberID where r.Canceled = false and r.MemberTypeID = ") + n(qint64(m.typeID))
            + QStringLiteral(" and m.SName like '") + surname + QStringLiteral("%' order by r.ReserveDate");
 }
 
@@ -387,9 +396,9 @@ QString clsTSQL::spLearnersListSpesific(const QString &gradeName, const QString 
     return sql + QStringLiteral(" ORDER BY sname, fname");
 }
 
-QString clsTSQL::spTransactionLearnersList() const { return transactionList(QStringLiteral("Learner_Info"), QStringLiteral("ID"), 1, QString()); }
-QString clsTSQL::spTransactionEducatorsList() const { return transactionList(QStringLiteral("Educators"), QStringLiteral("EdID"), 2, QString()); }
-QString clsTSQL::spTransactionParentsList() const { return transactionList(QStringLiteral("Parent_Info"), QStringLiteral("ParentID"), 3, QString()); }
+QString clsTSQL::spTransactionLearnersList() const { return transactionList(Learners, QString()); }
+QString clsTSQL::spTransactionEducatorsList() const { return transactionList(Educators, QString()); }
+QString clsTSQL::spTransactionParentsList() const { return transactionList(Parents, QString()); }
 
 QString clsTSQL::spTransactionGetRecord(int transactionID) const
 {
@@ -408,15 +417,15 @@ QString clsTSQL::spTransactionGetItemRecord(int itemID) const
 
 QString clsTSQL::spTransactionLearnersSearch(const QString &surname) const
 {
-    return transactionList(QStringLiteral("Learner_Info"), QStringLiteral("ID"), 1, surname);
+    return transactionList(Learners, surname);
 }
 QString clsTSQL::spTransactionEducatorsSearch(const QString &surname) const
 {
-    return transactionList(QStringLiteral("Educators"), QStringLiteral("EdID"), 2, surname);
+    return transactionList(Educators, surname);
 }
 QString clsTSQL::spTransactionParentsSearch(const QString &surname) const
 {
-    return transactionList(QStringLiteral("Parent_Info"), QStringLiteral("ParentID"), 3, surname);
+    return transactionList(Parents, surname);
 }
 
 QString clsTSQL::spTransactionInsert(int memberTypeID, int memberID, int itemID, const QDate &issueDate, const QDate &returnDate) const
@@ -461,15 +470,15 @@ QString clsTSQL::spReservedSearch(const QString &title) const
 
 QString clsTSQL::spReservedLearnersSearch(const QString &surname) const
 {
-    return reservedList(QStringLiteral("Learner_Info"), QStringLiteral("ID"), 1, surname);
+    return reservedList(Learners, surname);
 }
 QString clsTSQL::spReservedEducatorsSearch(const QString &surname) const
 {
-    return reservedList(QStringLiteral("Educators"), QStringLiteral("EdID"), 2, surname);
+    return reservedList(Educators, surname);
 }
 QString clsTSQL::spReservedParentsSearch(const QString &surname) const
 {
-    return reservedList(QStringLiteral("Parent_Info"), QStringLiteral("ParentID"), 3, surname);
+    return reservedList(Parents, surname);
 }
 
 QString clsTSQL::spReservedInsert(int memberTypeID, int memberID, int itemID, const QDate &fromDate, const QDate &toDate) const
@@ -525,9 +534,9 @@ QString clsTSQL::spTransactionFinesList() const
 {
     return TransactionFinesBase + QStringLiteral(" where tf.Paid = false order by t.MemberTypeID, t.MemberID");
 }
-QString clsTSQL::spTransactionFinesLearnersList() const { return transactionFinesList(1); }
-QString clsTSQL::spTransactionFinesEducatorsList() const { return transactionFinesList(2); }
-QString clsTSQL::spTransactionFinesParentsList() const { return transactionFinesList(3); }
+QString clsTSQL::spTransactionFinesLearnersList() const { return transactionFinesList(Learners.typeID); }
+QString clsTSQL::spTransactionFinesEducatorsList() const { return transactionFinesList(Educators.typeID); }
+QString clsTSQL::spTransactionFinesParentsList() const { return transactionFinesList(Parents.typeID); }
 
 QString clsTSQL::spTransactionFinesInsert(int transactionID, int fineID, double amount) const
 {
