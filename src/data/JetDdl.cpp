@@ -6,7 +6,8 @@ namespace {
 
 [[noreturn]] void fail(const std::string &message, std::string_view sql) { throwJetSyntaxError(message, sql); }
 
-// Data definition: CREATE TABLE, CREATE INDEX, ALTER TABLE ADD / ALTER, DROP.
+// Data definition: CREATE TABLE and ALTER TABLE ADD / ALTER / DROP. The grammar is read
+// strictly: every token must be understood, so nothing a statement says is silently dropped.
 class DdlTranslator {
 public:
     DdlTranslator(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
@@ -18,17 +19,23 @@ public:
         if (t_.size() < 5 || !t_[3].isSymbol("(") || !t_.back().isSymbol(")"))
             fail("Syntax error in CREATE TABLE statement.", sql_);
         const std::string table = name(t_[2]);
-        struct Column { std::string name; JetColumnType type; bool identity = false; bool notNull = false; bool primary = false; std::string defaultSql; };
+        struct Column { std::string name; JetColumnType type; bool identity = false; bool notNull = false; std::string defaultSql; };
         std::vector<Column> columns;
         std::vector<std::string> primaryKey;
         std::vector<std::vector<std::string>> uniques;
         size_t i = 4;
-        const size_t end = t_.size() - 1;
-        while (i < end) {
-            if (t_[i].isWord("primary") || t_[i].isWord("constraint") || t_[i].isWord("unique")) {
-                if (t_[i].isWord("constraint"))
+        end_ = t_.size() - 1;
+        for (;;) {
+            if (at(i).isWord("primary") || at(i).isWord("constraint") || at(i).isWord("unique")) {
+                if (at(i).isWord("constraint")) {
+                    name(at(i + 1)); // the constraint's own name is not kept
                     i += 2;
-                const bool isPrimary = t_[i].isWord("primary");
+                }
+                const bool isPrimary = at(i).isWord("primary");
+                if (isPrimary && !at(i + 1).isWord("key"))
+                    fail("Syntax error in CONSTRAINT clause.", sql_);
+                if (!isPrimary && !at(i).isWord("unique"))
+                    fail("Syntax error in CONSTRAINT clause.", sql_);
                 i += isPrimary ? 2 : 1;
                 std::vector<std::string> names = nameList(i);
                 if (isPrimary)
@@ -37,55 +44,53 @@ public:
                     uniques.push_back(names);
             } else {
                 Column c;
-                c.name = name(t_[i++]);
-                if (i >= end)
-                    fail("Syntax error in field definition.", sql_);
-                std::string_view typeName = t_[i++].text;
-                int size = 0;
-                if (i < end && t_[i].isSymbol("(")) {
-                    size = std::atoi(std::string(t_[i + 1].text).c_str());
-                    while (i < end && !t_[i].isSymbol(")"))
-                        ++i;
-                    ++i;
-                }
-                c.type = JetColumnType::fromName(typeName, size);
-                if (c.type.base == JetColumnType::Unknown)
-                    fail("Syntax error in field definition.", sql_);
+                c.name = name(at(i++));
+                c.type = columnType(i);
                 if (c.type.base == JetColumnType::Counter)
                     c.identity = true;
-                while (i < end && !t_[i].isSymbol(",")) {
+                while (i < end_ && !t_[i].isSymbol(",")) {
                     if (t_[i].isWord("identity") || t_[i].isWord("autoincrement") || t_[i].isWord("counter")) {
                         c.identity = true;
-                        if (i + 1 < end && t_[i + 1].isSymbol("(")) {
-                            while (!t_[i].isSymbol(")"))
-                                ++i;
+                        if (i + 1 < end_ && t_[i + 1].isSymbol("(")) {
+                            // (seed, increment): numbers only.
+                            ++i;
+                            do {
+                                if (at(i + 1).kind != JetToken::Number)
+                                    fail("Syntax error in field definition.", sql_);
+                                i += 2;
+                            } while (at(i).isSymbol(","));
+                            if (!at(i).isSymbol(")"))
+                                fail("Syntax error in field definition.", sql_);
                         }
-                    } else if (t_[i].isWord("not") && i + 1 < end && t_[i + 1].isWord("null")) {
+                    } else if (t_[i].isWord("not") && at(i + 1).isWord("null")) {
                         c.notNull = true;
                         ++i;
-                    } else if (t_[i].isWord("primary") && i + 1 < end && t_[i + 1].isWord("key")) {
-                        c.primary = true;
+                    } else if (t_[i].isWord("primary") && at(i + 1).isWord("key")) {
+                        primaryKey = {c.name};
                         ++i;
-                    } else if (t_[i].isWord("default") && i + 1 < end) {
+                    } else if (t_[i].isWord("default")) {
                         c.defaultSql = defaultValue(i);
                     } else if (!t_[i].isWord("unique") && !t_[i].isWord("null")) {
                         fail("Syntax error in field definition.", sql_);
                     }
                     ++i;
                 }
-                if (c.primary)
-                    primaryKey = {c.name};
                 columns.push_back(std::move(c));
             }
-            if (i < end && t_[i].isSymbol(","))
-                ++i;
+            if (i == end_)
+                break;
+            if (!t_[i].isSymbol(",") || i + 1 == end_)
+                fail("Syntax error in CREATE TABLE statement.", sql_);
+            ++i;
         }
+        if (columns.empty())
+            fail("Syntax error in CREATE TABLE statement.", sql_);
         // A counter that is the whole primary key becomes the engine's own auto-numbered key.
         std::string counterKey;
         for (const Column &c : columns)
             if (c.identity && (primaryKey.empty() || (primaryKey.size() == 1 && equalsNoCase(primaryKey[0], c.name))))
                 counterKey = c.name;
-        std::string sql = "CREATE TABLE " + table + " (";
+        std::string sql = "CREATE TABLE " + traits_.quoteName(table) + " (";
         bool first = true;
         for (const Column &c : columns) {
             if (!first)
@@ -109,6 +114,7 @@ public:
     TranslatedStatement alterTable()
     {
         // ALTER TABLE t ADD [COLUMN] c type | ALTER TABLE t ALTER [COLUMN] c type | DROP [COLUMN] c
+        end_ = t_.size();
         if (t_.size() < 5)
             fail("Syntax error in ALTER TABLE statement.", sql_);
         const std::string table = name(t_[2]);
@@ -119,27 +125,22 @@ public:
         if (!add && !alter && !drop)
             fail("Syntax error in ALTER TABLE statement.", sql_);
         ++i;
-        if (i < t_.size() && t_[i].isWord("column"))
+        if (at(i).isWord("column"))
             ++i;
-        if (i >= t_.size())
-            fail("Syntax error in ALTER TABLE statement.", sql_);
-        const std::string column = name(t_[i++]);
+        const std::string column = name(at(i++));
         TranslatedStatement ts;
         if (drop) {
-            ts.sql = "ALTER TABLE " + table + " DROP COLUMN " + column;
+            if (i != end_)
+                fail("Syntax error in ALTER TABLE statement.", sql_);
+            ts.sql = "ALTER TABLE " + traits_.quoteName(table) + " DROP COLUMN " + traits_.quoteName(column);
             return ts;
         }
-        if (i >= t_.size())
-            fail("Syntax error in field definition.", sql_);
-        std::string_view typeName = t_[i++].text;
-        int size = 0;
-        if (i + 1 < t_.size() && t_[i].isSymbol("("))
-            size = std::atoi(std::string(t_[i + 1].text).c_str());
-        const JetColumnType type = JetColumnType::fromName(typeName, size);
-        if (type.base == JetColumnType::Unknown)
+        const JetColumnType type = columnType(i);
+        if (i != end_)
             fail("Syntax error in field definition.", sql_);
         if (add) {
-            ts.sql = "ALTER TABLE " + table + " ADD COLUMN " + traits_.columnDefinition(column, type, false, false, std::string());
+            ts.sql = "ALTER TABLE " + traits_.quoteName(table) + " ADD COLUMN "
+                     + traits_.columnDefinition(column, type, false, false, std::string());
             return ts;
         }
         ts.kind = TranslatedStatement::AlterColumnType;
@@ -150,57 +151,112 @@ public:
     }
 
 private:
+    // The token at i, or an error when the definition ends before it.
+    const JetToken &at(size_t i) const
+    {
+        if (i >= end_)
+            fail("Syntax error in field definition.", sql_);
+        return t_[i];
+    }
+
+    // A table, column or constraint name, bare (without its brackets).
     std::string name(const JetToken &tok) const
     {
+        std::string_view bare;
         if (tok.kind == JetToken::Bracketed)
-            return std::string(tok.text);
-        if (tok.kind != JetToken::Word)
+            bare = tok.text.substr(1, tok.text.size() - 2);
+        else if (tok.kind == JetToken::Word)
+            bare = tok.text;
+        else
             fail("Syntax error in field definition.", sql_);
-        return std::string(tok.text);
+        if (!validObjectName(bare))
+            fail("'" + std::string(bare) + "' is not a valid name.  Make sure that it does not include invalid characters "
+                 "or punctuation and that it is not too long.", sql_);
+        return std::string(bare);
+    }
+
+    // type [ ( size ) ]
+    JetColumnType columnType(size_t &i) const
+    {
+        const JetToken &typeName = at(i++);
+        if (typeName.kind != JetToken::Word)
+            fail("Syntax error in field definition.", sql_);
+        int size = 0;
+        if (i < end_ && t_[i].isSymbol("(")) {
+            const JetToken &n = at(i + 1);
+            if (n.kind != JetToken::Number || n.text.find_first_not_of("0123456789") != std::string_view::npos || n.text.size() > 3
+                || !at(i + 2).isSymbol(")"))
+                fail("Syntax error in field definition.", sql_);
+            size = std::atoi(std::string(n.text).c_str());
+            if (size < 1 || size > 255)
+                fail("Size of field '" + std::string(typeName.text) + "' is too long.", sql_);
+            i += 3;
+        }
+        const JetColumnType type = JetColumnType::fromName(typeName.text, size);
+        if (type.base == JetColumnType::Unknown)
+            fail("Syntax error in field definition.", sql_);
+        return type;
     }
 
     std::vector<std::string> nameList(size_t &i) const
     {
         std::vector<std::string> names;
-        if (i >= t_.size() || !t_[i].isSymbol("("))
+        if (!at(i).isSymbol("("))
             fail("Syntax error in CONSTRAINT clause.", sql_);
-        for (++i; i < t_.size() && !t_[i].isSymbol(")"); ++i)
-            if (!t_[i].isSymbol(","))
-                names.push_back(name(t_[i]));
+        do {
+            names.push_back(name(at(i + 1)));
+            i += 2;
+        } while (at(i).isSymbol(","));
+        if (!at(i).isSymbol(")"))
+            fail("Syntax error in CONSTRAINT clause.", sql_);
         ++i;
         return names;
     }
 
     std::string defaultValue(size_t &i) const
     {
-        const JetToken &v = t_[++i];
+        const JetToken &v = at(++i);
         if (v.isWord("true"))
             return "-1";
         if (v.isWord("false"))
             return "0";
-        if (v.isSymbol("-") && i + 1 < t_.size()) {
+        if (v.isSymbol("-") && at(i + 1).kind == JetToken::Number) {
             ++i;
             return "-" + std::string(t_[i].text);
         }
-        if (v.kind == JetToken::Number || v.kind == JetToken::String || v.isWord("null"))
+        if (v.kind == JetToken::Number || v.isWord("null"))
+            return std::string(v.text);
+        if (v.kind == JetToken::String && v.text.front() == '\'')
             return std::string(v.text);
         fail("Syntax error in DEFAULT clause.", sql_);
     }
 
-    static std::string join(const std::vector<std::string> &names)
+    std::string join(const std::vector<std::string> &names) const
     {
         std::string s;
         for (const auto &n : names)
-            s += (s.empty() ? "" : ", ") + n;
+            s += (s.empty() ? "" : ", ") + traits_.quoteName(n);
         return s;
     }
 
     const DialectTraits &traits_;
     const std::vector<JetToken> &t_;
     std::string_view sql_;
+    size_t end_ = 0; // one past the last token of the definition
 };
 
 } // namespace
+
+bool validObjectName(std::string_view name)
+{
+    // Jet's rules: at most 64 characters, no leading blank, no control characters, no . ! ` [ ].
+    if (name.empty() || name.size() > 64 * 4 || name.front() == ' ')
+        return false;
+    for (unsigned char c : name)
+        if (c < 0x20 || c == 0x7f || c == '.' || c == '!' || c == '`' || c == '[' || c == ']')
+            return false;
+    return true;
+}
 
 TranslatedStatement translateCreateTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
 {

@@ -6,3 +6,7 @@
 // defaults) and ALTER TABLE ADD / ALTER / DROP a column. Both throw AppError on bad DDL.
 TranslatedStatement translateCreateTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql);
 TranslatedStatement translateAlterTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql);
+
+/// Whether a table, column or constraint name is one Jet accepts (no control characters,
+/// no . ! ` [ ], no leading blank); the dialect quotes every accepted name.
+bool validObjectName(std::string_view name);

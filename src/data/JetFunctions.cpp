@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -22,6 +23,8 @@ void resultText(sqlite3_context *ctx, const QString &s)
     const QByteArray utf8 = s.toUtf8();
     sqlite3_result_text(ctx, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
 }
+
+bool argNumber(sqlite3_value *v, double *out);
 
 // Dates are stored as "yyyy-MM-dd" or "yyyy-MM-dd HH:mm:ss".
 QDateTime argDate(sqlite3_value *v, bool *ok)
@@ -76,18 +79,34 @@ void jetDateAdd(sqlite3_context *ctx, int, sqlite3_value **argv)
         return;
     }
     const QString interval = argText(argv[0]).toLower();
-    const qint64 n = qint64(std::llround(sqlite3_value_double(argv[1])));
-    QDateTime r;
-    if (interval == QLatin1String("yyyy")) r = dt.addYears(int(n));
-    else if (interval == QLatin1String("q")) r = dt.addMonths(int(n * 3));
-    else if (interval == QLatin1String("m")) r = dt.addMonths(int(n));
-    else if (interval == QLatin1String("d") || interval == QLatin1String("y") || interval == QLatin1String("w")) r = dt.addDays(n);
-    else if (interval == QLatin1String("ww")) r = dt.addDays(n * 7);
-    else if (interval == QLatin1String("h")) r = dt.addSecs(n * 3600);
-    else if (interval == QLatin1String("n")) r = dt.addSecs(n * 60);
-    else if (interval == QLatin1String("s")) r = dt.addSecs(n);
-    else {
+    double n = 0;
+    if (!argNumber(argv[1], &n)) {
+        sqlite3_result_error(ctx, "Data type mismatch in criteria expression.", -1);
+        return;
+    }
+    // Each interval in its own unit, measured before anything is converted: a span beyond the
+    // calendar (years 100 to 9999) overflows, as in the old runtime.
+    struct Unit { const char *name; double factor; char kind; }; // kind: 'M' months, 'D' days, 'S' seconds
+    static const Unit units[] = {{"yyyy", 12, 'M'}, {"q", 3, 'M'}, {"m", 1, 'M'}, {"d", 1, 'D'}, {"y", 1, 'D'}, {"w", 1, 'D'},
+                                 {"ww", 7, 'D'},    {"h", 3600, 'S'}, {"n", 60, 'S'}, {"s", 1, 'S'}};
+    const Unit *unit = nullptr;
+    for (const Unit &u : units)
+        if (interval == QLatin1String(u.name))
+            unit = &u;
+    if (!unit) {
         sqlite3_result_error(ctx, "Invalid procedure call or argument", -1);
+        return;
+    }
+    const double span = std::round(n) * unit->factor;
+    const double limit = unit->kind == 'M' ? 12.0 * 10000 : unit->kind == 'D' ? 366.0 * 10000 : 86400.0 * 366 * 10000;
+    if (!std::isfinite(span) || std::fabs(span) > limit) {
+        sqlite3_result_error(ctx, "Overflow", -1);
+        return;
+    }
+    const qint64 amount = qint64(span);
+    const QDateTime r = unit->kind == 'M' ? dt.addMonths(int(amount)) : unit->kind == 'D' ? dt.addDays(amount) : dt.addSecs(amount);
+    if (!r.isValid() || r.date().year() < 100 || r.date().year() > 9999) {
+        sqlite3_result_error(ctx, "Overflow", -1);
         return;
     }
     resultText(ctx, dateText(r));
@@ -205,6 +224,12 @@ void jetConvert(sqlite3_context *ctx, int, sqlite3_value **argv)
     double d = 0;
     if (!argNumber(argv[0], &d)) {
         sqlite3_result_error(ctx, "Data type mismatch in criteria expression.", -1);
+        return;
+    }
+    // Beyond each conversion's range (and for infinity or NaN) the old runtime raised "Overflow".
+    const double range = Kind == 2 ? std::numeric_limits<double>::max() : Kind == 3 ? 922337203685477.5807 : Kind == 4 ? 9.2e18 : 2147483648.0;
+    if (!std::isfinite(d) || std::fabs(d) > range) {
+        sqlite3_result_error(ctx, "Overflow", -1);
         return;
     }
     if (Kind == 2) {

@@ -30,6 +30,11 @@ bool JetLexer::tokenize(std::string_view sql, std::vector<JetToken> *out, std::s
     const size_t n = sql.size();
     size_t i = 0;
     bool ended = false;
+    // A NUL cannot be stored in a text and ends the text early for the engines: refuse it anywhere.
+    if (sql.find('\0') != std::string_view::npos) {
+        *error = "The statement contains a NUL character (code 0), which cannot be stored in the database.";
+        return false;
+    }
     while (i < n) {
         const unsigned char c = static_cast<unsigned char>(sql[i]);
         if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v') {

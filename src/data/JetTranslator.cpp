@@ -6,12 +6,17 @@
 #include <QString>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <set>
 
 namespace {
 
 constexpr size_t MaxCachedShapes = 4096;
+// Deeper nesting than any statement of the program needs is refused before it is parsed
+// (the parser recurses once per level).
+constexpr int MaxNesting = 128;
 
 std::string lowerCopy(std::string_view s)
 {
@@ -67,13 +72,21 @@ struct Item {
 class Rewriter {
 public:
     Rewriter(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
-        : traits_(traits), t_(tokens), sql_(sql), slots_(tokens.size(), -1)
+        : traits_(traits), t_(tokens), sql_(sql), slots_(tokens.size(), -1), close_(tokens.size(), 0)
     {
         // A literal's slot is its position among the statement's literals.
         int slot = 0;
-        for (size_t i = 0; i < tokens.size(); ++i)
+        std::vector<size_t> open;
+        for (size_t i = 0; i < tokens.size(); ++i) {
             if (tokens[i].isLiteral())
                 slots_[i] = slot++;
+            else if (tokens[i].isSymbol("("))
+                open.push_back(i);
+            else if (tokens[i].isSymbol(")") && !open.empty()) {
+                close_[open.back()] = i;
+                open.pop_back();
+            }
+        }
     }
 
     Out run() { return level(0, t_.size()); }
@@ -91,14 +104,10 @@ private:
 
     size_t matchParen(size_t open, size_t hi) const
     {
-        int depth = 0;
-        for (size_t i = open; i < hi; ++i) {
-            if (t_[i].isSymbol("("))
-                ++depth;
-            else if (t_[i].isSymbol(")") && --depth == 0)
-                return i;
-        }
-        fail("Missing ), ], or Item in query expression.", sql_);
+        const size_t close = close_[open];
+        if (close == 0 || close >= hi)
+            fail("Missing ), ], or Item in query expression.", sql_);
+        return close;
     }
 
     Out level(size_t lo, size_t hi)
@@ -108,6 +117,8 @@ private:
             const JetToken &tok = t_[i];
             if (tok.isSymbol("(")) {
                 const size_t close = matchParen(i, hi);
+                if (close == i + 1 && i > lo && t_[i - 1].isWord("in"))
+                    fail("Syntax error (missing operator) in query expression: an IN list needs at least one value.", sql_);
                 Out group{OutTok{"("}};
                 append(group, level(i + 1, close));
                 group.push_back(OutTok{")"});
@@ -148,6 +159,9 @@ private:
                     fail("Syntax error in query expression.", sql_);
                 Item &prev = st.segment.back();
                 const JetToken &next = t_[++i];
+                // Only a name or * follows the dot; a literal there would bypass its slot.
+                if (next.kind != JetToken::Word && next.kind != JetToken::Bracketed && !next.isSymbol("*"))
+                    fail("Syntax error in query expression.", sql_);
                 prev.toks.push_back(OutTok{"."});
                 prev.toks.push_back(OutTok{std::string(next.text)});
                 prev.lastName = next.kind == JetToken::Bracketed ? lowerCopy(next.text.substr(1, next.text.size() - 2))
@@ -353,7 +367,11 @@ private:
     const std::vector<JetToken> &t_;
     std::string_view sql_;
     std::vector<int> slots_; // per token: its literal slot, or -1
+    std::vector<size_t> close_; // per "(": the index of its ")", 0 when unmatched
 };
+
+// The shape of a statement: its tokens exactly as written, literals reduced to their kind.
+// Letter case is kept: the translation copies names and aliases as they are written.
 
 std::string shapeKey(const std::vector<JetToken> &tokens)
 {
@@ -361,10 +379,8 @@ std::string shapeKey(const std::vector<JetToken> &tokens)
     key.reserve(256);
     for (const JetToken &tok : tokens) {
         key += char(tok.kind);
-        if (!tok.isLiteral()) {
-            for (char c : tok.text)
-                key += (c >= 'A' && c <= 'Z') ? char(c + 32) : c;
-        }
+        if (!tok.isLiteral())
+            key += tok.text;
         key += '\x1f';
     }
     return key;
@@ -462,6 +478,14 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
         return ts;
     }
 
+    int depth = 0;
+    for (const JetToken &tok : tokens) {
+        if (tok.isSymbol("(") && ++depth > MaxNesting)
+            throw AppError(AppError::SyntaxError, QStringLiteral("Query is too complex."), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
+        if (tok.isSymbol(")"))
+            --depth;
+    }
+
     const JetToken &first = tokens[0];
     if (first.isWord("create") && tokens.size() > 2 && tokens[1].isWord("table"))
         return translateCreateTable(*traits_, tokens, sql);
@@ -477,14 +501,24 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
             tpl = it->second;
     }
     if (!tpl) {
+        const bool schemaObject = tokens.size() > 2
+                                  && (tokens[1].isWord("index") || tokens[1].isWord("table")
+                                      || (first.isWord("create") && tokens[1].isWord("unique") && tokens[2].isWord("index")));
         if (!(first.isWord("select") || first.isWord("insert") || first.isWord("update") || first.isWord("delete")
-              || first.isWord("create") || first.isWord("drop")))
+              || ((first.isWord("create") || first.isWord("drop")) && schemaObject)))
             fail("Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'.", sql);
         std::vector<JetToken> body = tokens;
         // Jet's "DELETE * FROM t" and "DELETE t.* FROM t": the engines want "DELETE FROM t".
         if (first.isWord("delete")) {
             auto from = std::find_if(body.begin(), body.end(), [](const JetToken &t) { return t.isWord("from"); });
             if (from == body.end())
+                fail("Syntax error in DELETE statement.", sql);
+            // Between DELETE and FROM: nothing, * or table.* only.
+            const auto between = from - (body.begin() + 1);
+            const bool star = between == 1 && body[1].isSymbol("*");
+            const bool tableStar = between == 3 && (body[1].kind == JetToken::Word || body[1].kind == JetToken::Bracketed)
+                                   && body[2].isSymbol(".") && body[3].isSymbol("*");
+            if (between != 0 && !star && !tableStar)
                 fail("Syntax error in DELETE statement.", sql);
             body.erase(body.begin() + 1, from);
         }
@@ -514,6 +548,10 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
             fail("Syntax error in query expression.", sql);
         const JetToken &lit = *literals[size_t(piece.slot)];
         if (lit.kind == JetToken::Number) {
+            // A number beyond the range of a double would reach the engine as infinity.
+            if ((lit.text.find_first_of("eE") != std::string_view::npos || lit.text.size() > 300)
+                && !std::isfinite(std::strtod(std::string(lit.text).c_str(), nullptr)))
+                throw AppError(AppError::Overflow, QStringLiteral("Overflow"), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
             ts.sql += lit.text;
             continue;
         }

@@ -34,7 +34,9 @@ public:
     virtual std::string dateLiteral(const std::string &iso) const = 0;
     /// Appended to ORDER BY terms that are expressions, so text sorts without regard to case as Jet sorts it.
     virtual std::string caseInsensitiveOrder() const = 0;
-    /// One column of CREATE TABLE / ALTER TABLE ADD.
+    /// A table, column or constraint name (bare, as validObjectName accepts it) quoted for the engine.
+    virtual std::string quoteName(std::string_view bareName) const = 0;
+    /// One column of CREATE TABLE / ALTER TABLE ADD; name is bare.
     virtual std::string columnDefinition(const std::string &name, JetColumnType type, bool counterKey, bool notNull,
                                          const std::string &defaultSql) const = 0;
     /// Tokens to put before and after a call of a Jet function that yields a number, so that

@@ -1,10 +1,44 @@
 #include "Money.h"
 
+#include "AppError.h"
+
 #include <cmath>
+
+namespace {
+[[noreturn]] void overflow() { throw AppError(AppError::Overflow, QStringLiteral("Overflow")); }
+} // namespace
 
 Money Money::fromDouble(double value)
 {
-    return fromUnits(std::llround(value * double(Scale)));
+    const double scaled = value * double(Scale);
+    // 2^63 is the first value a 64-bit count of ten-thousandths cannot hold.
+    if (!std::isfinite(scaled) || std::fabs(scaled) >= 9223372036854775808.0)
+        overflow();
+    return fromUnits(std::llround(scaled));
+}
+
+Money Money::operator+(Money o) const
+{
+    std::int64_t r = 0;
+    if (__builtin_add_overflow(units_, o.units_, &r))
+        overflow();
+    return fromUnits(r);
+}
+
+Money Money::operator-(Money o) const
+{
+    std::int64_t r = 0;
+    if (__builtin_sub_overflow(units_, o.units_, &r))
+        overflow();
+    return fromUnits(r);
+}
+
+Money Money::operator*(std::int64_t n) const
+{
+    std::int64_t r = 0;
+    if (__builtin_mul_overflow(units_, n, &r))
+        overflow();
+    return fromUnits(r);
 }
 
 bool Money::parse(const QString &text, Money *out)
@@ -43,9 +77,9 @@ bool Money::parse(const QString &text, Money *out)
 
 QString Money::toSqlText() const
 {
-    const std::int64_t magnitude = units_ < 0 ? -units_ : units_;
-    QString text = QString::number(magnitude / Scale);
-    std::int64_t fraction = magnitude % Scale;
+    const std::uint64_t magnitude = units_ < 0 ? 0 - std::uint64_t(units_) : std::uint64_t(units_);
+    QString text = QString::number(magnitude / std::uint64_t(Scale));
+    const std::uint64_t fraction = magnitude % std::uint64_t(Scale);
     if (fraction != 0) {
         QString digits = QString::number(fraction).rightJustified(4, QLatin1Char('0'));
         while (digits.endsWith(QLatin1Char('0')))

@@ -14,6 +14,7 @@ public:
 
     constexpr Money() = default;
     static constexpr Money fromUnits(std::int64_t units) { Money m; m.units_ = units; return m; }
+    /// Throws AppError "Overflow" for infinity, NaN and values beyond the currency range.
     static Money fromDouble(double value);
     /// Parses "12", "12.5", "-0.0001"; returns false on anything else.
     static bool parse(const QString &text, Money *out);
@@ -25,10 +26,11 @@ public:
     /// Two decimals for display ("1.50").
     QString toDisplayText() const;
 
-    constexpr Money operator+(Money o) const { return fromUnits(units_ + o.units_); }
-    constexpr Money operator-(Money o) const { return fromUnits(units_ - o.units_); }
-    constexpr Money operator*(std::int64_t n) const { return fromUnits(units_ * n); }
-    Money &operator+=(Money o) { units_ += o.units_; return *this; }
+    // Arithmetic beyond the 64-bit range throws AppError "Overflow" (number 6), as the old runtime did.
+    Money operator+(Money o) const;
+    Money operator-(Money o) const;
+    Money operator*(std::int64_t n) const;
+    Money &operator+=(Money o) { return *this = *this + o; }
     constexpr auto operator<=>(const Money &) const = default;
 
 private:

@@ -134,6 +134,16 @@ QString Field::toString() const
     return c.storage == Recordset::Cell::Integer ? QString::number(c.i) : QString::number(c.d, 'g', 15);
 }
 
+namespace {
+// A double rounded to a whole number as the old runtime did; beyond 64 bits it overflows.
+qint64 wholeNumber(double d)
+{
+    if (!std::isfinite(d) || std::fabs(d) > 9.2e18)
+        throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
+    return qint64(bankersRound(d));
+}
+} // namespace
+
 qint64 Field::toLongLong() const
 {
     const auto &c = rs_->cell(row_, column_);
@@ -143,9 +153,7 @@ qint64 Field::toLongLong() const
     case Recordset::Cell::Integer:
         return c.i;
     case Recordset::Cell::Real:
-        if (!std::isfinite(c.d) || std::fabs(c.d) > 9.2e18)
-            throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
-        return qint64(bankersRound(c.d));
+        return wholeNumber(c.d);
     case Recordset::Cell::Text: {
         bool ok = false;
         const QString t = rs_->text(c).trimmed();
@@ -155,7 +163,7 @@ qint64 Field::toLongLong() const
         const double d = t.toDouble(&ok);
         if (!ok)
             typeMismatch();
-        return qint64(bankersRound(d));
+        return wholeNumber(d);
     }
     }
     return 0;

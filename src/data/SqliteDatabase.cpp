@@ -44,6 +44,11 @@ QString jetMessage(const char *engineMessage, double *number)
     }
     if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::SizeCheckPrefix)))
         return QStringLiteral("The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less data.");
+    if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::RangeCheckPrefix))
+        || msg == QLatin1String("Overflow")) {
+        *number = AppError::Overflow;
+        return QStringLiteral("Overflow");
+    }
     if (msg.startsWith(QLatin1String("UNIQUE constraint failed")))
         return QStringLiteral("The changes you requested to the table were not successful because they would create duplicate "
                               "values in the index, primary key, or relationship.  Change the data in the field or fields that "
@@ -53,7 +58,19 @@ QString jetMessage(const char *engineMessage, double *number)
     return msg;
 }
 
-std::string quoteName(const std::string &name) { return "\"" + name + "\""; }
+std::string quoteName(std::string_view name) { return SqliteDialect().quoteName(name); }
+
+// Whether the schema holds the library's catalogue table: only then is the file a library database.
+bool holdsLibraryTables(sqlite3 *db)
+{
+    sqlite3_stmt *stmt = nullptr;
+    bool found = false;
+    if (sqlite3_prepare_v2(db, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'tblLibItems' COLLATE NOCASE", -1, &stmt,
+                           nullptr) == SQLITE_OK)
+        found = sqlite3_step(stmt) == SQLITE_ROW;
+    sqlite3_finalize(stmt);
+    return found;
+}
 
 } // namespace
 
@@ -83,7 +100,10 @@ SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
         // Reading the schema proves the file is a database at all.
         exec("SELECT count(*) FROM sqlite_master");
         if (!readOnly) {
-            exec("PRAGMA journal_mode=WAL");
+            // Write-ahead logging is switched on only for a file known to be a library database:
+            // opening any other file (the school's database picked by mistake) must not change it.
+            if (holdsLibraryTables(db_))
+                exec("PRAGMA journal_mode=WAL");
             exec("PRAGMA synchronous=FULL");
         } else {
             exec("PRAGMA query_only=1");
@@ -112,11 +132,17 @@ void SqliteDatabase::createFile(const QString &path)
         throw AppError(AppError::ProviderError, QStringLiteral("Database '%1' already exists.").arg(path));
     sqlite3 *db = nullptr;
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-    char *err = nullptr;
-    if (rc == SQLITE_OK)
-        sqlite3_exec(db, "PRAGMA journal_mode=WAL; CREATE TABLE shelvora_probe(x); DROP TABLE shelvora_probe;", nullptr, nullptr, &err);
-    const QString reason = rc != SQLITE_OK ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(err ? err : "");
-    sqlite3_free(err);
+    QString reason;
+    if (rc == SQLITE_OK) {
+        for (const char *step : {"PRAGMA journal_mode=WAL", "CREATE TABLE shelvora_probe(x)", "DROP TABLE shelvora_probe"}) {
+            if (sqlite3_exec(db, step, nullptr, nullptr, nullptr) != SQLITE_OK) {
+                reason = QString::fromUtf8(sqlite3_errmsg(db));
+                break;
+            }
+        }
+    } else {
+        reason = QString::fromUtf8(sqlite3_errmsg(db));
+    }
     sqlite3_close(db);
     if (rc != SQLITE_OK || !reason.isEmpty())
         throw AppError(AppError::ProviderError, QStringLiteral("Cannot create database '%1': %2").arg(path, reason));
@@ -132,13 +158,27 @@ void SqliteDatabase::raise(int code, const QString &jetSql) const
 
 void SqliteDatabase::exec(const std::string &nativeSql, const QString &jetSql)
 {
-    char *err = nullptr;
-    if (sqlite3_exec(db_, nativeSql.c_str(), nullptr, nullptr, &err) != SQLITE_OK) {
-        double number = 0;
-        const QString message = jetMessage(err ? err : sqlite3_errmsg(db_), &number);
-        sqlite3_free(err);
-        throw AppError(number, message, jetSql.isEmpty() ? QString::fromStdString(nativeSql) : jetSql);
+    // Exactly one statement: composed text never runs a second statement hidden in a name.
+    const QString reported = jetSql.isEmpty() ? QString::fromStdString(nativeSql) : jetSql;
+    sqlite3_stmt *stmt = nullptr;
+    const char *tail = nullptr;
+    if (sqlite3_prepare_v2(db_, nativeSql.c_str(), int(nativeSql.size()), &stmt, &tail) != SQLITE_OK)
+        raise(0, reported);
+    const std::string_view rest(tail, size_t(nativeSql.c_str() + nativeSql.size() - tail));
+    if (!stmt || rest.find_first_not_of(" \t\r\n;") != std::string_view::npos) {
+        sqlite3_finalize(stmt);
+        throw AppError(AppError::SyntaxError, QStringLiteral("Characters found after end of SQL statement."), reported);
     }
+    int rc;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+    }
+    if (rc != SQLITE_DONE) {
+        double number = 0;
+        const QString message = jetMessage(sqlite3_errmsg(db_), &number);
+        sqlite3_finalize(stmt);
+        throw AppError(number, message, reported);
+    }
+    sqlite3_finalize(stmt);
 }
 
 sqlite3_stmt *SqliteDatabase::prepare(const std::string &sql, const QString &jetSql)
@@ -153,6 +193,10 @@ sqlite3_stmt *SqliteDatabase::prepare(const std::string &sql, const QString &jet
         raise(rc, jetSql);
     if (!stmt) // nothing but white space
         throw AppError(AppError::SyntaxError, QStringLiteral("Invalid SQL statement."), jetSql);
+    if (std::string_view(tail).find_first_not_of(" \t\r\n") != std::string_view::npos) {
+        sqlite3_finalize(stmt);
+        throw AppError(AppError::SyntaxError, QStringLiteral("Characters found after end of SQL statement."), jetSql);
+    }
     if (statements_.size() >= MaxPreparedStatements) {
         for (auto &entry : statements_)
             sqlite3_finalize(entry.second);
@@ -242,9 +286,7 @@ void SqliteDatabase::changeColumnType(const TranslatedStatement &ts, const QStri
         const unsigned char *t = sqlite3_column_text(s, c);
         return t ? std::string(reinterpret_cast<const char *>(t)) : std::string();
     };
-    std::string bare = ts.table;
-    if (bare.size() > 1 && bare.front() == '[')
-        bare = bare.substr(1, bare.size() - 2);
+    const std::string &bare = ts.table;
     char *q = sqlite3_mprintf("SELECT name, sql FROM sqlite_master WHERE type = 'table' AND name = %Q COLLATE NOCASE", bare.c_str());
     query(q, [&](sqlite3_stmt *s) { tableName = text(s, 0); createSql = text(s, 1); });
     sqlite3_free(q);
@@ -259,9 +301,7 @@ void SqliteDatabase::changeColumnType(const TranslatedStatement &ts, const QStri
     });
     sqlite3_free(q);
 
-    std::string column = ts.column;
-    if (column.size() > 1 && column.front() == '[')
-        column = column.substr(1, column.size() - 2);
+    const std::string &column = ts.column;
     bool found = false;
     const bool autoIncrement = createSql.find("AUTOINCREMENT") != std::string::npos;
     int pkCount = 0;

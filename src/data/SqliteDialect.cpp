@@ -49,13 +49,21 @@ std::string SqliteDialect::declaredType(JetColumnType type)
     return "TEXT";
 }
 
-std::string SqliteDialect::columnDefinition(const std::string &columnName, JetColumnType type, bool counterKey, bool notNull,
+std::string SqliteDialect::quoteName(std::string_view bareName) const
+{
+    std::string quoted = "\"";
+    for (char c : bareName) {
+        if (c == '"')
+            quoted += '"';
+        quoted += c;
+    }
+    return quoted + "\"";
+}
+
+std::string SqliteDialect::columnDefinition(const std::string &bare, JetColumnType type, bool counterKey, bool notNull,
                                             const std::string &defaultSql) const
 {
-    std::string bare = columnName;
-    if (bare.size() > 1 && (bare.front() == '[' || bare.front() == '"'))
-        bare = bare.substr(1, bare.size() - 2);
-    const std::string name = "\"" + bare + "\"";
+    const std::string name = quoteName(bare);
     std::string def = name + " " + declaredType(type);
     if (counterKey)
         return def + " PRIMARY KEY AUTOINCREMENT";
@@ -69,7 +77,9 @@ std::string SqliteDialect::columnDefinition(const std::string &columnName, JetCo
         def += " DEFAULT " + defaultSql;
     else if (type.base == JetColumnType::Bool)
         def += " DEFAULT 0";
-    const std::string typeCheck = std::string(" CONSTRAINT ") + TypeCheckPrefix + bare + " CHECK (" + name + " IS NULL OR ";
+    auto constraint = [&](const char *prefix) { return " CONSTRAINT " + quoteName(prefix + bare) + " CHECK ("; };
+    // A CHECK passes on Null, so every test is written to be true or false, never Null.
+    const std::string typeCheck = constraint(TypeCheckPrefix) + name + " IS NULL OR ";
     switch (type.base) {
     case JetColumnType::Counter:
     case JetColumnType::Int32:
@@ -85,16 +95,21 @@ std::string SqliteDialect::columnDefinition(const std::string &columnName, JetCo
         def += typeCheck + "typeof(" + name + ") = 'integer')";
         break;
     case JetColumnType::Double:
+        def += typeCheck + "typeof(" + name + ") IN ('integer', 'real'))";
+        def += constraint(RangeCheckPrefix) + name + " IS NULL OR " + name + " BETWEEN -1.7976931348623157e308 AND 1.7976931348623157e308)";
+        break;
     case JetColumnType::Currency:
         def += typeCheck + "typeof(" + name + ") IN ('integer', 'real'))";
+        def += constraint(RangeCheckPrefix) + name + " IS NULL OR " + name + " BETWEEN -922337203685477.5808 AND 922337203685477.5807)";
         break;
     case JetColumnType::Date:
-        def += typeCheck + "(typeof(" + name + ") = 'text' AND (" + name + " = date(" + name + ") OR " + name
-               + " = datetime(" + name + "))))";
+        // Only a real calendar date (or date and time) in the stored form: through a day number,
+        // "2026-02-30" comes back as another day and anything else as Null, so both differ from the value.
+        def += typeCheck + "(typeof(" + name + ") = 'text' AND (" + name + " IS date(julianday(" + name + ")) OR " + name
+               + " IS datetime(julianday(" + name + ")))))";
         break;
     case JetColumnType::Text:
-        def += " COLLATE NOCASE CONSTRAINT " + std::string(SizeCheckPrefix) + bare + " CHECK (length(" + name + ") <= "
-               + std::to_string(type.size) + ")";
+        def += " COLLATE NOCASE" + constraint(SizeCheckPrefix) + "length(" + name + ") <= " + std::to_string(type.size) + ")";
         break;
     case JetColumnType::Memo:
         def += " COLLATE NOCASE";

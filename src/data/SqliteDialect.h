@@ -11,6 +11,7 @@ public:
     std::string functionName(std::string_view lowerJetName) const override;
     std::string dateLiteral(const std::string &iso) const override { return "'" + iso + "'"; }
     std::string caseInsensitiveOrder() const override { return "COLLATE NOCASE"; }
+    std::string quoteName(std::string_view bareName) const override;
     /// Year(), Month(), Day(), Len() ... as CAST(... AS INTEGER): a call has no affinity in SQLite,
     /// so Year(d) <= '2026' would compare a number with text, which is always true there.
     Wrapper numericCall(std::string_view lowerJetName) const override;
@@ -22,4 +23,5 @@ public:
     /// Constraint-name prefixes whose failures are reported as Jet reports them.
     static constexpr const char *TypeCheckPrefix = "type_";
     static constexpr const char *SizeCheckPrefix = "size_";
+    static constexpr const char *RangeCheckPrefix = "range_";
 };

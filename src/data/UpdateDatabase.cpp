@@ -48,9 +48,9 @@ void OpenCentralDatabase()
 
 void CloseCentralDatabase() { closeShared(CentralConnection); }
 
-void OpenLibraryDatabase()
+void OpenLibraryDatabase(bool readOnly)
 {
-    openShared(LibraryConnection, LibraryDatabasePath, LibraryPassword, false, QStringLiteral("Library Database cannot be opened."));
+    openShared(LibraryConnection, LibraryDatabasePath, LibraryPassword, readOnly, QStringLiteral("Library Database cannot be opened."));
 }
 
 void CloseLibraryDatabase() { closeShared(LibraryConnection); }

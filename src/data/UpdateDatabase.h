@@ -25,7 +25,8 @@ void OpenCentralDatabase();
 /// Closes and empties CentralConnection; errors are ignored.
 void CloseCentralDatabase();
 /// Opens LibraryConnection; failures are reported ("Library Database cannot be opened.").
-void OpenLibraryDatabase();
+/// Read only when a file is only being looked at (to find out whether it is a library database).
+void OpenLibraryDatabase(bool readOnly = false);
 /// Closes and empties LibraryConnection; errors are ignored.
 void CloseLibraryDatabase();
 
