@@ -59,6 +59,52 @@ QVariant readIDNo(const QString &sql)
 }
 QString num(qint64 v) { return QString::number(v); }
 
+struct LoanAction {
+    QString accession;
+    QDate actionDate;
+    QString mode;
+    QDate newDueDate;
+    Money fineAmount;
+    qint16 fineInterval;
+};
+
+// Charges the overdue fine (first) and closes or extends the loan, inside the caller's transaction.
+// False when the loan row was no longer open, so nothing may be kept.
+bool closeOrExtend(DbConnection &db, const QDate &dueDate, int transactionID, int memberID, const QString &memberType, qint16 renewals,
+                   const LoanAction &a)
+{
+    const Money fine = OverdueFine(a.actionDate, dueDate, a.fineAmount, a.fineInterval);
+    const QString memberKey = QStringLiteral(" WHERE transactionid = ") + num(transactionID) + QStringLiteral(" AND memberid = ")
+                              + num(memberID) + QStringLiteral(" AND membertype = '") + memberType + QStringLiteral("'");
+    if (fine > Money()) {
+        const auto fineRow = db.Execute(QStringLiteral("SELECT * FROM tbllibtransactionfines") + memberKey);
+        if (fineRow->atEnd()) {
+            db.Execute(QStringLiteral("Insert into tbllibtransactionfines(transactionid,memberid,membertype,fineamount,datefined)VALUES(")
+                       + num(transactionID) + QLatin1Char(',') + num(memberID) + QStringLiteral(",'") + memberType
+                       + QStringLiteral("',") + fine.toSqlText() + QStringLiteral(",#") + sqlDate(a.actionDate) + QStringLiteral("#)"));
+        } else {
+            const Money total = fineRow->field(QStringLiteral("fineamount")).toMoney() + fine;
+            db.Execute(QStringLiteral("UPDATE tbllibtransactionfines Set fineamount = ") + total.toSqlText()
+                       + QStringLiteral(", datefined = #") + sqlDate(a.actionDate) + QStringLiteral("#") + memberKey);
+        }
+    }
+    int changed = 0;
+    if (a.mode == QLatin1String("return")) {
+        db.Execute(QStringLiteral("Update tbllibtransactions set returndate =#") + sqlDate(a.actionDate)
+                       + QStringLiteral("#,extensions = 0, returned = true where accessionid = '") + a.accession
+                       + QStringLiteral("' and transactionid =") + num(transactionID),
+                   &changed);
+    } else if (a.mode == QLatin1String("renewal")) {
+        db.Execute(QStringLiteral("Update tbllibtransactions set duedate =#") + sqlDate(a.newDueDate) + QStringLiteral("#,extensions = ")
+                       + num(renewals) + QStringLiteral(" where accessionid = '") + a.accession + QStringLiteral("' and transactionid =")
+                       + num(transactionID),
+                   &changed);
+    } else {
+        return true; // any other mode charges the fine only
+    }
+    return changed > 0;
+}
+
 } // namespace
 
 Money OverdueFine(const QDate &actionDate, const QDate &dueDate, Money fineAmount, qint16 fineInterval)
@@ -101,63 +147,49 @@ bool MemberExists(int memberID, const QString &memberType)
 bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16 maximumRenewals, const QString &mode,
                        const QDate &newDueDate, Money fineAmount, qint16 fineInterval)
 {
+    const QString notOut = QStringLiteral("This accession number is not out on loan and cannot be returned or renewed");
     LibraryScope library;
-    const auto loan = library.query(QStringLiteral("select * from tbllibtransactions where accessionid = '") + accession
-                                    + QStringLiteral("' and returned =  false"));
-    if (loan->atEnd()) {
-        UserMessage(QStringLiteral("This accession number is not out on loan and cannot be returned or renewed"));
-        return false;
-    }
-    const int transactionID = loan->field(QStringLiteral("transactionid")).toInt();
-    const QString memberType = loan->field(QStringLiteral("membertype")).toString();
-    const int memberID = loan->field(QStringLiteral("memberid")).toInt();
-    IssueDeskState &desk = IssueDeskState::desk();
-    desk.ReturnTransaction = transactionID;
-    desk.UserReturnType = memberType;
-    desk.MemberID = memberID;
-
-    const qint16 extensions = loan->field(QStringLiteral("extensions")).isNull() ? 0 : loan->field(QStringLiteral("extensions")).toInt16();
-    if (extensions == 32767)
-        throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
-    const qint16 renewals = qint16(extensions + 1);
-    if (maximumRenewals != 0 && renewals > maximumRenewals) {
-        UserMessage(QStringLiteral("This item has been renewed for the maximum number of times for this user and must be returned"));
-        return false;
-    }
-
-    const Money fine = OverdueFine(actionDate, loan->field(QStringLiteral("duedate")).toDate(), fineAmount, fineInterval);
-    const QString memberKey = QStringLiteral(" WHERE transactionid = ") + num(transactionID) + QStringLiteral(" AND memberid = ")
-                              + num(memberID) + QStringLiteral(" AND membertype = '") + memberType + QStringLiteral("'");
-
-    // The fine and the loan change together or not at all.
     DbConnection &db = library.connection();
+    // The loan is read and changed under one write lock, so two desks closing the same loan
+    // cannot both find it open; the fine and the loan change together or not at all.
     db.BeginTrans();
+    QString refusal;
     try {
-        if (fine > Money()) {
-            const auto fineRow = db.Execute(QStringLiteral("SELECT * FROM tbllibtransactionfines") + memberKey);
-            if (fineRow->atEnd()) {
-                db.Execute(QStringLiteral("Insert into tbllibtransactionfines(transactionid,memberid,membertype,fineamount,datefined)VALUES(")
-                           + num(transactionID) + QLatin1Char(',') + num(memberID) + QStringLiteral(",'") + memberType
-                           + QStringLiteral("',") + fine.toSqlText() + QStringLiteral(",#") + sqlDate(actionDate) + QStringLiteral("#)"));
-            } else {
-                const Money total = fineRow->field(QStringLiteral("fineamount")).toMoney() + fine;
-                db.Execute(QStringLiteral("UPDATE tbllibtransactionfines Set fineamount = ") + total.toSqlText()
-                           + QStringLiteral(", datefined = #") + sqlDate(actionDate) + QStringLiteral("#") + memberKey);
-            }
+        const auto loan = db.Execute(QStringLiteral("select * from tbllibtransactions where accessionid = '") + accession
+                                     + QStringLiteral("' and returned =  false"));
+        if (loan->atEnd()) {
+            refusal = notOut;
+        } else {
+            const int transactionID = loan->field(QStringLiteral("transactionid")).toInt();
+            const QString memberType = loan->field(QStringLiteral("membertype")).toString();
+            const int memberID = loan->field(QStringLiteral("memberid")).toInt();
+            IssueDeskState &desk = IssueDeskState::desk();
+            desk.ReturnTransaction = transactionID;
+            desk.UserReturnType = memberType;
+            desk.MemberID = memberID;
+
+            const qint16 extensions = loan->field(QStringLiteral("extensions")).isNull() ? 0 : loan->field(QStringLiteral("extensions")).toInt16();
+            if (extensions == 32767)
+                throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
+            const qint16 renewals = qint16(extensions + 1);
+            if (maximumRenewals != 0 && renewals > maximumRenewals)
+                refusal = QStringLiteral("This item has been renewed for the maximum number of times for this user and must be returned");
+            else if (!closeOrExtend(db, loan->field(QStringLiteral("duedate")).toDate(), transactionID, memberID, memberType, renewals,
+                                    {accession, actionDate, mode, newDueDate, fineAmount, fineInterval}))
+                refusal = notOut;
         }
-        if (mode == QLatin1String("return")) {
-            db.Execute(QStringLiteral("Update tbllibtransactions set returndate =#") + sqlDate(actionDate)
-                       + QStringLiteral("#,extensions = 0, returned = true where accessionid = '") + accession
-                       + QStringLiteral("' and transactionid =") + num(transactionID));
-        } else if (mode == QLatin1String("renewal")) {
-            db.Execute(QStringLiteral("Update tbllibtransactions set duedate =#") + sqlDate(newDueDate) + QStringLiteral("#,extensions = ")
-                       + num(renewals) + QStringLiteral(" where accessionid = '") + accession + QStringLiteral("' and transactionid =")
-                       + num(transactionID));
-        }
-        db.CommitTrans();
+        if (refusal.isEmpty())
+            db.CommitTrans();
+        else
+            db.RollbackTrans();
     } catch (...) {
         db.RollbackTrans();
         throw;
+    }
+    // The lock is given up before the librarian is shown anything.
+    if (!refusal.isEmpty()) {
+        UserMessage(refusal);
+        return false;
     }
     return true;
 }

@@ -7,7 +7,11 @@
 #include "UpdateDatabase.h"
 #include "clsBusinessRules.h"
 
+#include "ConnectionPool.h"
+
+#include <QDateTime>
 #include <QObject>
+#include <QProcess>
 
 namespace {
 const Money Fifty = Money::fromUnits(5000);
@@ -272,4 +276,43 @@ TEST_F(LoanTest, BusinessRulesTellIssuedAndReservedItems)
     EXPECT_FALSE(flag);
     ASSERT_EQ(messages_->shown().size(), 2u); // the failed open, then the report
     EXPECT_TRUE(messages_->shown()[1].prompt.endsWith("Location: Business Rules\r\nProcedure: ItemReserved"));
+}
+
+TEST_F(LoanTest, AFineBeyondTheCurrencyRangeOverflowsAndWritesNothing)
+{
+    lend("A1", 1, "L", 12, QDate(2026, 11, 1));
+    const Money huge = Money::fromUnits(999999999999999990LL); // 99,999,999,999,999.999 a day
+    try {
+        ReturnOrRenewLoan("A1", QDate(2026, 11, 23), 0, "return", QDate(), huge, 1);
+        FAIL();
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.number(), AppError::Overflow);
+    }
+    EXPECT_TRUE(fineRows().isEmpty());
+    EXPECT_EQ(loanRow(), QStringList{"|False|0|2026-11-01"});
+}
+
+// Two desks (two processes) return the same overdue loan at the same moment: exactly one
+// succeeds, the other is told the copy is not out, and the fine is charged once.
+TEST_F(LoanTest, TwoDesksReturningOneLoanAtOnceFineItOnce)
+{
+    lend("A1", 1, "L", 12, QDate(2026, 11, 1));
+    for (int round = 0; round < 8; ++round) {
+        library("Update tblLibTransactions set Returned = false, ReturnDate = Null");
+        library("Delete * from tblLibTransactionFines");
+        ConnectionPool::shared().clear();
+        const QString start = QString::number(QDateTime::currentMSecsSinceEpoch() + 400);
+        QProcess desks[2];
+        for (QProcess &desk : desks)
+            desk.start(RETURN_RACE_HELPER, {libraryPath_, "A1", "2026-11-05", start});
+        QStringList answers;
+        for (QProcess &desk : desks) {
+            ASSERT_TRUE(desk.waitForFinished(30000));
+            answers << QString::fromLatin1(desk.readAllStandardOutput()).trimmed();
+        }
+        answers.sort();
+        EXPECT_EQ(answers, (QStringList{"false", "true"})) << "round " << round;
+        EXPECT_EQ(fineRows(), QStringList{"1|12|L|2|2026-11-05"}) << "round " << round;
+        EXPECT_EQ(loanRow(), QStringList{"2026-11-05|True|0|2026-11-01"});
+    }
 }
