@@ -206,6 +206,11 @@ void frmMainMenu::upgrade(const QString &probe, const QStringList &repairs)
 
 void frmMainMenu::upgradeStructure()
 {
+    // The upgrades write: they run on a library database only, never on another file the path may name.
+    const bool library = data_.TableExist(QStringLiteral("select ItemID from tblLibItems"));
+    data_.ConClose();
+    if (!library)
+        return;
     upgrade(QStringLiteral("select PhasedOut from tblLibItemLanguages"), {QStringLiteral("ALTER TABLE tblLibItemLanguages ADD PhasedOut Bit")});
     upgrade(QStringLiteral("select PhasedOut from tblLibSubjectCodes"), {QStringLiteral("ALTER TABLE tblLibSubjectCodes ADD PhasedOut Bit")});
     upgrade(QStringLiteral("select KeyID from tblLibKeywords"),
@@ -257,9 +262,10 @@ void frmMainMenu::cmdBrowse_Click()
     // The path is taken before the test, and kept even when the file is refused.
     LibraryDatabasePath = file;
     bool isLibrary = true;
-    OpenLibraryDatabase();
+    // Read only: finding out what the file is must not change it.
+    OpenLibraryDatabase(true);
     try {
-        LibraryConnection->Execute(QStringLiteral("Select * from tblLibItems"));
+        LibraryConnection->ExecuteCommand(QStringLiteral("Select * from tblLibItems"));
     } catch (const AppError &) {
         isLibrary = false;
     }

@@ -162,6 +162,37 @@ TEST_F(MainMenuTest, BrowsingToANonLibraryFileIsRefusedButThePathIsKept)
     EXPECT_EQ(LibraryDatabasePath, centralPath_);
 }
 
+// The school's database, as its own program leaves it (rollback journal), is never changed by
+// being looked at: not by browsing to it, not by a library path that names it.
+TEST_F(MainMenuTest, TheSchoolDatabaseIsNeverWrittenWhicheverWayItIsOpened)
+{
+    DatabaseFile::useRollbackJournal(centralPath_);
+    ConnectionPool::shared().clear();
+    auto fingerprint = [&] {
+        QFile f(centralPath_);
+        EXPECT_TRUE(f.open(QIODevice::ReadOnly));
+        return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha256);
+    };
+    const QByteArray before = fingerprint();
+    auto menu = start();
+    messages_->queueFileName(centralPath_);
+    child<QPushButton>(*menu, "cmdBrowse")->click();
+    EXPECT_EQ(messages_->prompts().last(), "The database you have selected is not an Veltrix Library database.");
+
+    // A start with the library path naming the school's database runs no upgrade on it.
+    SettingsStore(settingsFile_).setValue("LibraryDatabase", centralPath_);
+    settings_ = std::make_unique<SettingsStore>(settingsFile_);
+    frmMainMenu second(*settings_, screens_);
+    second.Form_Load();
+    menu.reset();
+    ConnectionPool::shared().clear();
+
+    EXPECT_EQ(fingerprint(), before);
+    EXPECT_FALSE(QFile::exists(centralPath_ + "-wal"));
+    EXPECT_FALSE(QFile::exists(centralPath_ + "-shm"));
+    EXPECT_TRUE(rowsIn(centralPath_, "select name from sqlite_master where name = 'tblLibKeywords'").isEmpty());
+}
+
 TEST_F(MainMenuTest, AnOlderReleaseDatabaseIsUpgradedOnceAndKeepsItsRows)
 {
     const QString old = path("old.db");
