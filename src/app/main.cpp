@@ -7,6 +7,7 @@
 #include "frmMainMenu.h"
 
 #include <QApplication>
+#include <QGuiApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QTimer>
@@ -37,47 +38,76 @@ int makeDemo(const QString &folder)
     return 0;
 }
 
+// Command-line modes that write files and need no window run without a display.
+bool runsWithoutWindow(int argc, char *argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray arg(argv[i]);
+        if (arg == "--make-demo" || arg.startsWith("--make-demo=") || arg == "-make-demo" || arg.startsWith("-make-demo="))
+            return true;
+    }
+    return false;
+}
+
+struct Options {
+    QCommandLineOption settingsFile{QStringLiteral("settings"), QStringLiteral("Use this settings file instead of the user's settings."), QStringLiteral("file")};
+    QCommandLineOption makeDemo{QStringLiteral("make-demo"), QStringLiteral("Write the demo school into a folder and exit."), QStringLiteral("folder")};
+    QCommandLineOption appFolder{QStringLiteral("app-folder"), QStringLiteral("Folder for LearnerPhotos and work files."), QStringLiteral("folder")};
+    QCommandLineOption library{QStringLiteral("library"), QStringLiteral("Use this library database for this run (nothing is saved)."), QStringLiteral("file")};
+    QCommandLineOption central{QStringLiteral("central"), QStringLiteral("Use this school database for this run (nothing is saved)."), QStringLiteral("file")};
+    QCommandLineOption quitAfterStart{QStringLiteral("quit-after-start"), QStringLiteral("Quit as soon as the main menu is shown (start-up timing).")};
+
+    void process(QCommandLineParser &parser, const QCoreApplication &app)
+    {
+        parser.setApplicationDescription(QStringLiteral("Shelvora school library"));
+        parser.addHelpOption();
+        parser.addVersionOption();
+        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &appFolder, &library, &central, &quitAfterStart})
+            parser.addOption(*o);
+        parser.process(app);
+    }
+};
+
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Shelvora"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(SHELVORA_VERSION));
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    if (runsWithoutWindow(argc, argv)) {
+        // The demo's learner photos are drawn with fonts, which need a GUI application but no screen.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        QGuiApplication app(argc, argv);
+        nameApplication();
+        QCommandLineParser parser;
+        Options options;
+        options.process(parser, app);
+        return makeDemo(parser.value(options.makeDemo));
+    }
+
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Shelvora"));
-    QApplication::setApplicationVersion(QStringLiteral(SHELVORA_VERSION));
-
+    nameApplication();
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Shelvora school library"));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption settingsFile(QStringLiteral("settings"), QStringLiteral("Use this settings file instead of the user's settings."), QStringLiteral("file"));
-    const QCommandLineOption makeDemoOption(QStringLiteral("make-demo"), QStringLiteral("Write the demo school into a folder and exit."), QStringLiteral("folder"));
-    const QCommandLineOption appFolder(QStringLiteral("app-folder"), QStringLiteral("Folder for LearnerPhotos and work files."), QStringLiteral("folder"));
-    const QCommandLineOption libraryOption(QStringLiteral("library"), QStringLiteral("Use this library database for this run (nothing is saved)."), QStringLiteral("file"));
-    const QCommandLineOption centralOption(QStringLiteral("central"), QStringLiteral("Use this school database for this run (nothing is saved)."), QStringLiteral("file"));
-    const QCommandLineOption quitAfterStart(QStringLiteral("quit-after-start"), QStringLiteral("Quit as soon as the main menu is shown (start-up timing)."));
-    parser.addOption(settingsFile);
-    parser.addOption(makeDemoOption);
-    parser.addOption(appFolder);
-    parser.addOption(libraryOption);
-    parser.addOption(centralOption);
-    parser.addOption(quitAfterStart);
-    parser.process(app);
+    Options options;
+    options.process(parser, app);
 
-    if (parser.isSet(makeDemoOption))
-        return makeDemo(parser.value(makeDemoOption));
-
-    SettingsStore settings(parser.value(settingsFile));
-    if (parser.isSet(libraryOption))
-        settings.overrideForThisRun(QLatin1String(SettingsStore::LibraryDatabaseKey), parser.value(libraryOption));
-    if (parser.isSet(centralOption))
-        settings.overrideForThisRun(QLatin1String(SettingsStore::CentralDatabaseKey), parser.value(centralOption));
-    if (parser.isSet(appFolder))
-        SetApplicationFolder(parser.value(appFolder));
+    SettingsStore settings(parser.value(options.settingsFile));
+    if (parser.isSet(options.library))
+        settings.overrideForThisRun(QLatin1String(SettingsStore::LibraryDatabaseKey), parser.value(options.library));
+    if (parser.isSet(options.central))
+        settings.overrideForThisRun(QLatin1String(SettingsStore::CentralDatabaseKey), parser.value(options.central));
+    if (parser.isSet(options.appFolder))
+        SetApplicationFolder(parser.value(options.appFolder));
 
     ScreenRegistry screens;
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
-    if (parser.isSet(quitAfterStart))
+    if (parser.isSet(options.quitAfterStart))
         QObject::connect(&menu, &frmMainMenu::shown, &app, [] { QTimer::singleShot(0, qApp, &QCoreApplication::quit); });
     menu.show();
     const int rc = app.exec();
