@@ -4,6 +4,10 @@ set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-base-dev-tools libgl-dev
           libsqlite3-dev libgtest-dev)
+# The fuzzers (tools/fuzz.sh) need clang and its sanitizer and libFuzzer runtimes.
+if [ "${1:-}" = "--fuzz" ]; then
+  packages=(clang libclang-rt-dev)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
