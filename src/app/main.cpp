@@ -1,4 +1,5 @@
 #include "AppError.h"
+#include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "SchoolGenerator.h"
 
@@ -105,6 +106,7 @@ int main(int argc, char *argv[])
         SetApplicationFolder(parser.value(options.appFolder));
 
     ScreenRegistry screens;
+    registerCirculationScreens(screens);
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
     if (parser.isSet(options.quitAfterStart))

@@ -229,7 +229,7 @@ bool MemberCanBorrow(int memberID, const QString &memberType, qint16 maximumItem
     return rs->field(QStringLiteral("total")).toLongLong() < maximumItems;
 }
 
-bool GetNextReservation(int itemID, qint16 memberID, const QString &memberType, QObject *screen)
+bool GetNextReservation(int itemID, int memberID, const QString &memberType, QObject *screen)
 {
     Q_UNUSED(memberType);
     std::shared_ptr<Recordset> reservation;

@@ -27,7 +27,7 @@ void GetItemHolder(int itemID, QString *memberType, QVariant *memberID);
 /// True when the member holds fewer open loans than maximumItems.
 bool MemberCanBorrow(int memberID, const QString &memberType, qint16 maximumItems);
 /// True when the item's oldest open reservation belongs to another member; names that member in the screen's "ReserveMember".
-bool GetNextReservation(int itemID, qint16 memberID, const QString &memberType, QObject *screen);
+bool GetNextReservation(int itemID, int memberID, const QString &memberType, QObject *screen);
 /// A member's identity number (admission number for learners) from the internal number; empty when not current.
 QVariant GetMemberIDNo(int memberID, const QString &memberType);
 /// A current member's internal number from the identity number; empty when there is none.

@@ -65,6 +65,7 @@ SpreadGrid::SpreadGrid(QWidget *parent) : QWidget(parent), model_(new SpreadMode
     connect(view_, &QTableView::clicked, this, [this](const QModelIndex &index) { clickCell(index.column() + 1, index.row() + 1); });
     connect(view_, &QTableView::doubleClicked, this,
             [this](const QModelIndex &index) { Q_EMIT cellDoubleClicked(index.column() + 1, index.row() + 1); });
+    connect(model_, &SpreadModel::userEdited, this, &SpreadGrid::cellEdited);
     connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int section) { Q_EMIT headerClicked(section + 1); });
 }
 
@@ -169,6 +170,24 @@ int SpreadGrid::selectedRow() const
 {
     const QModelIndexList rows = view_->selectionModel()->selectedRows();
     return rows.isEmpty() ? 0 : rows.first().row() + 1;
+}
+
+void SpreadGrid::defineColumns(std::initializer_list<std::pair<const char *, double>> columns)
+{
+    setMaxCols(int(columns.size()));
+    int col = 0;
+    for (const auto &[caption, width] : columns) {
+        ++col;
+        setCellText(col, 0, QString::fromUtf8(caption));
+        setColWidth(col, width);
+    }
+}
+
+void SpreadGrid::toggleCheck(int col, int row)
+{
+    if (row < 1 || row > maxRows() || model_->columnType(col) != SpreadModel::CellType::CheckBox)
+        return;
+    model_->setData(model_->index(row - 1, col - 1), isChecked(col, row) ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
 
 void SpreadGrid::clickCell(int col, int row)

@@ -6,6 +6,8 @@
 #include <QWidget>
 
 #include <array>
+#include <initializer_list>
+#include <utility>
 
 class QPaintDevice;
 class QPainter;
@@ -36,6 +38,9 @@ public:
     void beginFill() override;
     void endFill() override;
 
+    /// Sets the columns of a list: their number, captions and widths (characters), in order from column 1.
+    void defineColumns(std::initializer_list<std::pair<const char *, double>> columns);
+
     /// Check-box cells: ticked when the text is "1".
     bool isChecked(int col, int row) const { return model_->cellUtf8(col, row) == "1"; }
     void setChecked(int col, int row, bool checked) { setCellUtf8(col, row, checked ? "1" : "0"); }
@@ -43,6 +48,10 @@ public:
     /// Unlocked text columns may be edited in place.
     void setColumnLocked(int col, bool locked) { model_->setColumnLocked(col, locked); }
     void clearRows() { setMaxRows(0); }
+    /// Deletes one data row; the rows below move up.
+    void removeRow(int row) { model_->removeGridRow(row); }
+    /// What a click on a check-box cell does: toggles it and reports cellEdited.
+    void toggleCheck(int col, int row);
 
     int activeCol() const { return activeCol_; }
     int activeRow() const { return activeRow_; }
@@ -66,6 +75,8 @@ Q_SIGNALS:
     void cellClicked(int col, int row);
     void cellDoubleClicked(int col, int row);
     void buttonClicked(int col, int row);
+    /// The user ticked or unticked a check box, or edited a cell in place.
+    void cellEdited(int col, int row);
     /// A caption was clicked: screens that sort re-run their statement.
     void headerClicked(int col);
 

@@ -122,6 +122,21 @@ void SpreadModel::endBulk()
         endResetModel();
 }
 
+void SpreadModel::removeGridRow(int row)
+{
+    if (row < 1 || row > maxRows_)
+        return;
+    if (bulkDepth_ == 0)
+        beginRemoveRows(QModelIndex(), row - 1, row - 1);
+    for (Column &c : columns_)
+        if (size_t(row) < c.cells.size())
+            c.cells.erase(c.cells.begin() + row);
+    --maxRows_;
+    ensureRows(size_t(maxRows_));
+    if (bulkDepth_ == 0)
+        endRemoveRows();
+}
+
 void SpreadModel::changed(int col, int row)
 {
     if (bulkDepth_ > 0)
@@ -169,10 +184,12 @@ bool SpreadModel::setData(const QModelIndex &index, const QVariant &value, int r
     const int row = index.row() + 1;
     if (role == Qt::CheckStateRole && columnType(col) == CellType::CheckBox) {
         setCellUtf8(col, row, value.toInt() == Qt::Checked ? "1" : "0");
+        Q_EMIT userEdited(col, row);
         return true;
     }
     if (role == Qt::EditRole) {
         setCellUtf8(col, row, value.toString().toStdString());
+        Q_EMIT userEdited(col, row);
         return true;
     }
     return false;

@@ -31,6 +31,9 @@ public:
     CellType columnType(int col) const;
     void setColumnLocked(int col, bool locked);
 
+    /// Deletes one data row (1-based); the rows below move up and the row count drops by one.
+    void removeGridRow(int row);
+
     /// Suspends change signals while a large fill runs; the view is reset once at the end.
     void beginBulk();
     void endBulk();
@@ -41,6 +44,10 @@ public:
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    /// The user changed a cell in the view (ticked a box, edited a text); programs' writes are not reported.
+    void userEdited(int col, int row);
 
 private:
     struct Column {

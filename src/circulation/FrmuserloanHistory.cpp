@@ -1,0 +1,197 @@
+#include "FrmuserloanHistory.h"
+#include "ui_FrmuserloanHistory.h"
+
+#include "AppError.h"
+#include "Clock.h"
+#include "LoanRoutines.h"
+#include "Recordset.h"
+#include "SpreadGrid.h"
+#include "UpdateDatabase.h"
+#include "frmFinePayment.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+namespace {
+const QString Location = QStringLiteral("FrmUserLoanHistory");
+constexpr int AccessionColumn = 4;
+} // namespace
+
+FrmuserloanHistory::FrmuserloanHistory(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::FrmuserloanHistory>())
+{
+    ui->setupUi(this);
+    ui->gridLoans->defineColumns({{"Issue Date", 11}, {"Author", 8}, {"Title", 36}, {"Accession No", 12}, {"Due Date", 11}, {"Return Date", 11}});
+    ui->dtreturnDate->setDate(Clock::today());
+    connect(ui->optCurrent, &QRadioButton::clicked, this, [this] { LoadLoanHistory(QStringLiteral("C")); });
+    connect(ui->optHistory, &QRadioButton::clicked, this, [this] { LoadLoanHistory(QStringLiteral("H")); });
+    connect(ui->gridLoans, &SpreadGrid::cellClicked, this, &FrmuserloanHistory::gridLoans_Click);
+    connect(ui->cmdissue, &QPushButton::clicked, this, &FrmuserloanHistory::cmdissue_Click);
+    connect(ui->cmdRenew, &QPushButton::clicked, this, &FrmuserloanHistory::cmdRenew_Click);
+    connect(ui->cmdReturn, &QPushButton::clicked, this, &FrmuserloanHistory::cmdReturn_Click);
+    connect(ui->cmdFine, &QPushButton::clicked, this, &FrmuserloanHistory::cmdFine_Click);
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &FrmuserloanHistory::cmdPrint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
+}
+
+FrmuserloanHistory::~FrmuserloanHistory() = default;
+
+void FrmuserloanHistory::setMember(const QString &memberType, int memberID, const QString &displayName)
+{
+    memberType_ = memberType;
+    memberID_ = memberID;
+    ui->txtUsr->setText(displayName);
+    ui->optCurrent->setChecked(true);
+    LoadLoanHistory(QStringLiteral("C"));
+}
+
+void FrmuserloanHistory::LoadLoanHistory(const QString &mode)
+{
+    try {
+        const QString select = mode == QLatin1String("C")
+                                   ? QStringLiteral("SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Author1, tblLibItems.Title")
+                                   : QStringLiteral("SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate,  tblLibItems.Author1, tblLibItems.Title");
+        const QString where = mode == QLatin1String("C") ? QStringLiteral(" where returned = false and memberid = ") : QStringLiteral(" where memberid = ");
+        const int rows = data_.GetData(select + QStringLiteral(" FROM tblLibTransactions INNER JOIN tblLibItems ON tblLibTransactions.ItemID = tblLibItems.ItemID")
+                                       + where + QString::number(memberID_) + QStringLiteral(" and membertype = '") + memberType_ + QStringLiteral("'"));
+        SpreadGrid &grid = *ui->gridLoans;
+        grid.beginFill();
+        grid.setMaxRows(rows);
+        int row = 0;
+        const char *fields[] = {"issuedate", "author1", "title", "AccessionID", "DueDate", "ReturnDate"};
+        for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+            ++row;
+            for (int c = 1; c <= 6; ++c)
+                grid.setCellText(c, row, rs.field(QLatin1String(fields[c - 1])).toString());
+        }
+        grid.endFill();
+        data_.CloseCompact();
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(QStringLiteral("FrmuserloanHistory"), QStringLiteral("Load Loan History Routine"), e);
+    }
+}
+
+void FrmuserloanHistory::gridLoans_Click(int col, int row)
+{
+    if (col == AccessionColumn && row >= 1 && row <= ui->gridLoans->maxRows())
+        ui->txtAccNo->setText(ui->gridLoans->cellText(AccessionColumn, row));
+}
+
+bool FrmuserloanHistory::GetLoanDefaults(const QString &accession)
+{
+    try {
+        rules_.load(data_, accession, memberType_);
+        maxItems_ = rules_.shown.value(2).toShort();
+        maxRenewals_ = LoanRules::maxRenewals(data_);
+        return true;
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Get Loan Defaults Routine"), e);
+        return false;
+    }
+}
+
+void FrmuserloanHistory::actionDone(const QString &message)
+{
+    UserMessage(message);
+    ui->optCurrent->setChecked(true);
+    LoadLoanHistory(QStringLiteral("C"));
+}
+
+void FrmuserloanHistory::cmdissue_Click()
+{
+    try {
+        const QString accession = ui->txtAccNo->text().trimmed();
+        if (!GetLoanDefaults(accession))
+            return;
+        if (rules_.ReferenceItem || rules_.RestrictedItem) {
+            UserMessage(QStringLiteral("This item is a restricted or reference item and is not availabe for loan."));
+            return;
+        }
+        const QDate due = Clock::today().addDays(rules_.LoanPeriod);
+        const char *refusal = nullptr;
+        if (!MemberExists(memberID_, memberType_))
+            refusal = "This member number does not exist";
+        else if (!MemberCanBorrow(memberID_, memberType_, maxItems_))
+            refusal = "This member already has the maximum number of items on loan";
+        else if (!GetItemByAccession(accession, this))
+            refusal = "This accession number does not exist";
+        else if (!ItemAvailable(accession))
+            refusal = "This accession number is still out on loan and must be returned before it can be issued again";
+        if (refusal) {
+            UserMessage(QString::fromLatin1(refusal));
+            return;
+        }
+        if (GetNextReservation(ItemID, memberID_, memberType_, this)) {
+            UserMessage(QStringLiteral("This item has been reserved for ") + ReserveMember + QStringLiteral(" and cannot be issued."));
+            return;
+        }
+        RecordIssue(data_, accession, memberType_, memberID_, ItemID, due, QStringLiteral("select transactionid from tblLibTransactions where memberid =  "));
+        actionDone(QStringLiteral("Your item has been issued"));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Issue Item Routine"), e);
+    }
+}
+
+void FrmuserloanHistory::cmdRenew_Click()
+{
+    try {
+        const QString accession = ui->txtAccNo->text().trimmed();
+        if (!GetItemByAccession(accession, this)) {
+            UserMessage(QStringLiteral("This accession number does not exist"));
+            return;
+        }
+        if (ItemAvailable(accession)) {
+            UserMessage(QStringLiteral("This accession number is not on loan and cannot be renewed"));
+            return;
+        }
+        if (!GetLoanDefaults(accession))
+            return;
+        // Unlike the desk, a reserved item may be renewed here.
+        const QDate due = Clock::today().addDays(rules_.ExtensionDays);
+        if (ReturnOrRenewLoan(accession, Clock::today(), maxRenewals_, QStringLiteral("renewal"), due, rules_.FineAmount, rules_.FineInterval))
+            actionDone(QStringLiteral("Your item has been renewed"));
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Renew Item Routine"), e);
+    }
+}
+
+void FrmuserloanHistory::cmdReturn_Click()
+{
+    try {
+        const QString accession = ui->txtAccNo->text().trimmed();
+        if (!GetItemByAccession(accession, this)) {
+            UserMessage(QStringLiteral("This accession number does not exist"));
+            return;
+        }
+        if (ItemAvailable(accession)) {
+            UserMessage(QStringLiteral("This accession number is not on loan and cannot be returned"));
+            return;
+        }
+        if (!GetLoanDefaults(accession))
+            return;
+        if (!ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), 0, QStringLiteral("return"), QDate(), rules_.FineAmount, rules_.FineInterval))
+            return;
+        // The reservation is looked at once the loan is closed.
+        if (GetNextReservation(ItemID, memberID_, memberType_, this))
+            UserMessage(QStringLiteral("This item has been reserved for ") + ReserveMember + QStringLiteral(" and must be kept aside."));
+        actionDone(QStringLiteral("Your item has been returned"));
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Return Item Routine"), e);
+    }
+}
+
+void FrmuserloanHistory::cmdFine_Click()
+{
+    frmFinePayment fines(this);
+    fines.exec();
+}
+
+void FrmuserloanHistory::cmdPrint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintPortrait, QStringLiteral("User Loan History"), *ui->gridLoans);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Print Routine"), e);
+    }
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "LoanRules.h"
+#include "clsDataObject.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class FrmuserloanHistory;
+}
+
+/// "User Loan History": one member's current loans or every loan the member had, and issue,
+/// renewal and return for that member without going to the desk.
+class FrmuserloanHistory : public QDialog {
+    Q_OBJECT
+    Q_PROPERTY(int ItemID MEMBER ItemID)
+    Q_PROPERTY(QString ReserveMember MEMBER ReserveMember)
+public:
+    explicit FrmuserloanHistory(QWidget *parent = nullptr);
+    ~FrmuserloanHistory() override;
+
+    /// The member whose loans are shown: kind ("L", "E", "S"), internal number and display name.
+    /// Shows the current loans.
+    void setMember(const QString &memberType, int memberID, const QString &displayName);
+
+    int ItemID = 0;
+    QString ReserveMember;
+
+public Q_SLOTS:
+    void LoadLoanHistory(const QString &mode);
+    void gridLoans_Click(int col, int row);
+    void cmdissue_Click();
+    void cmdRenew_Click();
+    void cmdReturn_Click();
+    void cmdFine_Click();
+    void cmdPrint_Click();
+
+private:
+    bool GetLoanDefaults(const QString &accession);
+    void actionDone(const QString &message);
+
+    std::unique_ptr<Ui::FrmuserloanHistory> ui;
+    clsDataObject data_;
+    LoanRules rules_;
+    QString memberType_;
+    int memberID_ = 0;
+    qint16 maxItems_ = 0;
+    qint16 maxRenewals_ = 0;
+};

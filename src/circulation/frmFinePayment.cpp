@@ -1,0 +1,242 @@
+#include "frmFinePayment.h"
+#include "ui_frmFinePayment.h"
+
+#include "AppError.h"
+#include "Clock.h"
+#include "LoanRoutines.h"
+#include "LoanRules.h"
+#include "MemberLists.h"
+#include "Money.h"
+#include "Recordset.h"
+#include "SpreadGrid.h"
+#include "UpdateDatabase.h"
+#include "mCombo.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+namespace {
+const QString Location = QStringLiteral("frmFinePayment");
+constexpr int PaymentColumn = 6, CancelColumn = 7;
+
+// A cell read as a number, as the old runtime converted it: an empty or non-numeric cell is a type mismatch.
+double number(const QString &text)
+{
+    bool ok = false;
+    const double value = text.trimmed().toDouble(&ok);
+    if (!ok)
+        throw AppError(AppError::TypeMismatch, QStringLiteral("Type mismatch"));
+    return value;
+}
+} // namespace
+
+frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmFinePayment>())
+{
+    ui->setupUi(this);
+    new ComboTypeAhead(ui->cboMembers);
+    ui->fpSpreadFined->defineColumns({{"AccessionNo", 12}, {"Title", 34}, {"Due Date", 11}, {"Returned Date", 12}, {"Fine Amount", 10},
+                                      {"Payment", 8}, {"Cancel", 7}});
+    ui->fpSpreadFined->setColumnType(PaymentColumn, SpreadModel::CellType::CheckBox);
+    ui->fpSpreadFined->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
+    ui->fpSpreadPayCancel->defineColumns({{"AccessionNo", 12}, {"Amount", 10}, {"Payment Date", 12}, {"Cancel", 7}});
+    for (QRadioButton *option : {ui->optLearner, ui->optEducator, ui->optStaff})
+        connect(option, &QRadioButton::clicked, this, &frmFinePayment::optKind_Click);
+    connect(ui->cboMembers, &QComboBox::activated, this, &frmFinePayment::cboMembers_Click);
+    connect(ui->cmdFind, &QPushButton::clicked, this, &frmFinePayment::cmdFind_Click);
+    connect(ui->txtmemberID, &QLineEdit::returnPressed, this, &frmFinePayment::cmdFind_Click);
+    connect(ui->fpSpreadFined, &SpreadGrid::cellEdited, this, &frmFinePayment::GetTicked);
+    connect(ui->btnRemove, &QPushButton::clicked, this, &frmFinePayment::btnRemove_Click);
+    connect(ui->cmdPaymentProcess, &QPushButton::clicked, this, &frmFinePayment::cmdPaymentProcess_Click);
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &frmFinePayment::cmdPrint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
+    FillMembers();
+    ClearSpreads();
+}
+
+frmFinePayment::~frmFinePayment() = default;
+
+void frmFinePayment::optKind_Click()
+{
+    kind_ = MemberKind(ui->optLearner, ui->optEducator);
+    FillMembers();
+}
+
+void frmFinePayment::FillMembers()
+{
+    try {
+        if (kind_ == QLatin1String("L"))
+            FillMemberCombo(ui->cboMembers, QStringLiteral("Select id,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' order by sname,fname"),
+                            QStringLiteral("id"), {QStringLiteral("sname"), QStringLiteral("fname"), QStringLiteral("classname"), QStringLiteral("accessionno")});
+        else if (kind_ == QLatin1String("E"))
+            FillMemberCombo(ui->cboMembers, QStringLiteral("Select edid,sname,fname from Educators where status = 'C' order by sname,fname"),
+                            QStringLiteral("edid"), {QStringLiteral("sname"), QStringLiteral("fname")});
+        else
+            FillMemberCombo(ui->cboMembers, QStringLiteral("Select staffid,sname,fname from staffmembers where status = 'C' order by sname,fname"),
+                            QStringLiteral("staffid"), {QStringLiteral("sname"), QStringLiteral("fname")});
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("FillMembers"), e);
+    }
+}
+
+void frmFinePayment::cboMembers_Click()
+{
+    if (ui->cboMembers->currentIndex() < 0)
+        return;
+    try {
+        ClearSpreads();
+        ui->txtmemberID->setText(GetMemberIDNo(ui->cboMembers->currentData().toInt(), kind_).toString());
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("cboMembers_Click"), e);
+    }
+}
+
+QString frmFinePayment::finesOfMember() const
+{
+    return QStringLiteral("SELECT tblLibTransactionFines.transactionid,tblLibTransactionFines.FineAmount, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Title, tblLibItems.AccessionID")
+           + QStringLiteral(" FROM (tblLibTransactionFines INNER JOIN tblLibTransactions ON tblLibTransactionFines.TransactionID = tblLibTransactions.TransactionID) INNER JOIN tblLibItems ON tblLibTransactions.ItemID = tblLibItems.ItemID")
+           + QStringLiteral(" where tblLibTransactionFines.MemberType = '") + kind_ + QStringLiteral("' and tblLibTransactionFines.MemberID = ") + member_
+           + QStringLiteral(" and (finecancelled = false and isnull(paymentdate) = -1)");
+}
+
+void frmFinePayment::cmdFind_Click()
+{
+    try {
+        ClearSpreads();
+        const QString number = ui->txtmemberID->text();
+        if (number.isEmpty()) {
+            UserMessage(QStringLiteral("Please enter a member number to search for a fine record"));
+            return;
+        }
+        kind_ = MemberKind(ui->optLearner, ui->optEducator);
+        const QVariant member = GetMemberByIDNo(number, kind_);
+        member_ = QString::number(member.isNull() ? 0 : member.toInt());
+        LoadFines(finesOfMember() + QStringLiteral(" order by tblLibItems.Title"));
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("cmdFind_Click"), e);
+    }
+}
+
+void frmFinePayment::LoadFines(const QString &sql)
+{
+    SpreadGrid &grid = *ui->fpSpreadFined;
+    data_.GetData(sql);
+    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+        const int row = grid.maxRows() + 1;
+        grid.setMaxRows(row);
+        grid.setCellText(0, row, rs.field(QStringLiteral("transactionid")).toString());
+        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
+        grid.setCellText(2, row, rs.field(QStringLiteral("Title")).toString());
+        grid.setCellText(3, row, rs.field(QStringLiteral("DueDate")).toString());
+        grid.setCellText(4, row, rs.field(QStringLiteral("ReturnDate")).toString());
+        grid.setCellText(5, row, rs.field(QStringLiteral("FineAmount")).toString());
+        grid.setChecked(PaymentColumn, row, false);
+        grid.setChecked(CancelColumn, row, false);
+    }
+    data_.CloseCompact();
+}
+
+void frmFinePayment::GetTicked(int col, int row)
+{
+    SpreadGrid &grid = *ui->fpSpreadFined;
+    if ((col != PaymentColumn && col != CancelColumn) || row < 1 || row > grid.maxRows() || !grid.isChecked(col, row))
+        return;
+    AddToProcessList(grid.cellText(0, row), grid.cellText(1, row), grid.cellText(5, row), col == CancelColumn);
+    grid.removeRow(row);
+    GetTotal();
+    markPending(true);
+}
+
+void frmFinePayment::AddToProcessList(const QString &transactionID, const QString &accession, const QString &amount, bool cancel)
+{
+    SpreadGrid &grid = *ui->fpSpreadPayCancel;
+    const int row = grid.maxRows() + 1;
+    grid.setMaxRows(row);
+    grid.setCellText(0, row, transactionID);
+    grid.setCellText(1, row, accession);
+    grid.setCellText(2, row, amount);
+    grid.setCellText(3, row, SqlDate(Clock::today()));
+    grid.setCellText(4, row, cancel ? QStringLiteral("1") : QStringLiteral("0"));
+    GetTotal();
+}
+
+void frmFinePayment::GetTotal()
+{
+    const SpreadGrid &grid = *ui->fpSpreadPayCancel;
+    Money total;
+    for (int row = 1; row <= grid.maxRows(); ++row) {
+        Money amount;
+        if (grid.cellText(4, row) != QLatin1String("1") && Money::parse(grid.cellText(2, row), &amount))
+            total += amount;
+    }
+    ui->txtTotal->setText(total.toDisplayText());
+}
+
+void frmFinePayment::ClearSpreads()
+{
+    ui->fpSpreadFined->clearRows();
+    ui->fpSpreadPayCancel->clearRows();
+}
+
+void frmFinePayment::btnRemove_Click()
+{
+    try {
+        SpreadGrid &list = *ui->fpSpreadPayCancel;
+        const int row = ui->txtRow->text().trimmed().toInt();
+        if (row == 0 || list.maxRows() == 0 || row > list.maxRows())
+            return;
+        const QString transaction = QString::number(list.cellText(0, row).toInt());
+        list.removeRow(row);
+        LoadFines(finesOfMember() + QStringLiteral(" ") + QStringLiteral(" and (tblLibTransactionFines.transactionid = ") + transaction + QStringLiteral(")"));
+        ui->txtRow->clear();
+        GetTotal();
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("btnRemove_Click"), e);
+    }
+}
+
+void frmFinePayment::markPending(bool pending)
+{
+    ui->cmdPaymentProcess->setPalette(pending ? QPalette(QColor(255, 255, 128)) : QPalette());
+    ui->cmdPaymentProcess->setProperty("pending", pending);
+}
+
+void frmFinePayment::cmdPaymentProcess_Click()
+{
+    try {
+        markPending(false);
+        SpreadGrid &list = *ui->fpSpreadPayCancel;
+        if (list.maxRows() == 0) {
+            UserMessage(QStringLiteral("Please select an item to process"));
+            return;
+        }
+        const int rows = list.maxRows();
+        for (int row = 1; row <= rows; ++row) {
+            // The grids are emptied after each statement, as the screen always did: a second pass reads empty cells.
+            const qint64 transaction = qint64(number(list.cellText(0, row)));
+            const double amount = number(list.cellText(2, row));
+            const QDate paid = QDate::fromString(list.cellText(3, row), QStringLiteral("yyyy-MM-dd"));
+            const bool cancel = number(list.cellText(4, row)) == 1;
+            if (cancel)
+                data_.ExecuteNonQuery(QStringLiteral(" Update tblLibTransactionFines") + QStringLiteral(" Set FineCancelled = true")
+                                      + QStringLiteral(" Where TransactionID = ") + QString::number(transaction));
+            else
+                data_.ExecuteNonQuery(QStringLiteral(" Update tblLibTransactionFines") + QStringLiteral(" Set PaymentDate = #") + SqlDate(paid)
+                                      + QStringLiteral("#") + QStringLiteral(" , PaymentAmount = ") + QString::number(amount, 'g', 15)
+                                      + QStringLiteral(" Where TransactionID = ") + QString::number(transaction));
+            ClearSpreads();
+            ui->txtTotal->setText(QStringLiteral("0"));
+        }
+        UserMessage(QStringLiteral("Processed Successfully"));
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Process"), e);
+    }
+}
+
+void frmFinePayment::cmdPrint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintPortrait, QStringLiteral("FinePayment"), *ui->fpSpreadPayCancel);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Print Routine"), e);
+    }
+}

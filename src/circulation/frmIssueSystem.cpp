@@ -1,0 +1,452 @@
+#include "frmIssueSystem.h"
+#include "ui_frmIssueSystem.h"
+
+#include "AppError.h"
+#include "Clock.h"
+#include "DbConnection.h"
+#include "IssueDeskState.h"
+#include "LoanRoutines.h"
+#include "MemberLists.h"
+#include "Recordset.h"
+#include "SettingsStore.h"
+#include "SpreadGrid.h"
+#include "UpdateDatabase.h"
+#include "clsTSQL.h"
+#include "mCombo.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QPixmap>
+#include <QTableView>
+
+namespace {
+
+const QString IssueLocation = QStringLiteral("FrmissueSystem");
+const QString ReturnLocation = QStringLiteral("frmIssueSystem");
+const QString All = QStringLiteral("All");
+
+} // namespace
+
+frmIssueSystem::frmIssueSystem(QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::frmIssueSystem>()), rules_(IssueDeskState::desk().LoanType)
+{
+    ui->setupUi(this);
+    new ComboTypeAhead(ui->cboMember);
+    SpreadGrid &loan = *ui->gridloan;
+    loan.setMaxCols(12);
+    loan.setMaxRows(1);
+    const char *labels[] = {"Type of loan", "Loan Period", "Max Items", "Fine Amount", "Fine Interval", "Extension"};
+    for (int i = 0; i < 6; ++i) {
+        loan.setCellText(2 * i + 1, 1, QString::fromLatin1(labels[i]));
+        loan.setColWidth(2 * i + 1, 11);
+        loan.setColWidth(2 * i + 2, 5);
+    }
+    ui->gridtransactions->defineColumns({{"AccessionNo", 12}, {"Item Title", 34}, {"Transaction", 11}, {"User ID", 8}, {"User", 28},
+                                         {"Fine", 8}, {"Date", 11}, {"Due Date", 11}, {"Renewals", 8}});
+
+    connect(ui->optLearner, &QRadioButton::clicked, this, &frmIssueSystem::optLearner_Click);
+    connect(ui->optEducator, &QRadioButton::clicked, this, &frmIssueSystem::optEducator_Click);
+    connect(ui->optStaff, &QRadioButton::clicked, this, &frmIssueSystem::optStaff_Click);
+    connect(ui->cboGrade, &QComboBox::activated, this, &frmIssueSystem::cboGrade_Click);
+    connect(ui->cboClass, &QComboBox::activated, this, &frmIssueSystem::cboClass_Click);
+    connect(ui->cboMember, &QComboBox::activated, this, &frmIssueSystem::cboMember_Click);
+    connect(ui->cmdValidate, &QPushButton::clicked, this, &frmIssueSystem::cmdValidate_Click);
+    connect(ui->cmdLoanProcess, &QPushButton::clicked, this, &frmIssueSystem::cmdLoanProcess_Click);
+    connect(ui->cmdProcess, &QPushButton::clicked, this, &frmIssueSystem::cmdProcess_Click);
+    connect(ui->optReturn, &QRadioButton::clicked, this, &frmIssueSystem::optReturn_Click);
+    connect(ui->optRenew, &QRadioButton::clicked, this, &frmIssueSystem::optRenew_Click);
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &frmIssueSystem::cmdPrint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &frmIssueSystem::cmdDone_Click);
+    // A barcode scanner types the number and presses Enter.
+    connect(ui->txtLoanAccession, &QLineEdit::returnPressed, this, &frmIssueSystem::cmdLoanProcess_Click);
+    connect(ui->txtAccessionReturn, &QLineEdit::returnPressed, this, &frmIssueSystem::cmdProcess_Click);
+
+    ui->dtreturnDate->setDate(Clock::today());
+    try {
+        MaxRenewals = LoanRules::maxRenewals(data_);
+    } catch (const AppError &e) {
+        ReportError(IssueLocation, QStringLiteral("Load Loan Defaults"), e);
+    }
+    memberTypeChosen(QStringLiteral("L"));
+    ui->DTPicker1->setDate(Clock::today());
+    if (ui->optRenew->isChecked())
+        optRenew_Click();
+    else
+        optReturn_Click();
+}
+
+frmIssueSystem::~frmIssueSystem() = default;
+
+void frmIssueSystem::optLearner_Click() { memberTypeChosen(QStringLiteral("L")); }
+void frmIssueSystem::optEducator_Click() { memberTypeChosen(QStringLiteral("E")); }
+void frmIssueSystem::optStaff_Click() { memberTypeChosen(QStringLiteral("S")); }
+
+void frmIssueSystem::memberTypeChosen(const QString &type)
+{
+    memberType_ = type;
+    const bool learner = type == QLatin1String("L");
+    ui->cmdValidate->setEnabled(learner);
+    ui->cboGrade->setEnabled(learner);
+    ui->cboClass->setEnabled(learner);
+    LoadComboBox();
+}
+
+QString frmIssueSystem::learnerFilter(QComboBox *combo) const
+{
+    return combo->currentIndex() < 0 ? All : combo->currentText();
+}
+
+void frmIssueSystem::LoadComboBox()
+{
+    try {
+        if (memberType_ == QLatin1String("E")) {
+            FillMemberCombo(ui->cboMember, QStringLiteral("Select edid,sname,fname from Educators where status = 'C' order by sname,fname"),
+                            QStringLiteral("edid"), {QStringLiteral("sname"), QStringLiteral("fname")});
+        } else if (memberType_ == QLatin1String("S")) {
+            FillMemberCombo(ui->cboMember, QStringLiteral("Select staffid,sname,fname from staffmembers where status = 'C' order by sname,fname"),
+                            QStringLiteral("staffid"), {QStringLiteral("sname"), QStringLiteral("fname")});
+        } else {
+            const QSignalBlocker quiet(ui->cboGrade);
+            ui->cboGrade->clear();
+            ui->cboGrade->addItem(All);
+            const auto grades = CentralQuery(clsTSQL().spSchoolGradesListSpesific(CurrentYear()));
+            for (; !grades->atEnd(); grades->MoveNext())
+                ui->cboGrade->addItem(grades->field(QStringLiteral("Name")).toString(), grades->field(QStringLiteral("ID")).toInt());
+            ui->cboGrade->setCurrentIndex(-1);
+            ui->cboGrade->setEditText(QStringLiteral("Optional Grade Filter"));
+            loadLearners();
+        }
+    } catch (const AppError &e) {
+        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
+    }
+}
+
+void frmIssueSystem::loadLearners()
+{
+    FillMemberCombo(ui->cboMember, clsTSQL().spLearnersListSpesific(learnerFilter(ui->cboGrade), learnerFilter(ui->cboClass), CurrentYear()),
+                    QStringLiteral("ID"), {QStringLiteral("SName"), QStringLiteral("FName"), QStringLiteral("AccessionNo"), QStringLiteral("ClassName")});
+}
+
+void frmIssueSystem::cboGrade_Click()
+{
+    try {
+        const QSignalBlocker quiet(ui->cboClass);
+        ui->cboClass->clear();
+        ui->cboClass->addItem(All);
+        const auto classes = CentralQuery(clsTSQL().spClassesListSpesific(learnerFilter(ui->cboGrade), CurrentYear()));
+        for (; !classes->atEnd(); classes->MoveNext())
+            ui->cboClass->addItem(classes->field(QStringLiteral("ClassName")).toString(), classes->field(QStringLiteral("ClassID")).toInt());
+        ui->cboClass->setCurrentIndex(-1);
+        ui->cboClass->setEditText(QStringLiteral("Optional Class Filter"));
+        loadLearners();
+        ui->txtmemberID->clear();
+    } catch (const AppError &e) {
+        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
+    }
+}
+
+void frmIssueSystem::cboClass_Click()
+{
+    try {
+        loadLearners();
+        ui->txtmemberID->clear();
+    } catch (const AppError &e) {
+        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
+    }
+}
+
+void frmIssueSystem::cboMember_Click()
+{
+    if (ui->cboMember->currentIndex() < 0)
+        return;
+    try {
+        ui->txtmemberID->setText(GetMemberIDNo(ui->cboMember->currentData().toInt(), memberType_).toString());
+    } catch (const AppError &e) {
+        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
+    }
+}
+
+void frmIssueSystem::cmdValidate_Click()
+{
+    try {
+        const QString accession = ui->txtLoanAccession->text().trimmed();
+        const QString number = ui->txtmemberID->text().trimmed();
+        if (accession.isEmpty() && number.isEmpty()) {
+            UserMessage(QStringLiteral("Please enter either a Book or Learner Accession number to continue."));
+            return;
+        }
+        QString first = QStringLiteral(" => The item was not found, and ");
+        if (data_.GetData(clsTSQL().spCatalogue(accession)) > 0) {
+            ui->txtTitle->setText(data_.rst->field(QStringLiteral("Title")).toString());
+            first = QStringLiteral(" => Item found, and ");
+        }
+        data_.CloseCompact();
+
+        QString second = QStringLiteral(" => Learner not found.");
+        const QVariant learner = GetMemberByIDNo(number, QStringLiteral("L"));
+        const auto photo = learner.isNull() ? nullptr : CentralQuery(clsTSQL().spLearnerPhoto(learner.toInt()));
+        if (photo && !photo->atEnd()) {
+            ComboSelect(ui->cboMember, learner);
+            const auto details = CentralQuery(QStringLiteral("Select Learner_Info.FName, Learner_Info.SName, Learner_Info.Grade, Classes.ClassName from Learner_Info "
+                                                        "left join Classes on Learner_Info.Class = Classes.ClassID where Learner_Info.[ID] = ")
+                                         + QString::number(learner.toInt()));
+            if (!details->atEnd()) {
+                ui->txtName->setText(details->field(QStringLiteral("FName")).toString() + QLatin1Char(' ')
+                                     + details->field(QStringLiteral("SName")).toString());
+                ui->txtGrade->setText(details->field(QStringLiteral("Grade")).toString());
+                if (!details->field(QStringLiteral("ClassName")).isNull())
+                    ui->txtClass->setText(details->field(QStringLiteral("ClassName")).toString());
+            }
+            const QString file = QDir(ApplicationFolder()).filePath(QStringLiteral("LearnerPhotos/") + photo->field(QStringLiteral("Photoname")).toString());
+            if (FileExists(file)) {
+                LoadPhoto(file);
+                second = QStringLiteral(" => Learner information has been validated");
+            } else {
+                ui->imgPhoto->clear();
+                second = QStringLiteral(" => The learner exists, but the identity photo was not found.");
+            }
+        }
+        UserMessage(first + QStringLiteral("\r\n") + second);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(IssueLocation, QStringLiteral("Issue Item Routine"), e);
+    }
+}
+
+bool frmIssueSystem::FileExists(const QString &path) const
+{
+    const QFileInfo info(path);
+    return info.exists() && info.isFile();
+}
+
+void frmIssueSystem::LoadPhoto(const QString &path)
+{
+    const QPixmap picture(path);
+    ui->imgPhoto->setPixmap(picture.scaled(ui->imgPhoto->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+}
+
+bool frmIssueSystem::LoadLoanDefaults(const QString &accession, const QString &category)
+{
+    try {
+        rules_.load(data_, accession, category);
+        IssueDeskState::desk().LoanType = rules_.LoanType;
+        for (int i = 0; i < 6; ++i)
+            ui->gridloan->setCellText(2 * i + 2, 1, rules_.shown.value(i));
+        return true;
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(IssueLocation, QStringLiteral("Load Loan Defaults"), e);
+        return false;
+    }
+}
+
+void frmIssueSystem::readyForScan(QLineEdit *box)
+{
+    box->setFocus();
+    box->selectAll();
+}
+
+void frmIssueSystem::cmdLoanProcess_Click()
+{
+    IssueDeskState &desk = IssueDeskState::desk();
+    try {
+        const QString accession = ui->txtLoanAccession->text().trimmed();
+        if (accession.isEmpty()) {
+            UserMessage(QStringLiteral("Please enter item accession number to continue."));
+            readyForScan(ui->txtLoanAccession);
+            return;
+        }
+        if (ui->txtmemberID->text().trimmed().isEmpty()) {
+            UserMessage(QStringLiteral("Please enter member number to continue."));
+            ui->txtmemberID->setFocus();
+            return;
+        }
+        const QString type = MemberKind(ui->optLearner, ui->optEducator);
+        if (!LoadLoanDefaults(accession, type))
+            return;
+        QString maxItemsText = ui->gridloan->cellText(6, 1).trimmed();
+        if (maxItemsText.isEmpty())
+            maxItemsText = QStringLiteral("0");
+        bool numeric = false;
+        const qint16 maxItems = maxItemsText.toShort(&numeric);
+        if (!numeric)
+            throw AppError(AppError::TypeMismatch, QStringLiteral("Type mismatch"));
+        if (rules_.ReferenceItem || rules_.RestrictedItem) {
+            UserMessage(QStringLiteral("This item is a restricted or reference item and is not availabe for loan."));
+            readyForScan(ui->txtLoanAccession);
+            return;
+        }
+        const QDate due = ui->DTPicker1->date().addDays(rules_.LoanPeriod);
+        ui->txtDueDate->setText(SqlDate(due));
+        const QString number = ui->txtmemberID->text().trimmed();
+        if (number.isEmpty()) {
+            UserMessage(QStringLiteral("Please enter a member ID to continue"));
+            return;
+        }
+        const QVariant member = GetMemberByIDNo(number, type);
+        desk.MemberID = member.isNull() ? 0 : member.toInt();
+        const char *refusal = nullptr;
+        if (!MemberExists(desk.MemberID, type))
+            refusal = "This member ID does not exist";
+        else if (!MemberCanBorrow(desk.MemberID, type, maxItems))
+            refusal = "This member already has the maximum number of items on loan";
+        else if (!GetItemByAccession(accession, &desk))
+            refusal = "This item accession number does not exist";
+        else if (!ItemAvailable(accession))
+            refusal = "This item is still out on loan and must be returned before it can be issued again";
+        if (refusal) {
+            UserMessage(QString::fromLatin1(refusal));
+            readyForScan(ui->txtLoanAccession);
+            return;
+        }
+        if (GetNextReservation(desk.ItemID, desk.MemberID, type, &desk)) {
+            UserMessage(QStringLiteral("This item has been reserved for ") + desk.ReserveMember + QStringLiteral(" and cannot be issued."));
+            readyForScan(ui->txtLoanAccession);
+            return;
+        }
+        desk.ReturnTransaction = RecordIssue(data_, accession, type, desk.MemberID, desk.ItemID, due,
+                                             QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
+        action_ = QStringLiteral("Issue");
+        LoadLoanGrid();
+        ui->txtLoanAccession->clear();
+        ui->txtLoanAccession->setFocus();
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(IssueLocation, QStringLiteral("Issue Item Routine"), e);
+        readyForScan(ui->txtLoanAccession);
+    }
+}
+
+void frmIssueSystem::cmdProcess_Click()
+{
+    IssueDeskState &desk = IssueDeskState::desk();
+    try {
+        const QString accession = ui->txtAccessionReturn->text().trimmed();
+        if (accession.isEmpty()) {
+            UserMessage(QStringLiteral("Please enter item accession number to continue."));
+            readyForScan(ui->txtAccessionReturn);
+            return;
+        }
+        if (!GetItemByAccession(accession, &desk)) {
+            UserMessage(QStringLiteral("This item accession number does not exist."));
+            readyForScan(ui->txtAccessionReturn);
+            return;
+        }
+        if (ItemAvailable(accession)) {
+            UserMessage(QStringLiteral("This item accession number is not on loan and cannot be returned."));
+            readyForScan(ui->txtAccessionReturn);
+            return;
+        }
+        if (!LoadLoanDefaults(accession, desk.UserReturnType))
+            return;
+        // The borrower's own reservation of the copy is not another member's claim.
+        QString holderType;
+        QVariant holder;
+        GetItemHolder(desk.ItemID, &holderType, &holder);
+        const bool renew = ui->optRenew->isChecked();
+        if (GetNextReservation(desk.ItemID, holder.toInt(), desk.UserReturnType, &desk)) {
+            UserMessage(QStringLiteral("This item has been reserved for ") + desk.ReserveMember + QStringLiteral(" and must be kept aside."));
+            if (renew) {
+                readyForScan(ui->txtAccessionReturn);
+                return;
+            }
+        }
+        bool done;
+        if (!renew) {
+            done = ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), 0, QStringLiteral("return"), QDate(), rules_.FineAmount, rules_.FineInterval);
+            action_ = QStringLiteral("Return");
+        } else {
+            const QDate due = Clock::today().addDays(rules_.ExtensionDays);
+            ui->txtDueDate->setText(SqlDate(due));
+            done = ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), MaxRenewals, QStringLiteral("renewal"), due, rules_.FineAmount,
+                                     rules_.FineInterval);
+            action_ = QStringLiteral("Renewal");
+        }
+        if (!done) {
+            readyForScan(ui->txtAccessionReturn);
+            return;
+        }
+        ui->txtAccessionReturn->clear();
+        ui->txtAccessionReturn->setFocus();
+        LoadLoanGrid();
+    } catch (const AppError &e) {
+        ReportError(ReturnLocation, QStringLiteral("Return/Renew Item Routine"), e);
+        readyForScan(ui->txtAccessionReturn);
+    }
+}
+
+void frmIssueSystem::optReturn_Click()
+{
+    ui->cmdProcess->setText(QStringLiteral("Return Item"));
+    ui->dtreturnDate->setEnabled(true);
+}
+
+void frmIssueSystem::optRenew_Click()
+{
+    ui->cmdProcess->setText(QStringLiteral("Renew Item"));
+    ui->dtreturnDate->setEnabled(false);
+}
+
+void frmIssueSystem::LoadLoanGrid()
+{
+    try {
+        const int transaction = IssueDeskState::desk().ReturnTransaction;
+        if (data_.GetData(QStringLiteral("SELECT tLT.AccessionID, tLI.Title, tLT.MemberID, tLT.membertype,tLT.DueDate,tLT.Extensions, tLT.ReturnDate")
+                          + QStringLiteral(" FROM tblLibTransactions as tLT INNER JOIN tblLibItems as tLI on tLT.AccessionID = tLI.AccessionID ")
+                          + QStringLiteral(" where transactionid =") + QString::number(transaction))
+            < 1) {
+            data_.CloseCompact();
+            return;
+        }
+        const Recordset &loan = *data_.rst;
+        const QString type = loan.field(QStringLiteral("membertype")).toString();
+        const int member = loan.field(QStringLiteral("MemberID")).toInt();
+        SpreadGrid &grid = *ui->gridtransactions;
+        const int row = grid.maxRows() + 1;
+        grid.setMaxRows(row);
+        grid.setCellText(0, row, QString::number(transaction));
+        grid.setCellText(1, row, loan.field(QStringLiteral("AccessionID")).toString());
+        grid.setCellText(2, row, loan.field(QStringLiteral("Title")).toString());
+        grid.setCellText(3, row, action_);
+        grid.setCellText(4, row, type + QString::number(member));
+        grid.setCellText(7, row, SqlDate(ui->dtreturnDate->date()));
+        grid.setCellText(8, row, loan.field(QStringLiteral("DueDate")).toString());
+        grid.setCellText(9, row, loan.field(QStringLiteral("Extensions")).toString());
+        data_.CloseCompact();
+
+        const QString id = QString::number(member);
+        QString user;
+        if (type == QLatin1String("L")) {
+            const auto rs = CentralQuery(QStringLiteral("Select Learner_Info.SName, Learner_Info.FName, Classes.ClassName from Learner_info left join classes on learner_info.class = classes.classid where [ID] = ") + id);
+            if (!rs->atEnd())
+                user = rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString()
+                       + QLatin1Char(' ') + rs->field(QStringLiteral("classname")).toString();
+        } else {
+            const auto rs = CentralQuery(type == QLatin1String("E") ? QStringLiteral("Select educators.SName, educators.FName from Educators where EdID = ") + id
+                                                               : QStringLiteral("Select staffmembers.SName, staffmembers.FName from staffmembers where StaffID = ") + id);
+            if (!rs->atEnd())
+                user = rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString();
+        }
+        grid.setCellText(5, row, user);
+        if (data_.GetData(QStringLiteral("Select fineamount from tbllibtransactionfines where transactionid = ") + QString::number(transaction)) > 0)
+            grid.setCellText(6, row, data_.rst->field(QStringLiteral("fineamount")).toMoney().toDisplayText());
+        data_.CloseCompact();
+        grid.view()->scrollToBottom();
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(IssueLocation, QStringLiteral("Load Grid Routine"), e);
+    }
+}
+
+void frmIssueSystem::cmdPrint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintLandscape, QStringLiteral("Issue System"), *ui->gridtransactions);
+    } catch (const AppError &e) {
+        ReportError(QStringLiteral("frmFinePayment"), QStringLiteral("Print Routine"), e);
+    }
+}
+
+void frmIssueSystem::cmdDone_Click() { accept(); }

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "LoanRules.h"
+#include "clsDataObject.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmIssueSystem;
+}
+
+/// "Issue System": the circulation counter. Issues an item to a learner, educator or staff
+/// member, returns or renews a scanned item, shows the loan rules in force and a learner's
+/// photo, and lists the transactions done since it was opened. Its public values (the loan in
+/// hand, the borrower, the item, a reservation holder's name) are the process-wide
+/// IssueDeskState, which the loan routines write.
+class frmIssueSystem : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmIssueSystem(QWidget *parent = nullptr);
+    ~frmIssueSystem() override;
+
+    /// The renewal limit the desk uses for every renewal (maxext of the last settings row).
+    qint16 MaxRenewals = 0;
+
+public Q_SLOTS:
+    void optLearner_Click();
+    void optEducator_Click();
+    void optStaff_Click();
+    void cboGrade_Click();
+    void cboClass_Click();
+    void cboMember_Click();
+    void cmdValidate_Click();
+    void cmdLoanProcess_Click();
+    void cmdProcess_Click();
+    void optReturn_Click();
+    void optRenew_Click();
+    void cmdPrint_Click();
+    void cmdDone_Click();
+
+private:
+    void memberTypeChosen(const QString &type);
+    void LoadComboBox();
+    void loadLearners();
+    bool LoadLoanDefaults(const QString &accession, const QString &category);
+    void LoadLoanGrid();
+    bool FileExists(const QString &path) const;
+    void LoadPhoto(const QString &path);
+    void readyForScan(class QLineEdit *box);
+    QString learnerFilter(class QComboBox *combo) const;
+
+    std::unique_ptr<Ui::frmIssueSystem> ui;
+    clsDataObject data_;
+    LoanRules rules_;
+    QString memberType_ = QStringLiteral("L");
+    QString action_; // "Issue", "Return" or "Renewal": the grid's Transaction column
+};

@@ -1,0 +1,281 @@
+#include "frmReserves.h"
+#include "ui_frmReserves.h"
+
+#include "AppError.h"
+#include "Clock.h"
+#include "LoanRoutines.h"
+#include "LoanRules.h"
+#include "MemberLists.h"
+#include "Recordset.h"
+#include "SpreadGrid.h"
+#include "SqlText.h"
+#include "UpdateDatabase.h"
+#include "mCombo.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+namespace {
+const QString Location = QStringLiteral("frmReserves");
+constexpr int ReserveColumn = 3, CancelColumn = 5;
+} // namespace
+
+frmReserves::frmReserves(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmReserves>())
+{
+    ui->setupUi(this);
+    new ComboTypeAhead(ui->cboMembers);
+    ui->fpSpreadSearch->defineColumns({{"Item Accssn #", 14}, {"Title", 44}, {"Reserve", 9}});
+    ui->fpSpreadSearch->setColumnType(ReserveColumn, SpreadModel::CellType::Button, QStringLiteral("Reserve"));
+    ui->fpSpreadReserves->defineColumns({{"Item Accssn #", 14}, {"Member ID", 16}, {"Type", 6}, {"Date Reserved", 13}, {"Cancel", 7}});
+    ui->fpSpreadReserves->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
+    for (QRadioButton *option : {ui->optLearner, ui->optEducator, ui->optStaff})
+        connect(option, &QRadioButton::clicked, this, &frmReserves::optKind_Click);
+    connect(ui->cboMembers, &QComboBox::activated, this, &frmReserves::cboMembers_Click);
+    connect(ui->cmdFind, &QPushButton::clicked, this, &frmReserves::cmdFind_Click);
+    connect(ui->txtAccessionNo, &QLineEdit::returnPressed, this, &frmReserves::cmdFind_Click);
+    connect(ui->txtTitle, &QLineEdit::returnPressed, this, &frmReserves::cmdFind_Click);
+    connect(ui->fpSpreadSearch, &SpreadGrid::buttonClicked, this, &frmReserves::fpSpreadSearch_ButtonClicked);
+    connect(ui->cmdProceessCancelation, &QPushButton::clicked, this, &frmReserves::cmdProceessCancelation_Click);
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &frmReserves::cmdPrint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
+    ClearGrids();
+    FillMembers();
+}
+
+frmReserves::~frmReserves() = default;
+
+void frmReserves::optKind_Click()
+{
+    kind_ = MemberKind(ui->optLearner, ui->optEducator);
+    FillMembers();
+}
+
+void frmReserves::FillMembers()
+{
+    try {
+        FillReservationMembers(ui->cboMembers, kind_);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("FillMembers"), e);
+    }
+}
+
+void frmReserves::cboMembers_Click()
+{
+    if (ui->cboMembers->currentIndex() < 0)
+        return;
+    try {
+        ui->txtMemberID->setText(GetMemberIDNo(ui->cboMembers->currentData().toInt(), kind_).toString());
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("cboMembers_Click"), e);
+    }
+}
+
+void frmReserves::ClearGrids()
+{
+    ui->fpSpreadSearch->clearRows();
+    ui->fpSpreadReserves->clearRows();
+}
+
+// Appends the rows of the item search in data_.rst to the upper grid.
+void frmReserves::appendFound()
+{
+    SpreadGrid &grid = *ui->fpSpreadSearch;
+    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+        const int row = grid.maxRows() + 1;
+        grid.setMaxRows(row);
+        grid.setCellText(0, row, rs.field(QStringLiteral("ItemID")).toString());
+        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
+        grid.setCellText(2, row, rs.field(QStringLiteral("Title")).toString());
+    }
+    data_.CloseCompact();
+}
+
+void frmReserves::cmdFind_Click()
+{
+    try {
+        ClearGrids();
+        const QString accession = ui->txtAccessionNo->text();
+        if (!accession.isEmpty()) {
+            sql_ = QStringLiteral("select ItemID, AccessionID,Title from tblLibItems where (ReferenceItem = false) and (Restricted = false) and AccessionID = '")
+                   + Safesql(accession) + QStringLiteral("' order by Title,AccessionID");
+            data_.GetData(sql_);
+            appendFound();
+            LoadReserves(accession);
+            return;
+        }
+        if (ui->txtTitle->text().isEmpty()) {
+            UserMessage(QStringLiteral("Please enter an accession number or title"));
+            return;
+        }
+        sql_ = QStringLiteral("select ItemID, AccessionID,Title from tblLibItems where ((ReferenceItem = false) and (Restricted = false) and  (Title like '%")
+               + Safesql(ui->txtTitle->text()) + QStringLiteral("%'))");
+        if (data_.GetData(sql_) < 1) {
+            data_.CloseCompact();
+            UserMessage(QStringLiteral("Item not found"));
+            return;
+        }
+        appendFound();
+        for (int row = 1; row <= ui->fpSpreadSearch->maxRows(); ++row)
+            LoadReserves(ui->fpSpreadSearch->cellText(1, row));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmdFind_Click"), e);
+    }
+}
+
+void frmReserves::LoadReserves(const QString &accession)
+{
+    data_.GetData(QStringLiteral(" SELECT DISTINCT tblLibReserves.ReserveID, tblLibItems.AccessionID, tblLibReserves.MemberType, tblLibReserves.MemberID, tblLibReserves.ReserveDate, tblLibReserves.Canceled")
+                  + QStringLiteral(" FROM (tblLibReserves") + QStringLiteral(" Inner join  tblLibItems on tblLibReserves.ItemID = tblLibItems.ItemID )")
+                  + QStringLiteral(" where tblLibItems.AccessionID = '") + Safesql(accession) + QStringLiteral("'")
+                  + QStringLiteral(" and tblLibReserves.canceled = false"));
+    const std::shared_ptr<Recordset> rs = data_.rst;
+    data_.CloseCompact();
+    SpreadGrid &grid = *ui->fpSpreadReserves;
+    for (; !rs->atEnd(); rs->MoveNext()) {
+        const int row = grid.maxRows() + 1;
+        grid.setMaxRows(row);
+        const QString type = rs->field(QStringLiteral("MemberType")).toString();
+        grid.setCellText(0, row, rs->field(QStringLiteral("ReserveID")).toString());
+        grid.setCellText(1, row, rs->field(QStringLiteral("AccessionID")).toString());
+        grid.setCellText(2, row, GetMemberIDNo(rs->field(QStringLiteral("MemberID")).toInt(), type).toString());
+        grid.setCellText(3, row, type);
+        grid.setCellText(4, row, rs->field(QStringLiteral("ReserveDate")).toString());
+        grid.setChecked(CancelColumn, row, rs->field(QStringLiteral("Canceled")).toBool());
+    }
+}
+
+void frmReserves::LoadReservationLimits()
+{
+    maxItemReservations_ = maxMemberReservations_ = 0;
+    if (data_.GetData(QStringLiteral("select top 1 maxuserres,maxres from tblLibSettings")) > 0) {
+        const Recordset &rs = *data_.rst;
+        maxItemReservations_ = rs.field(QStringLiteral("MaxRes")).isNull() ? qint16(0) : rs.field(QStringLiteral("MaxRes")).toInt16();
+        maxMemberReservations_ = rs.field(QStringLiteral("MaxUserRes")).isNull() ? qint16(0) : rs.field(QStringLiteral("MaxUserRes")).toInt16();
+    }
+    data_.CloseCompact();
+}
+
+int frmReserves::CountItemReservations(const QString &kind, int itemID)
+{
+    const int n = data_.GetData(QStringLiteral(" select * from tblLibReserves") + QStringLiteral(" where MemberType = '") + kind + QStringLiteral("'")
+                                + QStringLiteral(" and canceled <> true and ItemID = ") + QString::number(itemID));
+    data_.CloseCompact();
+    return n;
+}
+
+int frmReserves::CountMemberReservations(const QString &kind, int member)
+{
+    const int n = data_.GetData(QStringLiteral(" select * from tblLibReserves") + QStringLiteral(" where MemberType = '") + kind + QStringLiteral("'")
+                                + QStringLiteral(" and MemberID = ") + QString::number(member) + QStringLiteral(" and canceled <> true"));
+    data_.CloseCompact();
+    return n;
+}
+
+bool frmReserves::ItemOnShelf()
+{
+    const int n = data_.GetData(QStringLiteral(" select * from tblLibItems")
+                                + QStringLiteral(" inner join tblLibTransactions on tblLibTransactions.ItemID = tblLibItems.ItemID")
+                                + QStringLiteral(" where (tblLibTransactions.returned <> true or tblLibTransactions.returned = false) and tblLibTransactions.AccessionID = '")
+                                + Safesql(ui->txtAccessionNo->text()) + QStringLiteral("'"));
+    data_.CloseCompact();
+    return n < 1;
+}
+
+bool frmReserves::CheckDuplicates(const QString &kind, int member, int itemID)
+{
+    const int n = data_.GetData(QStringLiteral(" select * from tblLibReserves") + QStringLiteral(" where (MemberType = '") + kind + QStringLiteral("'")
+                                + QStringLiteral(" and MemberID = ") + QString::number(member) + QStringLiteral(" and ItemID = ")
+                                + QString::number(itemID) + QStringLiteral(" And Canceled = False)"));
+    data_.CloseCompact();
+    return n > 0;
+}
+
+void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)
+{
+    if (col != ReserveColumn || row < 1)
+        return;
+    try {
+        reserve(row);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        CloseCentralDatabase();
+        ReportError(Location, QStringLiteral("fpSpreadSearch_ButtonClicked"), e);
+    }
+}
+
+void frmReserves::reserve(int row)
+{
+    kind_ = MemberKind(ui->optLearner, ui->optEducator);
+    if (ui->txtMemberID->text().isEmpty()) {
+        UserMessage(QStringLiteral("Please enter Member ID"));
+        ui->txtMemberID->setFocus();
+        return;
+    }
+    const QVariant found = GetMemberByIDNo(Safesql(ui->txtMemberID->text()), kind_);
+    const int member = found.isNull() ? 0 : found.toInt();
+    OpenCentralDatabase();
+    if (!MemberExists(member, kind_)) {
+        UserMessage(QStringLiteral("Member does not exist"));
+        CloseCentralDatabase();
+        return;
+    }
+    SpreadGrid &search = *ui->fpSpreadSearch;
+    ui->txtAccessionNo->setText(search.cellText(1, row));
+    const int itemID = search.cellText(0, row).toInt();
+    LoadReservationLimits();
+    const char *refusal = nullptr;
+    if (!(maxItemReservations_ > CountItemReservations(kind_, itemID)))
+        refusal = "Item has reached its maximum reservation";
+    else if (maxMemberReservations_ <= CountMemberReservations(kind_, member))
+        refusal = "User exceeded the max user Reservation";
+    else if (ItemOnShelf())
+        refusal = "This item is on the shelf and it can not be reserved";
+    else if (CheckDuplicates(kind_, member, itemID))
+        refusal = "Members can not reserve the same item more than once";
+    if (refusal) {
+        UserMessage(QString::fromLatin1(refusal));
+        CloseCentralDatabase();
+        return;
+    }
+    data_.ExecuteNonQuery(QStringLiteral(" insert into tblLibReserves(MemberType,MemberID,ItemID,ReserveDate)") + QStringLiteral(" values('")
+                          + kind_ + QStringLiteral("',") + QString::number(member) + QLatin1Char(',') + QString::number(itemID)
+                          + QStringLiteral(",#") + SqlDate(Clock::today()) + QStringLiteral("#)"));
+    search.removeRow(row);
+    UserMessage(QStringLiteral("The item has been reserved"));
+    cmdFind_Click();
+    CloseCentralDatabase();
+}
+
+void frmReserves::cmdProceessCancelation_Click()
+{
+    try {
+        SpreadGrid &grid = *ui->fpSpreadReserves;
+        if (grid.maxRows() == 0)
+            return;
+        int cancelled = 0;
+        for (int row = 1; row <= grid.maxRows(); ++row) {
+            if (!grid.isChecked(CancelColumn, row))
+                continue;
+            data_.ExecuteNonQuery(QStringLiteral("update tblLibReserves set canceled = true where ReserveID = ") + QString::number(grid.cellText(0, row).toInt()));
+            ++cancelled;
+        }
+        if (cancelled == 0) {
+            UserMessage(QStringLiteral("No item selected."));
+            return;
+        }
+        UserMessage(QStringLiteral("Item Canceled."));
+        ClearGrids();
+        cmdFind_Click();
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("cmdProceessCancelation_Click"), e);
+    }
+}
+
+void frmReserves::cmdPrint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintPortrait, QStringLiteral("Reserved Items"), *ui->fpSpreadReserves);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Print Routine"), e);
+    }
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "clsDataObject.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmReserves;
+}
+
+/// "Reserve an Item": finds items by accession number or title (never reference or restricted
+/// stock), reserves one that is out on loan for a member, and cancels live reservations.
+class frmReserves : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmReserves(QWidget *parent = nullptr);
+    ~frmReserves() override;
+
+public Q_SLOTS:
+    void optKind_Click();
+    void cboMembers_Click();
+    void cmdFind_Click();
+    void fpSpreadSearch_ButtonClicked(int col, int row);
+    void cmdProceessCancelation_Click();
+    void cmdPrint_Click();
+
+public:
+    void LoadReserves(const QString &accession);
+    bool CheckDuplicates(const QString &kind, int member, int itemID);
+    bool ItemOnShelf();
+    int CountItemReservations(const QString &kind, int itemID);
+    int CountMemberReservations(const QString &kind, int member);
+    void LoadReservationLimits();
+    void ClearGrids();
+
+private:
+    void FillMembers();
+    void reserve(int row);
+    void appendFound();
+
+    std::unique_ptr<Ui::frmReserves> ui;
+    clsDataObject data_;
+    QString kind_ = QStringLiteral("L");
+    qint16 maxItemReservations_ = 0;
+    qint16 maxMemberReservations_ = 0;
+    QString sql_;
+};

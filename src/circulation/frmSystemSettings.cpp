@@ -1,0 +1,169 @@
+#include "frmSystemSettings.h"
+#include "ui_frmSystemSettings.h"
+
+#include "AppError.h"
+#include "SpreadGrid.h"
+#include "UpdateDatabase.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+const QString Location = QStringLiteral("frmSystemSettings");
+
+// One loan section of the grid: its loan type and the rows of its Learners and Staff values.
+struct Section {
+    const char *loanType;
+    int learnersRow;
+    const char *restrictionColumn; // the spelling of MaxUserRes in this section's inserts
+};
+const Section Sections[] = {{"S", 6, "MaxUSerRes"}, {"N", 10, "MaxUserRes"}, {"L", 14, "MaxUserRes"}};
+constexpr int NormalLearnersRow = 10;
+
+// The old runtime's Val: the number at the start of the text, 0 when there is none.
+QString numericPrefix(const QString &text)
+{
+    static const QRegularExpression number(QStringLiteral("^\\s*([-+]?(\\d+(\\.\\d*)?|\\.\\d+))"));
+    const QRegularExpressionMatch m = number.match(text);
+    if (!m.hasMatch())
+        return QStringLiteral("0");
+    return QString::number(m.captured(1).toDouble(), 'g', 15);
+}
+
+} // namespace
+
+frmSystemSettings::frmSystemSettings(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmSystemSettings>())
+{
+    ui->setupUi(this);
+    layOutGrid();
+    connect(ui->cmdSave, &QPushButton::clicked, this, &frmSystemSettings::cmdSave_Click);
+    connect(ui->cmdprint, &QPushButton::clicked, this, &frmSystemSettings::cmdprint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &frmSystemSettings::cmdDone_Click);
+    GetSettings();
+    connect(ui->gridsettings, &SpreadGrid::cellEdited, this, [this] { unsaved_ = true; });
+}
+
+frmSystemSettings::~frmSystemSettings() = default;
+
+void frmSystemSettings::layOutGrid()
+{
+    SpreadGrid &g = *ui->gridsettings;
+    g.setMaxCols(6);
+    g.setMaxRows(21);
+    g.setColWidth(1, 38);
+    for (int c = 2; c <= 6; ++c) {
+        g.setColWidth(c, 22);
+        g.setColumnLocked(c, false);
+    }
+    for (int c = 1; c <= 6; ++c)
+        g.setCellText(c, 0, QString());
+    g.setCellText(1, 1, QStringLiteral("LIBRARY SYSTEM SETTINGS"));
+    g.setCellText(1, 3, QStringLiteral("LOAN DETAILS"));
+    const char *titles[] = {"SHORT LOAN", "NORMAL LOAN", "LONG LOAN"};
+    const char *kinds[] = {"short", "normal", "long"};
+    for (int s = 0; s < 3; ++s) {
+        const int top = 4 + 4 * s;
+        g.setCellText(1, top, QString::fromLatin1(titles[s]));
+        g.setCellText(1, top + 1, QStringLiteral("Type of User"));
+        g.setCellText(2, top + 1, QStringLiteral("Number of days for %1 loan period").arg(QLatin1String(kinds[s])));
+        g.setCellText(3, top + 1, QStringLiteral("Maximum items on %1 loan").arg(QLatin1String(kinds[s])));
+        g.setCellText(4, top + 1, QStringLiteral("Fine amount"));
+        g.setCellText(5, top + 1, QStringLiteral("Fine interval (number of days)"));
+        if (s == 1)
+            g.setCellText(6, top + 1, QStringLiteral("Number of days for extensions"));
+        g.setCellText(1, top + 2, QStringLiteral("Learners"));
+        g.setCellText(1, top + 3, QStringLiteral("Staff"));
+    }
+    g.setCellText(1, 17, QStringLiteral("ISSUE RESTRICTIONS"));
+    g.setCellText(1, 19, QStringLiteral("Maximum number of extensions per item"));
+    g.setCellText(1, 20, QStringLiteral("Maximum number of reservations per item"));
+    g.setCellText(1, 21, QStringLiteral("Maximum number of reservations per user"));
+}
+
+void frmSystemSettings::GetSettings()
+{
+    try {
+        SpreadGrid &g = *ui->gridsettings;
+        data_.GetData(QStringLiteral("Select * from tblLibSettings"));
+        int row = 0;
+        for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+            g.setCellText(4, 19, rs.field(QStringLiteral("maxext")).toString());
+            g.setCellText(4, 20, rs.field(QStringLiteral("maxres")).toString());
+            g.setCellText(4, 21, rs.field(QStringLiteral("maxuserres")).toString());
+            const QString loanType = rs.field(QStringLiteral("loanType")).toString();
+            const QString category = rs.field(QStringLiteral("usercat")).toString();
+            const int learners = loanType == QLatin1String("S") ? 6 : loanType == QLatin1String("N") ? 10 : loanType == QLatin1String("L") ? 14 : 0;
+            // An "E" row has no row of its own: it lands on the row of the settings row read before it.
+            if (category == QLatin1String("L"))
+                row = learners;
+            else if (category == QLatin1String("S"))
+                row = learners + 1;
+            if (row == 0 || learners == 0)
+                continue;
+            g.setCellText(2, row, rs.field(QStringLiteral("loanperiod")).toString());
+            g.setCellText(3, row, rs.field(QStringLiteral("maxitems")).toString());
+            g.setCellText(4, row, rs.field(QStringLiteral("fineamount")).toString());
+            g.setCellText(5, row, rs.field(QStringLiteral("fineinterval")).toString());
+            if (row == NormalLearnersRow || row == NormalLearnersRow + 1)
+                g.setCellText(6, row, rs.field(QStringLiteral("extdays")).toString());
+        }
+        data_.CloseCompact();
+        unsaved_ = false;
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Get Settings Routine"), e);
+    }
+}
+
+void frmSystemSettings::cmdSave_Click()
+{
+    try {
+        const SpreadGrid &g = *ui->gridsettings;
+        data_.ExecuteNonQuery(QStringLiteral("Delete * from tblLibsettings"));
+        const QString maxExt = numericPrefix(g.cellText(4, 19));
+        const QString maxRes = numericPrefix(g.cellText(4, 20));
+        const QString maxUserRes = numericPrefix(g.cellText(4, 21));
+        for (const Section &section : Sections) {
+            for (int row = section.learnersRow; row <= section.learnersRow + 1; ++row) {
+                const QString period = numericPrefix(g.cellText(2, row));
+                if (period == QLatin1String("0"))
+                    continue;
+                // Only the normal section has an extension cell; the other loan types renew by the same number of days.
+                const int extensionRow = NormalLearnersRow + (row - section.learnersRow);
+                const QString values = period + QLatin1Char(',') + numericPrefix(g.cellText(4, row)) + QLatin1Char(',')
+                                       + numericPrefix(g.cellText(5, row)) + QLatin1Char(',') + numericPrefix(g.cellText(3, row))
+                                       + QLatin1Char(',') + numericPrefix(g.cellText(6, extensionRow)) + QLatin1Char(',') + maxExt
+                                       + QLatin1Char(',') + maxRes + QLatin1Char(',') + maxUserRes + QLatin1Char(')');
+                const QStringList categories = row == section.learnersRow ? QStringList{QStringLiteral("L")}
+                                                                          : QStringList{QStringLiteral("S"), QStringLiteral("E")};
+                for (const QString &category : categories)
+                    data_.ExecuteNonQuery(QStringLiteral("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,")
+                                          + QLatin1String(section.restrictionColumn) + QStringLiteral(")VALUES('")
+                                          + QLatin1String(section.loanType) + QStringLiteral("','") + category + QStringLiteral("',") + values);
+            }
+        }
+        unsaved_ = false;
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Save Settings"), e);
+    }
+}
+
+void frmSystemSettings::cmdprint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintPortrait, QStringLiteral("Library Settings"), *ui->gridsettings);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Print Routine"), e);
+    }
+}
+
+void frmSystemSettings::cmdDone_Click()
+{
+    if (unsaved_ && !UserQuestion(QStringLiteral("You have not saved your settings. Are you sure you want to Exit without saving?")))
+        return;
+    QDialog::reject();
+}
+
+void frmSystemSettings::reject() { cmdDone_Click(); }
