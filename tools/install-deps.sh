@@ -3,7 +3,8 @@
 set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-base-dev-tools libgl-dev
-          libsqlite3-dev libgtest-dev)
+          libsqlite3-dev libgtest-dev
+          poppler-utils)  # pdftotext: tests read printed pages back
 # The fuzzers (tools/fuzz.sh) need clang and its sanitizer and libFuzzer runtimes.
 if [ "${1:-}" = "--fuzz" ]; then
   packages=(clang libclang-rt-dev)

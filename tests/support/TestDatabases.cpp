@@ -7,6 +7,8 @@
 #include "Recordset.h"
 #include "UpdateDatabase.h"
 
+#include <QProcess>
+
 namespace {
 // The fixture's own statements are not part of what a test traces.
 struct TracePause {
@@ -75,4 +77,13 @@ QStringList rowsIn(const QString &databasePath, const QString &sql)
         out << cells.join('|');
     }
     return out;
+}
+
+QString pdfText(const QString &pdfPath)
+{
+    QProcess pdftotext;
+    pdftotext.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdfPath, QStringLiteral("-")});
+    if (!pdftotext.waitForFinished(30000))
+        return QString();
+    return QString::fromUtf8(pdftotext.readAllStandardOutput());
 }

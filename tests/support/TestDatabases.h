@@ -45,3 +45,6 @@ void runOn(const QString &databasePath, const QString &sql);
 
 inline void PrintTo(const QString &s, std::ostream *os) { *os << '"' << s.toStdString() << '"'; }
 
+
+/// The text of a PDF file (pdftotext, layout kept), for tests that print.
+QString pdfText(const QString &pdfPath);
