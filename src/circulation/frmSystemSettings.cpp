@@ -52,9 +52,9 @@ void frmSystemSettings::layOutGrid()
     SpreadGrid &g = *ui->gridsettings;
     g.setMaxCols(6);
     g.setMaxRows(21);
-    g.setColWidth(1, 38);
+    g.setColWidth(1, 48);
     for (int c = 2; c <= 6; ++c) {
-        g.setColWidth(c, 22);
+        g.setColWidth(c, 36);
         g.setColumnLocked(c, false);
     }
     for (int c = 1; c <= 6; ++c)
