@@ -1,6 +1,7 @@
 // Benchmarks on the large school: Jet translation, the loan engine and the data object.
 #include "AppError.h"
 #include "BenchTimer.h"
+#include "CirculationBench.h"
 #include "Clock.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
@@ -136,7 +137,7 @@ void benchLoanEngine()
         checks.time([&] {
             const int member = GetMemberByIDNo(admission, QStringLiteral("L")).toInt();
             if (MemberCanBorrow(member, QStringLiteral("L"), 2) && GetItemByAccession(accession, &desk) && ItemAvailable(accession))
-                GetNextReservation(desk.ItemID, qint16(member), QStringLiteral("L"), &desk);
+                GetNextReservation(desk.ItemID, member, QStringLiteral("L"), &desk);
         });
     }
     returns.report("return of an overdue loan");
@@ -269,6 +270,7 @@ int main(int argc, char *argv[])
         benchGetData();
         benchFillSpread();
         benchLoanEngine();
+        benchCirculationScreens();
         benchStartUp(work.path());
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));

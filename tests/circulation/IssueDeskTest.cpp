@@ -3,11 +3,17 @@
 
 #include "AppError.h"
 #include "SettingsStore.h"
+#include "CirculationScreens.h"
+#include "ScreenRegistry.h"
 #include "frmIssueSystem.h"
+#include "frmMainMenu.h"
 
 #include <QDir>
 #include <QImage>
+#include <QApplication>
+#include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 
 namespace {
 
@@ -287,4 +293,33 @@ TEST_F(IssueDesk, UnusualTextEndsInAMessageOrAReportNeverACrash)
     for (const ShownMessage &m : messages_->shown())
         EXPECT_TRUE(m.title == "User Message" || m.title.startsWith("Error : ")) << m.title.toStdString();
     EXPECT_EQ(libraryCount("select * from tblLibTransactions"), 0);
+}
+
+TEST_F(IssueDesk, TheMainMenuOpensEveryCirculationScreen)
+{
+    ScreenRegistry screens;
+    registerCirculationScreens(screens);
+    SettingsStore settings(path("shelvora.ini"));
+    settings.setValue("LibraryDatabase", libraryPath_);
+    settings.setValue("Database", centralPath_);
+    frmMainMenu menu(settings, screens);
+    menu.Form_Load();
+    QStringList opened;
+    auto closeWhenShown = [&] {
+        QTimer::singleShot(0, [&] {
+            if (QWidget *modal = QApplication::activeModalWidget()) {
+                opened << QString::fromLatin1(modal->metaObject()->className()) + ": " + modal->windowTitle();
+                modal->close();
+            }
+        });
+    };
+    menu.optLong->setChecked(true);
+    for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{menu.cmdissues, menu.cmdReserve, menu.cmdViewReservation, menu.cmdFines, menu.cmdSettings}) {
+        closeWhenShown();
+        button->click();
+    }
+    EXPECT_EQ(opened, (QStringList{"frmIssueSystem: Issue System", "frmReserves: Reserve an Item", "frmReservedItems: View Reserved Items",
+                                   "frmFinePayment: Fine Payments", "frmSystemSettings: Library System Settings"}));
+    EXPECT_EQ(IssueDeskState::desk().LoanType, "L");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
 }
