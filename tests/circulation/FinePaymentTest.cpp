@@ -123,3 +123,20 @@ TEST_F(FinePayment, PrintsUnderTheSchoolName)
     EXPECT_TRUE(text.contains("Hillview High - FinePayment")) << text.toStdString();
     EXPECT_TRUE(text.contains("2026-11-23"));
 }
+
+TEST_F(FinePayment, UnusualTextEndsInAMessageOrAnEmptyList)
+{
+    const QStringList before = fines();
+    frmFinePayment screen;
+    for (const QString &text : {QString(10000, 'x'), QString("ê ë ï ô 📚"), QString("'"), QString("\"; drop table x"), QString("12abc")}) {
+        type(screen, "txtmemberID", text);
+        click(screen, "cmdFind");
+        EXPECT_TRUE(rows(screen, "fpSpreadFined").isEmpty());
+        type(screen, "txtRow", text);
+        click(screen, "btnRemove");
+        click(screen, "cmdPaymentProcess");
+    }
+    for (const ShownMessage &m : messages_->shown())
+        EXPECT_TRUE(m.title == "User Message" || m.title.startsWith("Error : ")) << m.title.toStdString();
+    EXPECT_EQ(fines(), before);
+}

@@ -4,7 +4,9 @@
 #include "FrmuserloanHistory.h"
 #include "frmIssueSystem.h"
 
+#include <QApplication>
 #include <QRadioButton>
+#include <QTimer>
 
 namespace {
 
@@ -115,4 +117,18 @@ TEST_F(LoanHistory, PrintsUnderTheSchoolName)
     const QString text = pdfText(path("history.pdf"));
     EXPECT_TRUE(text.contains("Hillview High - User Loan History")) << text.toStdString();
     EXPECT_TRUE(text.contains("Book 1"));
+}
+
+TEST_F(LoanHistory, PayFineOpensTheFinePaymentScreen)
+{
+    auto screen = open("L", 12, "Botha, Anna");
+    QString opened;
+    QTimer::singleShot(0, [&] {
+        if (QWidget *modal = QApplication::activeModalWidget()) {
+            opened = modal->windowTitle();
+            modal->close();
+        }
+    });
+    click(*screen, "cmdFine");
+    EXPECT_EQ(opened, "Fine Payments");
 }

@@ -167,3 +167,25 @@ TEST_F(Reservations, PrintsUnderTheSchoolName)
     EXPECT_TRUE(text.contains("Hillview High - Reserved Items")) << text.toStdString();
     EXPECT_TRUE(text.contains("L100"));
 }
+
+TEST_F(Reservations, UnusualTextInEveryBoxEndsInAMessageOrAReport)
+{
+    const QStringList before = libraryRows("select * from tblLibReserves");
+    const QString texts[] = {QString(10000, 'x'), "ê ë ï ô 📚", "'", "o'Brien\"", "12abc", "   "};
+    frmReserves reserves;
+    frmReservedItems reserved;
+    for (const QString &text : texts) {
+        for (const char *box : {"txtMemberID", "txtAccessionNo", "txtTitle"}) {
+            type(reserves, box, text);
+            type(reserved, box, text);
+        }
+        click(reserves, "cmdFind");
+        if (child<SpreadGrid>(reserves, "fpSpreadSearch")->maxRows() > 0)
+            child<SpreadGrid>(reserves, "fpSpreadSearch")->clickCell(3, 1);
+        click(reserved, "cmdFind");
+        click(reserved, "cmdProceessCancelation");
+    }
+    for (const ShownMessage &m : messages_->shown())
+        EXPECT_TRUE(m.title == "User Message" || m.title.startsWith("Error : ")) << m.title.toStdString();
+    EXPECT_EQ(libraryRows("select * from tblLibReserves"), before);
+}
