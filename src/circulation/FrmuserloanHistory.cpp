@@ -90,6 +90,19 @@ bool FrmuserloanHistory::GetLoanDefaults(const QString &accession)
     }
 }
 
+bool FrmuserloanHistory::readyForLoanAction(const QString &accession, const QString &action)
+{
+    if (!GetItemByAccession(accession, this)) {
+        UserMessage(QStringLiteral("This accession number does not exist"));
+        return false;
+    }
+    if (ItemAvailable(accession)) {
+        UserMessage(QStringLiteral("This accession number is not on loan and cannot be ") + action);
+        return false;
+    }
+    return GetLoanDefaults(accession);
+}
+
 void FrmuserloanHistory::actionDone(const QString &message)
 {
     UserMessage(message);
@@ -137,15 +150,7 @@ void FrmuserloanHistory::cmdRenew_Click()
 {
     try {
         const QString accession = ui->txtAccNo->text().trimmed();
-        if (!GetItemByAccession(accession, this)) {
-            UserMessage(QStringLiteral("This accession number does not exist"));
-            return;
-        }
-        if (ItemAvailable(accession)) {
-            UserMessage(QStringLiteral("This accession number is not on loan and cannot be renewed"));
-            return;
-        }
-        if (!GetLoanDefaults(accession))
+        if (!readyForLoanAction(accession, QStringLiteral("renewed")))
             return;
         // Unlike the desk, a reserved item may be renewed here.
         const QDate due = Clock::today().addDays(rules_.ExtensionDays);
@@ -160,15 +165,7 @@ void FrmuserloanHistory::cmdReturn_Click()
 {
     try {
         const QString accession = ui->txtAccNo->text().trimmed();
-        if (!GetItemByAccession(accession, this)) {
-            UserMessage(QStringLiteral("This accession number does not exist"));
-            return;
-        }
-        if (ItemAvailable(accession)) {
-            UserMessage(QStringLiteral("This accession number is not on loan and cannot be returned"));
-            return;
-        }
-        if (!GetLoanDefaults(accession))
+        if (!readyForLoanAction(accession, QStringLiteral("returned")))
             return;
         if (!ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), 0, QStringLiteral("return"), QDate(), rules_.FineAmount, rules_.FineInterval))
             return;

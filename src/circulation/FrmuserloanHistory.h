@@ -39,6 +39,8 @@ public Q_SLOTS:
 
 private:
     bool GetLoanDefaults(const QString &accession);
+    /// The copy exists and is out on loan ("renewed"/"returned" name the refusal), and its rules are loaded.
+    bool readyForLoanAction(const QString &accession, const QString &action);
     void actionDone(const QString &message);
 
     std::unique_ptr<Ui::FrmuserloanHistory> ui;

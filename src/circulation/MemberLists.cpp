@@ -3,11 +3,14 @@
 #include "AppError.h"
 #include "Clock.h"
 #include "DbConnection.h"
+#include "LoanRoutines.h"
 #include "Recordset.h"
 #include "UpdateDatabase.h"
+#include "mCombo.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QSignalBlocker>
 
 std::shared_ptr<Recordset> CentralQuery(const QString &sql)
@@ -56,4 +59,48 @@ void FillReservationMembers(QComboBox *combo, const QString &memberKind)
     else
         FillMemberCombo(combo, QStringLiteral("Select staffid,sname,fname, IDNumber from staffmembers where status = 'C' order by sname,fname"),
                         QStringLiteral("staffid"), {QStringLiteral("sname"), QStringLiteral("fname"), QStringLiteral("staffid")});
+}
+
+void FillFinePaymentMembers(QComboBox *combo, const QString &memberKind)
+{
+    if (memberKind == QLatin1String("L"))
+        FillMemberCombo(combo, QStringLiteral("Select id,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' order by sname,fname"),
+                        QStringLiteral("id"), {QStringLiteral("sname"), QStringLiteral("fname"), QStringLiteral("classname"), QStringLiteral("accessionno")});
+    else if (memberKind == QLatin1String("E"))
+        FillMemberCombo(combo, QStringLiteral("Select edid,sname,fname from Educators where status = 'C' order by sname,fname"),
+                        QStringLiteral("edid"), {QStringLiteral("sname"), QStringLiteral("fname")});
+    else
+        FillMemberCombo(combo, QStringLiteral("Select staffid,sname,fname from staffmembers where status = 'C' order by sname,fname"),
+                        QStringLiteral("staffid"), {QStringLiteral("sname"), QStringLiteral("fname")});
+}
+
+MemberPicker::MemberPicker(QAbstractButton *learner, QAbstractButton *educator, QAbstractButton *staff, QComboBox *members, QLineEdit *number,
+                           Filler fill, const QString &location)
+    : QObject(members), learner_(learner), educator_(educator), members_(members), number_(number), fill_(fill), location_(location)
+{
+    new ComboTypeAhead(members);
+    for (QAbstractButton *option : {learner, educator, staff})
+        connect(option, &QAbstractButton::clicked, this, &MemberPicker::FillMembers);
+    connect(members, &QComboBox::activated, this, &MemberPicker::chosen);
+}
+
+void MemberPicker::FillMembers()
+{
+    try {
+        fill_(members_, kind());
+    } catch (const AppError &e) {
+        ReportError(location_, QStringLiteral("FillMembers"), e);
+    }
+}
+
+void MemberPicker::chosen()
+{
+    if (members_->currentIndex() < 0)
+        return;
+    try {
+        Q_EMIT memberChosen();
+        number_->setText(GetMemberIDNo(members_->currentData().toInt(), kind()).toString());
+    } catch (const AppError &e) {
+        ReportError(location_, QStringLiteral("cboMembers_Click"), e);
+    }
 }

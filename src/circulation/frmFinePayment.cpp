@@ -32,15 +32,13 @@ double number(const QString &text)
 frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmFinePayment>())
 {
     ui->setupUi(this);
-    new ComboTypeAhead(ui->cboMembers);
+    members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtmemberID, FillFinePaymentMembers, Location);
+    connect(members_, &MemberPicker::memberChosen, this, &frmFinePayment::ClearSpreads);
     ui->fpSpreadFined->defineColumns({{"AccessionNo", 12}, {"Title", 34}, {"Due Date", 11}, {"Returned Date", 12}, {"Fine Amount", 10},
                                       {"Payment", 8}, {"Cancel", 7}});
     ui->fpSpreadFined->setColumnType(PaymentColumn, SpreadModel::CellType::CheckBox);
     ui->fpSpreadFined->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
     ui->fpSpreadPayCancel->defineColumns({{"AccessionNo", 12}, {"Amount", 10}, {"Payment Date", 12}, {"Cancel", 7}});
-    for (QRadioButton *option : {ui->optLearner, ui->optEducator, ui->optStaff})
-        connect(option, &QRadioButton::clicked, this, &frmFinePayment::optKind_Click);
-    connect(ui->cboMembers, &QComboBox::activated, this, &frmFinePayment::cboMembers_Click);
     connect(ui->cmdFind, &QPushButton::clicked, this, &frmFinePayment::cmdFind_Click);
     connect(ui->txtmemberID, &QLineEdit::returnPressed, this, &frmFinePayment::cmdFind_Click);
     connect(ui->fpSpreadFined, &SpreadGrid::cellEdited, this, &frmFinePayment::GetTicked);
@@ -48,46 +46,11 @@ frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_
     connect(ui->cmdPaymentProcess, &QPushButton::clicked, this, &frmFinePayment::cmdPaymentProcess_Click);
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmFinePayment::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
-    FillMembers();
+    members_->FillMembers();
     ClearSpreads();
 }
 
 frmFinePayment::~frmFinePayment() = default;
-
-void frmFinePayment::optKind_Click()
-{
-    kind_ = MemberKind(ui->optLearner, ui->optEducator);
-    FillMembers();
-}
-
-void frmFinePayment::FillMembers()
-{
-    try {
-        if (kind_ == QLatin1String("L"))
-            FillMemberCombo(ui->cboMembers, QStringLiteral("Select id,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' order by sname,fname"),
-                            QStringLiteral("id"), {QStringLiteral("sname"), QStringLiteral("fname"), QStringLiteral("classname"), QStringLiteral("accessionno")});
-        else if (kind_ == QLatin1String("E"))
-            FillMemberCombo(ui->cboMembers, QStringLiteral("Select edid,sname,fname from Educators where status = 'C' order by sname,fname"),
-                            QStringLiteral("edid"), {QStringLiteral("sname"), QStringLiteral("fname")});
-        else
-            FillMemberCombo(ui->cboMembers, QStringLiteral("Select staffid,sname,fname from staffmembers where status = 'C' order by sname,fname"),
-                            QStringLiteral("staffid"), {QStringLiteral("sname"), QStringLiteral("fname")});
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("FillMembers"), e);
-    }
-}
-
-void frmFinePayment::cboMembers_Click()
-{
-    if (ui->cboMembers->currentIndex() < 0)
-        return;
-    try {
-        ClearSpreads();
-        ui->txtmemberID->setText(GetMemberIDNo(ui->cboMembers->currentData().toInt(), kind_).toString());
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cboMembers_Click"), e);
-    }
-}
 
 QString frmFinePayment::finesOfMember() const
 {
@@ -106,7 +69,7 @@ void frmFinePayment::cmdFind_Click()
             UserMessage(QStringLiteral("Please enter a member number to search for a fine record"));
             return;
         }
-        kind_ = MemberKind(ui->optLearner, ui->optEducator);
+        kind_ = members_->kind();
         const QVariant member = GetMemberByIDNo(number, kind_);
         member_ = QString::number(member.isNull() ? 0 : member.toInt());
         LoadFines(finesOfMember() + QStringLiteral(" order by tblLibItems.Title"));

@@ -19,8 +19,6 @@ public:
     ~frmFinePayment() override;
 
 public Q_SLOTS:
-    void optKind_Click();
-    void cboMembers_Click();
     void cmdFind_Click();
     void GetTicked(int col, int row);
     void GetTotal();
@@ -33,13 +31,13 @@ public:
     void ClearSpreads();
 
 private:
-    void FillMembers();
     void AddToProcessList(const QString &transactionID, const QString &accession, const QString &amount, bool cancel);
     void markPending(bool pending);
     QString finesOfMember() const;
 
     std::unique_ptr<Ui::frmFinePayment> ui;
     clsDataObject data_;
+    class MemberPicker *members_;
     QString kind_ = QStringLiteral("L");
     QString member_ = QStringLiteral("0");
 };

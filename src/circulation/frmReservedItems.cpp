@@ -25,14 +25,11 @@ const QString ListHead = QStringLiteral(" SELECT r.ReserveID, i.AccessionID, i.T
 frmReservedItems::frmReservedItems(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmReservedItems>())
 {
     ui->setupUi(this);
-    new ComboTypeAhead(ui->cboMembers);
+    members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtMemberID, FillReservationMembers, Location);
     ui->fpSpreadReserves->defineColumns({{"Item Accssn #", 14}, {"Title", 36}, {"Date Res", 11}, {"Member", 26}, {"Type", 6}, {"Cancel", 7}});
     ui->fpSpreadReserves->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
     ui->dtFrom->setDate(Clock::today().addMonths(-3));
     ui->dtTo->setDate(Clock::today());
-    for (QRadioButton *option : {ui->optLearner, ui->optEducator, ui->optStaff})
-        connect(option, &QRadioButton::clicked, this, &frmReservedItems::optKind_Click);
-    connect(ui->cboMembers, &QComboBox::activated, this, &frmReservedItems::cboMembers_Click);
     connect(ui->cmdFind, &QPushButton::clicked, this, &frmReservedItems::cmdFind_Click);
     connect(ui->cmdFindAll, &QPushButton::clicked, this, &frmReservedItems::cmdFindAll_Click);
     connect(ui->chCancelAll, &QCheckBox::clicked, this, &frmReservedItems::chCancelAll_Click);
@@ -44,35 +41,10 @@ frmReservedItems::frmReservedItems(QWidget *parent) : QDialog(parent), ui(std::m
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmReservedItems::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     ui->fpSpreadReserves->clearRows();
-    try {
-        FillReservationMembers(ui->cboMembers, kind_);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("FillMembers"), e);
-    }
+    members_->FillMembers();
 }
 
 frmReservedItems::~frmReservedItems() = default;
-
-void frmReservedItems::optKind_Click()
-{
-    kind_ = MemberKind(ui->optLearner, ui->optEducator);
-    try {
-        FillReservationMembers(ui->cboMembers, kind_);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("FillMembers"), e);
-    }
-}
-
-void frmReservedItems::cboMembers_Click()
-{
-    if (ui->cboMembers->currentIndex() < 0)
-        return;
-    try {
-        ui->txtMemberID->setText(GetMemberIDNo(ui->cboMembers->currentData().toInt(), kind_).toString());
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cboMembers_Click"), e);
-    }
-}
 
 void frmReservedItems::cmdFind_Click()
 {
@@ -84,9 +56,9 @@ void frmReservedItems::cmdFind_Click()
         else if (!ui->txtTitle->text().isEmpty())
             criteria += QStringLiteral(" and (i.Title Like '%") + ui->txtTitle->text() + QStringLiteral("%')");
         if (!ui->txtMemberID->text().isEmpty()) {
-            const QVariant member = GetMemberByIDNo(ui->txtMemberID->text(), kind_);
+            const QVariant member = GetMemberByIDNo(ui->txtMemberID->text(), members_->kind());
             criteria += QStringLiteral(" and (r.memberid = ") + QString::number(member.isNull() ? 0 : member.toInt())
-                        + QStringLiteral(" and MemberType = '") + kind_ + QStringLiteral("')");
+                        + QStringLiteral(" and MemberType = '") + members_->kind() + QStringLiteral("')");
         }
         criteria += QStringLiteral(" and (r.ReserveDate between #") + SqlDate(ui->dtFrom->date()) + QStringLiteral("# and #")
                     + SqlDate(ui->dtTo->date()) + QStringLiteral("#)");

@@ -19,8 +19,6 @@ public:
     ~frmReservedItems() override;
 
 public Q_SLOTS:
-    void optKind_Click();
-    void cboMembers_Click();
     void cmdFind_Click();
     void cmdFindAll_Click();
     void chCancelAll_Click();
@@ -37,5 +35,5 @@ private:
 
     std::unique_ptr<Ui::frmReservedItems> ui;
     clsDataObject data_;
-    QString kind_ = QStringLiteral("L");
+    class MemberPicker *members_;
 };

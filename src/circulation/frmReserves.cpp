@@ -22,14 +22,11 @@ constexpr int ReserveColumn = 3, CancelColumn = 5;
 frmReserves::frmReserves(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmReserves>())
 {
     ui->setupUi(this);
-    new ComboTypeAhead(ui->cboMembers);
+    members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtMemberID, FillReservationMembers, Location);
     ui->fpSpreadSearch->defineColumns({{"Item Accssn #", 14}, {"Title", 44}, {"Reserve", 9}});
     ui->fpSpreadSearch->setColumnType(ReserveColumn, SpreadModel::CellType::Button, QStringLiteral("Reserve"));
     ui->fpSpreadReserves->defineColumns({{"Item Accssn #", 14}, {"Member ID", 16}, {"Type", 6}, {"Date Reserved", 13}, {"Cancel", 7}});
     ui->fpSpreadReserves->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
-    for (QRadioButton *option : {ui->optLearner, ui->optEducator, ui->optStaff})
-        connect(option, &QRadioButton::clicked, this, &frmReserves::optKind_Click);
-    connect(ui->cboMembers, &QComboBox::activated, this, &frmReserves::cboMembers_Click);
     connect(ui->cmdFind, &QPushButton::clicked, this, &frmReserves::cmdFind_Click);
     connect(ui->txtAccessionNo, &QLineEdit::returnPressed, this, &frmReserves::cmdFind_Click);
     connect(ui->txtTitle, &QLineEdit::returnPressed, this, &frmReserves::cmdFind_Click);
@@ -38,36 +35,10 @@ frmReserves::frmReserves(QWidget *parent) : QDialog(parent), ui(std::make_unique
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmReserves::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     ClearGrids();
-    FillMembers();
+    members_->FillMembers();
 }
 
 frmReserves::~frmReserves() = default;
-
-void frmReserves::optKind_Click()
-{
-    kind_ = MemberKind(ui->optLearner, ui->optEducator);
-    FillMembers();
-}
-
-void frmReserves::FillMembers()
-{
-    try {
-        FillReservationMembers(ui->cboMembers, kind_);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("FillMembers"), e);
-    }
-}
-
-void frmReserves::cboMembers_Click()
-{
-    if (ui->cboMembers->currentIndex() < 0)
-        return;
-    try {
-        ui->txtMemberID->setText(GetMemberIDNo(ui->cboMembers->currentData().toInt(), kind_).toString());
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cboMembers_Click"), e);
-    }
-}
 
 void frmReserves::ClearGrids()
 {
@@ -205,7 +176,7 @@ void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)
 
 void frmReserves::reserve(int row)
 {
-    kind_ = MemberKind(ui->optLearner, ui->optEducator);
+    kind_ = members_->kind();
     if (ui->txtMemberID->text().isEmpty()) {
         UserMessage(QStringLiteral("Please enter Member ID"));
         ui->txtMemberID->setFocus();

@@ -19,8 +19,6 @@ public:
     ~frmReserves() override;
 
 public Q_SLOTS:
-    void optKind_Click();
-    void cboMembers_Click();
     void cmdFind_Click();
     void fpSpreadSearch_ButtonClicked(int col, int row);
     void cmdProceessCancelation_Click();
@@ -36,12 +34,12 @@ public:
     void ClearGrids();
 
 private:
-    void FillMembers();
     void reserve(int row);
     void appendFound();
 
     std::unique_ptr<Ui::frmReserves> ui;
     clsDataObject data_;
+    class MemberPicker *members_;
     QString kind_ = QStringLiteral("L");
     qint16 maxItemReservations_ = 0;
     qint16 maxMemberReservations_ = 0;

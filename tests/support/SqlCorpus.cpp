@@ -129,18 +129,18 @@ QStringList shapeVariants(const QString &statement)
         for (const JetToken &tok : tokens) {
             const size_t begin = size_t(tok.text.data() - utf8.constData());
             out.append(utf8.constData() + at, begin - at);
-            std::string text(tok.text);
             if (variant < 2 && tok.kind == JetToken::Word) {
-                for (char &c : text)
-                    c = variant == 0 ? char(std::toupper(static_cast<unsigned char>(c))) : char(std::tolower(static_cast<unsigned char>(c)));
+                for (char c : tok.text)
+                    out += variant == 0 ? char(std::toupper(static_cast<unsigned char>(c))) : char(std::tolower(static_cast<unsigned char>(c)));
             } else if (variant == 2 && tok.kind == JetToken::Number) {
-                text = "7";
+                out += '7';
             } else if (variant == 2 && tok.kind == JetToken::String) {
-                text = "'o''Brien'";
+                out.append("'o''Brien'");
             } else if (variant == 2 && tok.kind == JetToken::Date) {
-                text = "#2/29/2024#";
+                out.append("#2/29/2024#");
+            } else {
+                out.append(tok.text);
             }
-            out += text;
             at = begin + tok.text.size();
         }
         out.append(utf8.constData() + at, size_t(utf8.size()) - at);
