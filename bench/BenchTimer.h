@@ -15,6 +15,15 @@ public:
         f();
         samples_.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
     }
+    /// Times f without keeping the sample; add() keeps it when it counts.
+    template <typename F>
+    static double measure(F &&f)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        f();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    }
+    void add(double milliseconds) { samples_.push_back(milliseconds); }
     double percentile(double p)
     {
         std::sort(samples_.begin(), samples_.end());

@@ -85,12 +85,43 @@ void frmReserves::cmdFind_Click()
             return;
         }
         appendFound();
+        if (!ui->txtMemberID->text().isEmpty())
+            memberByNumber();
         for (int row = 1; row <= ui->fpSpreadSearch->maxRows(); ++row)
             LoadReserves(ui->fpSpreadSearch->cellText(1, row));
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("cmdFind_Click"), e);
     }
+}
+
+// The member of the typed number, read as the screen always has; nothing of it is shown.
+QVariant frmReserves::memberByNumber()
+{
+    const QVariant found = GetMemberByIDNo(Safesql(ui->txtMemberID->text()), members_->kind());
+    const QString id = QString::number(found.isNull() ? 0 : found.toInt());
+    const QString kind = members_->kind();
+    const QString sql = kind == QLatin1String("L")
+                            ? QStringLiteral("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and [ID] = ") + id + QStringLiteral(" order by sname,fname")
+                        : kind == QLatin1String("E") ? QStringLiteral("Select edid as IDNo,sname,fname,IDNumber from Educators where status = 'C'and EdID = ") + id + QStringLiteral("  order by sname,fname")
+                                                     : QStringLiteral("Select staffid as IDNo,sname,fname, IDNumber from staffmembers where status = 'C' and StaffID = ") + id + QStringLiteral("  order by sname,fname");
+    const auto rs = CentralQuery(sql);
+    return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
+}
+
+bool frmReserves::Validate()
+{
+    if (data_.GetData(QStringLiteral("select ItemID from tblLibItems where AccessionID = '") + Safesql(ui->txtAccessionNo->text()) + QStringLiteral("'")) < 1) {
+        data_.CloseCompact();
+        UserMessage(QStringLiteral("Item was not found"));
+        return false;
+    }
+    data_.CloseCompact();
+    if (memberByNumber().isNull()) {
+        UserMessage(QStringLiteral("Member not found"));
+        return false;
+    }
+    return true;
 }
 
 void frmReserves::LoadReserves(const QString &accession)

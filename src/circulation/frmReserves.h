@@ -32,9 +32,12 @@ public:
     int CountMemberReservations(const QString &kind, int member);
     void LoadReservationLimits();
     void ClearGrids();
+    /// The field check: "Item was not found" or "Member not found"; true when both are found.
+    bool Validate();
 
 private:
     void reserve(int row);
+    QVariant memberByNumber();
     void appendFound();
 
     std::unique_ptr<Ui::frmReserves> ui;

@@ -189,3 +189,22 @@ TEST_F(Reservations, UnusualTextInEveryBoxEndsInAMessageOrAReport)
         EXPECT_TRUE(m.title == "User Message" || m.title.startsWith("Error : ")) << m.title.toStdString();
     EXPECT_EQ(libraryRows("select * from tblLibReserves"), before);
 }
+
+TEST_F(Reservations, ValidateNamesWhatIsMissing)
+{
+    frmReserves screen;
+    type(screen, "txtAccessionNo", "Z9");
+    EXPECT_FALSE(screen.Validate());
+    type(screen, "txtAccessionNo", "A1");
+    type(screen, "txtMemberID", "L999");
+    EXPECT_FALSE(screen.Validate());
+    type(screen, "txtMemberID", "L100");
+    EXPECT_TRUE(screen.Validate());
+    EXPECT_EQ(messages_->prompts(), (QStringList{"Item was not found", "Member not found"}));
+    // A title search with a member number also reads the member, as the screen always did.
+    type(screen, "txtAccessionNo", "");
+    type(screen, "txtTitle", "Book");
+    sent_.clear();
+    click(screen, "cmdFind");
+    EXPECT_TRUE(sent_.contains("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and [ID] = 12 order by sname,fname"));
+}
