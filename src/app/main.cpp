@@ -1,4 +1,5 @@
 #include "AppError.h"
+#include "CatalogueScreens.h"
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "SchoolGenerator.h"
@@ -107,6 +108,7 @@ int main(int argc, char *argv[])
 
     ScreenRegistry screens;
     registerCirculationScreens(screens);
+    registerCatalogueScreens(screens);
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
     if (parser.isSet(options.quitAfterStart))

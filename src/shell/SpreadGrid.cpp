@@ -172,7 +172,7 @@ int SpreadGrid::selectedRow() const
     return rows.isEmpty() ? 0 : rows.first().row() + 1;
 }
 
-void SpreadGrid::defineColumns(std::initializer_list<std::pair<const char *, double>> columns)
+void SpreadGrid::defineColumns(const std::vector<std::pair<const char *, double>> &columns)
 {
     setMaxCols(int(columns.size()));
     int col = 0;

@@ -6,7 +6,7 @@
 #include <QWidget>
 
 #include <array>
-#include <initializer_list>
+#include <vector>
 #include <utility>
 
 class QPaintDevice;
@@ -39,7 +39,7 @@ public:
     void endFill() override;
 
     /// Sets the columns of a list: their number, captions and widths (characters), in order from column 1.
-    void defineColumns(std::initializer_list<std::pair<const char *, double>> columns);
+    void defineColumns(const std::vector<std::pair<const char *, double>> &columns);
 
     /// Check-box cells: ticked when the text is "1".
     bool isChecked(int col, int row) const { return model_->cellUtf8(col, row) == "1"; }

@@ -1,0 +1,6 @@
+#pragma once
+
+class ScreenRegistry;
+
+/// Registers the catalogue screens built so far with the main menu: the six reference lists.
+void registerCatalogueScreens(ScreenRegistry &screens);
