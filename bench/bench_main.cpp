@@ -1,6 +1,7 @@
 // Benchmarks on the large school: Jet translation, the loan engine and the data object.
 #include "AppError.h"
 #include "BenchTimer.h"
+#include "CatalogueBench.h"
 #include "CirculationBench.h"
 #include "Clock.h"
 #include "ConnectionPool.h"
@@ -271,6 +272,7 @@ int main(int argc, char *argv[])
         benchFillSpread();
         benchLoanEngine();
         benchCirculationScreens();
+        benchCatalogueScreens();
         benchStartUp(work.path());
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));
