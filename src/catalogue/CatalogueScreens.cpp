@@ -1,6 +1,7 @@
 #include "CatalogueScreens.h"
 
 #include "ScreenRegistry.h"
+#include "frmCategories.h"
 #include "frmReferenceList.h"
 
 namespace {
@@ -12,6 +13,7 @@ template <typename Screen> void add(ScreenRegistry &screens, const char *name)
 
 void registerCatalogueScreens(ScreenRegistry &screens)
 {
+    add<frmCategories>(screens, "frmCategories");
     add<frmSeries>(screens, "frmSeries");
     add<frmPublisher>(screens, "frmPublisher");
     add<frmAuthor>(screens, "frmAuthor");
