@@ -4,7 +4,8 @@ set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-base-dev-tools libgl-dev
           libsqlite3-dev libgtest-dev
-          poppler-utils)  # pdftotext: tests read printed pages back
+          libzint-dev glabels-data  # barcodes and label stocks
+          poppler-utils zbar-tools)  # tests read printed pages and barcodes back
 # The fuzzers (tools/fuzz.sh) need clang and its sanitizer and libFuzzer runtimes.
 if [ "${1:-}" = "--fuzz" ]; then
   packages=(clang libclang-rt-dev)
