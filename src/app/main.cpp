@@ -108,7 +108,7 @@ int main(int argc, char *argv[])
 
     ScreenRegistry screens;
     registerCirculationScreens(screens);
-    registerCatalogueScreens(screens);
+    registerCatalogueScreens(screens, settings);
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
     if (parser.isSet(options.quitAfterStart))

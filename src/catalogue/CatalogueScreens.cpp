@@ -2,6 +2,7 @@
 
 #include "ScreenRegistry.h"
 #include "frmCategories.h"
+#include "frmLabelList.h"
 #include "frmReferenceList.h"
 
 namespace {
@@ -11,8 +12,9 @@ template <typename Screen> void add(ScreenRegistry &screens, const char *name)
 }
 } // namespace
 
-void registerCatalogueScreens(ScreenRegistry &screens)
+void registerCatalogueScreens(ScreenRegistry &screens, SettingsStore &settings)
 {
+    screens.add(QStringLiteral("frmLabelList"), [&settings](QWidget *parent) { return new frmLabelList(settings, parent); });
     add<frmCategories>(screens, "frmCategories");
     add<frmSeries>(screens, "frmSeries");
     add<frmPublisher>(screens, "frmPublisher");

@@ -2,6 +2,7 @@
 #include "CatalogueScreens.h"
 #include "DbConnection.h"
 #include "ScreenRegistry.h"
+#include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
@@ -225,8 +226,9 @@ TEST_F(ReferenceLists, KeywordsAreRemovedOnlyWhenUnlinked)
 TEST_F(ReferenceLists, EveryListOpensFromTheMenuRegistryAndPrints)
 {
     ScreenRegistry screens;
-    registerCatalogueScreens(screens);
-    for (const char *name : {"frmSeries", "frmPublisher", "frmAuthor", "frmLanguages", "frmSubjectsList", "frmKeywordList"})
+    SettingsStore settings(path("shelvora.ini"));
+    registerCatalogueScreens(screens, settings);
+    for (const char *name : {"frmCategories", "frmLabelList", "frmSeries", "frmPublisher", "frmAuthor", "frmLanguages", "frmSubjectsList", "frmKeywordList"})
         EXPECT_TRUE(screens.has(QLatin1String(name))) << name;
     library("Insert into tblLibPublishers (Publisher) values ('Tafelberg')");
     frmPublisher screen;

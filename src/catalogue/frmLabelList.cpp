@@ -1,0 +1,237 @@
+#include "frmLabelList.h"
+#include "ui_frmLabelList.h"
+
+#include "AppError.h"
+#include "LabelSheet.h"
+#include "PrintJob.h"
+#include "SettingsStore.h"
+#include "SpreadGrid.h"
+#include "UpdateDatabase.h"
+#include "modExtendedMsgBox.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+const QString Location = QStringLiteral("frmLabelList");
+constexpr int PrintColumn = 7;
+const char *const OrderFields[] = {"", "AccessionID", "ShelfNumber", "ClassificationNo", "Author1", "Title", "ISBN"};
+
+const QString SelectList = QStringLiteral(
+    " select i.ItemID,i.AccessionID, i.CategoryID, c.Category, i.SubCategoryID, sc.SubCategory, i.Title, (a1.Authorsurname + ', ' + a1.Authorfirstname) as Author1, "
+    "(a2.Authorsurname + ', ' + a2.Authorfirstname) as Author2,i.classificationno, i.ReferenceItem, i.Restricted, LoanType");
+
+QString itemsFrom(const char *categoryJoin)
+{
+    return SelectList + QStringLiteral(", i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased")
+           + QStringLiteral(" FROM ((((((tblLibItems AS i %1 JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID) LEFT JOIN tblLibSeries AS s ON i.SeriesID = s.SeriesID)")
+                 .arg(QLatin1String(categoryJoin))
+           + QStringLiteral(" LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID = sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID = i.ItemLanguageID)")
+           + QStringLiteral(" Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )");
+}
+
+} // namespace
+
+frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::frmLabelList>()), settings_(settings)
+{
+    ui->setupUi(this);
+    ui->fpSpreadStock->defineColumns({{"Accession No", 12}, {"Shelf No", 12}, {"Class", 10}, {"Authors", 30}, {"Title", 36}, {"ISBN", 14}, {"Print", 6}});
+    ui->fpSpreadStock->setColumnType(PrintColumn, SpreadModel::CellType::CheckBox);
+    for (const LabelStock &stock : templates_.stocks())
+        ui->cboLabelStock->addItem(stock.name + QStringLiteral(" (") + QString::number(stock.perSheet()) + QStringLiteral(" on ")
+                                       + stock.paper + QStringLiteral(")"),
+                                   stock.name);
+    ui->cboLabelStock->setCurrentIndex(ui->cboLabelStock->findData(settings_.value(QLatin1String(LabelStockKey))));
+    connect(ui->cmdAll, &QPushButton::clicked, this, &frmLabelList::cmdAll_Click);
+    connect(ui->cmdSearch, &QPushButton::clicked, this, &frmLabelList::cmdSearch_Click);
+    connect(ui->cmbCategory, &QComboBox::activated, this, &frmLabelList::cmbCategory_Click);
+    connect(ui->chkAll, &QCheckBox::clicked, this, &frmLabelList::chkAll_Click);
+    connect(ui->fpSpreadStock, &SpreadGrid::headerClicked, this, &frmLabelList::OrderItems);
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &frmLabelList::cmdPrint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
+    try {
+        data_.Fillcombo(ui->cmbCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
+        data_.CloseCompact();
+        ui->cmbCategory->setCurrentIndex(-1);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Form_Load"), e);
+    }
+}
+
+frmLabelList::~frmLabelList() = default;
+
+void frmLabelList::fill(const QString &sql)
+{
+    listStatement_ = sql;
+    SpreadGrid &grid = *ui->fpSpreadStock;
+    const int rows = data_.GetData(sql + (orderColumn_ == 0 ? QStringLiteral(" Order By Title, AccessionID")
+                                                             : QStringLiteral(" Order By i.") + QLatin1String(OrderFields[orderColumn_])
+                                                                   + (descending_ ? QStringLiteral(" DESC") : QStringLiteral(" ASC"))));
+    grid.beginFill();
+    grid.setMaxRows(rows);
+    int row = 0;
+    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+        ++row;
+        QStringList authors;
+        for (const char *field : {"Author1", "Author2"})
+            if (!rs.field(QLatin1String(field)).toString().isEmpty())
+                authors << rs.field(QLatin1String(field)).toString();
+        grid.setCellText(0, row, rs.field(QStringLiteral("ItemID")).toString());
+        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
+        grid.setCellText(2, row, rs.field(QStringLiteral("ShelfNumber")).toString());
+        grid.setCellText(3, row, rs.field(QStringLiteral("classificationno")).toString());
+        grid.setCellText(4, row, authors.join(QStringLiteral("; ")));
+        grid.setCellText(5, row, rs.field(QStringLiteral("Title")).toString());
+        grid.setCellText(6, row, rs.field(QStringLiteral("ISBN")).toString());
+        grid.setChecked(PrintColumn, row, false);
+    }
+    grid.endFill();
+    data_.CloseCompact();
+    ui->chkAll->setChecked(false);
+}
+
+void frmLabelList::cmdAll_Click()
+{
+    try {
+        orderColumn_ = 0;
+        fill(itemsFrom("INNER") + QStringLiteral(" where i.PhasedOut=False  "));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmdAll_Click"), e);
+    }
+}
+
+void frmLabelList::cmdSearch_Click()
+{
+    try {
+        QStringList terms;
+        if (ui->cmbCategory->currentIndex() >= 0)
+            terms << QStringLiteral(" i.CategoryID = ") + QString::number(ui->cmbCategory->currentData().toInt());
+        if (ui->cmbSubCategory->currentIndex() >= 0)
+            terms << QStringLiteral(" i.SubCategoryID = ") + QString::number(ui->cmbSubCategory->currentData().toInt());
+        auto like = [&](QLineEdit *box, const QString &before, const QString &after) {
+            if (!box->text().isEmpty())
+                terms << before + box->text() + after;
+        };
+        like(ui->txtAccessionNo, QStringLiteral(" i.AccessionID like '%"), QStringLiteral("%'"));
+        if (!ui->txtAuthorSurname->text().isEmpty())
+            terms << QStringLiteral(" (a1.AuthorSurname like '") + ui->txtAuthorSurname->text() + QStringLiteral("%' or a2.AuthorSurname like '")
+                         + ui->txtAuthorSurname->text() + QStringLiteral("%' )");
+        like(ui->txtTitle, QStringLiteral(" i.Title like '%"), QStringLiteral("%'"));
+        like(ui->txtClassificationNo, QStringLiteral(" i.ClassificationNo like '%"), QStringLiteral("%'"));
+        like(ui->txtISBN, QStringLiteral(" i.ISBN like '%"), QStringLiteral("%'"));
+        like(ui->txtShelf, QStringLiteral(" i.ShelfNumber like '%"), QStringLiteral("%'"));
+        if (ui->chRestricted->isChecked())
+            terms << QStringLiteral(" i.restricted = true");
+        if (ui->chShortLoan->isChecked())
+            terms << QStringLiteral(" i.Loantype = 'S'");
+        if (terms.isEmpty()) {
+            UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
+            return;
+        }
+        orderColumn_ = 0;
+        fill(itemsFrom("LEFT") + QStringLiteral(" Where i.PhasedOut = False And ") + terms.join(QStringLiteral(" and ")));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmdSearch_Click"), e);
+    }
+}
+
+void frmLabelList::cmbCategory_Click()
+{
+    try {
+        ui->cmbSubCategory->clear();
+        data_.Fillcombo(ui->cmbSubCategory, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
+                                                + QString::number(ui->cmbCategory->currentData().toInt()) + QStringLiteral(" order by subcategory"),
+                        0, 1);
+        data_.CloseCompact();
+        ui->cmbSubCategory->setCurrentIndex(-1);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmbCategory_Click"), e);
+    }
+}
+
+void frmLabelList::chkAll_Click()
+{
+    SpreadGrid &grid = *ui->fpSpreadStock;
+    for (int row = 1; row <= grid.maxRows(); ++row)
+        grid.setChecked(PrintColumn, row, ui->chkAll->isChecked());
+}
+
+void frmLabelList::OrderItems(int column)
+{
+    if (listStatement_.isEmpty() || column < 1 || column > 6)
+        return;
+    try {
+        descending_ = column == orderColumn_ && !descending_;
+        orderColumn_ = column;
+        fill(listStatement_);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Order Items Routine"), e);
+    }
+}
+
+QStringList frmLabelList::tickedTexts(bool barcodes) const
+{
+    const SpreadGrid &grid = *ui->fpSpreadStock;
+    QStringList texts;
+    for (int row = 1; row <= grid.maxRows(); ++row)
+        if (grid.isChecked(PrintColumn, row))
+            texts << grid.cellText(barcodes ? 1 : 2, row);
+    return texts;
+}
+
+QString frmLabelList::CreateList()
+{
+    const bool barcodes = ui->optBarcode->isChecked();
+    const QString path = QDir(ApplicationFolder()).filePath(QStringLiteral("libdata1.txt"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        throw AppError(75, QStringLiteral("Path/File access error: %1").arg(path));
+    QByteArray data = (barcodes ? QByteArrayLiteral("AccessionID") : QByteArrayLiteral("ShelfNumber")) + "\t\r\n";
+    for (const QString &text : tickedTexts(barcodes))
+        data += (barcodes ? QByteArrayLiteral("*") + text.toUtf8() + QByteArrayLiteral("*") : text.toUtf8()) + "\t\r\n";
+    if (file.write(data) != data.size() || !file.flush())
+        throw AppError(61, QStringLiteral("Disk full: %1").arg(path));
+    return path;
+}
+
+void frmLabelList::cmdPrint_Click()
+{
+    QString list;
+    try {
+        if (ui->fpSpreadStock->maxRows() == 0) {
+            UserMessage(QStringLiteral("There are NO items in the list for printing."));
+            return;
+        }
+        const bool barcodes = ui->optBarcode->isChecked();
+        const QStringList texts = tickedTexts(barcodes);
+        if (texts.isEmpty()) {
+            UserMessage(QStringLiteral("There are NO items selected for label printing"));
+            return;
+        }
+        const QString stockName = ui->cboLabelStock->currentIndex() >= 0 ? ui->cboLabelStock->currentData().toString()
+                                                                          : settings_.value(QLatin1String(LabelStockKey));
+        const LabelStock *stock = templates_.find(stockName);
+        if (!stock) {
+            UserMessage(stockName.isEmpty() ? QStringLiteral("Please choose the label stock to print on.")
+                                            : QStringLiteral("The label stock \"") + stockName
+                                                  + QStringLiteral("\" is not among the label templates installed on this computer. Please choose another label stock."));
+            return;
+        }
+        settings_.setValue(QLatin1String(LabelStockKey), stock->name);
+        list = CreateList();
+        PrintJob job;
+        if (job.choose(this))
+            LabelSheet(*stock, barcodes ? LabelSheet::Barcode : LabelSheet::Spine).print(job.printer(), texts, ui->spnStartPosition->value());
+    } catch (const AppError &e) {
+        ReportError(Location, list.isEmpty() ? QStringLiteral("Create List") : QStringLiteral("Create Labels"), e);
+    }
+    if (!list.isEmpty())
+        QFile::remove(list);
+}
