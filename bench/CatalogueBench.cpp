@@ -3,9 +3,13 @@
 
 #include "BenchTimer.h"
 #include "DbConnection.h"
+#include "LabelSheet.h"
 #include "SpreadGrid.h"
 #include "UpdateDatabase.h"
 #include "frmReferenceList.h"
+
+#include <QPrinter>
+#include <QTemporaryDir>
 
 #include <cstdio>
 
@@ -35,4 +39,27 @@ void benchCatalogueScreens()
     std::printf("  rows: %d publishers\n", rows);
     publishers.report("frmPublisher opened and filled");
     authors.report("frmAuthor opened and filled");
+}
+
+void benchLabels()
+{
+    std::printf("Labels: 500 barcode labels on Avery L7160 sheets to a PDF\n");
+    const LabelTemplates templates;
+    const LabelStock *stock = templates.find(QStringLiteral("Avery L7160"));
+    if (!stock) {
+        std::printf("  the glabels templates are not installed\n");
+        return;
+    }
+    QStringList accessions;
+    for (int i = 1; i <= 500; ++i)
+        accessions << QStringLiteral("LB%1").arg(i, 5, 10, QLatin1Char('0'));
+    QTemporaryDir dir;
+    Samples sheet;
+    for (int run = 0; run < 5; ++run) {
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(dir.filePath(QStringLiteral("labels.pdf")));
+        sheet.time([&] { LabelSheet(*stock, LabelSheet::Barcode).print(printer, accessions, 1); });
+    }
+    sheet.report("500 barcode labels (24 sheets) to PDF");
 }

@@ -273,6 +273,7 @@ int main(int argc, char *argv[])
         benchLoanEngine();
         benchCirculationScreens();
         benchCatalogueScreens();
+        benchLabels();
         benchStartUp(work.path());
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));

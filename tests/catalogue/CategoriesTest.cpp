@@ -1,6 +1,7 @@
 // The category tree driven through its widgets.
 #include "Clock.h"
 #include "DbConnection.h"
+#include "ScreenDriver.h"
 #include "TestDatabases.h"
 #include "frmCategories.h"
 
@@ -24,7 +25,7 @@ protected:
         library("Insert into tblLibSubCategories (CategoryID, SubCategory) values (2, 'History')"); // 2
         library("Insert into tblLibSubCategories (CategoryID, SubCategory) values (2, 'Science')"); // 3
     }
-    template <typename T> static T *child(QWidget &screen, const char *name) { return screen.findChild<T *>(QLatin1String(name)); }
+    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
     static void type(QWidget &screen, const char *box, const QString &text)
     {
         QLineEdit *edit = child<QLineEdit>(screen, box);
@@ -32,7 +33,7 @@ protected:
         QCoreApplication::sendEvent(edit, &in); // the box worked in decides the level
         edit->setText(text);
     }
-    static void click(QWidget &screen, const char *button) { child<QAbstractButton>(screen, button)->click(); }
+    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
     // The tree as text: categories and, indented, their sub-categories, each with its key.
     static QStringList tree(frmCategories &screen)
     {

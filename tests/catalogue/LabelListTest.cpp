@@ -1,6 +1,7 @@
 // The label screen driven through its widgets: finding items, ticking them, the merge data file
 // and printing onto a chosen label stock.
 #include "DbConnection.h"
+#include "ScreenDriver.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
@@ -40,20 +41,9 @@ protected:
         SetApplicationFolder(QString());
         DatabaseTest::TearDown();
     }
-    template <typename T> static T *child(QWidget &screen, const char *name) { return screen.findChild<T *>(QLatin1String(name)); }
-    static void click(QWidget &screen, const char *button) { child<QAbstractButton>(screen, button)->click(); }
-    static QStringList grid(QWidget &screen)
-    {
-        const SpreadGrid *g = child<SpreadGrid>(screen, "fpSpreadStock");
-        QStringList out;
-        for (int r = 1; r <= g->maxRows(); ++r) {
-            QStringList cells;
-            for (int c = 1; c <= g->maxCols(); ++c)
-                cells << g->cellText(c, r);
-            out << cells.join('|');
-        }
-        return out;
-    }
+    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
+    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
+    static QStringList grid(QWidget &screen) { return ScreenDriver::rows(screen, "fpSpreadStock"); }
     static void tick(QWidget &screen, int row) { child<SpreadGrid>(screen, "fpSpreadStock")->toggleCheck(7, row); }
     QStringList sent_;
     std::unique_ptr<SettingsStore> settings_;

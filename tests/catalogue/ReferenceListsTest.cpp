@@ -1,6 +1,7 @@
 // The six reference lists, driven through their widgets on a library database the test makes.
 #include "CatalogueScreens.h"
 #include "DbConnection.h"
+#include "ScreenDriver.h"
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
@@ -27,26 +28,10 @@ protected:
         SchoolName.clear();
         DatabaseTest::TearDown();
     }
-    template <typename T> static T *child(QWidget &screen, const char *name)
-    {
-        T *widget = screen.findChild<T *>(QLatin1String(name));
-        EXPECT_NE(widget, nullptr) << name;
-        return widget;
-    }
-    static void type(QWidget &screen, const char *box, const QString &text) { child<QLineEdit>(screen, box)->setText(text); }
-    static void click(QWidget &screen, const char *button) { child<QAbstractButton>(screen, button)->click(); }
-    static QStringList grid(QWidget &screen)
-    {
-        const SpreadGrid *g = child<SpreadGrid>(screen, "fpSpread");
-        QStringList out;
-        for (int r = 1; r <= g->maxRows(); ++r) {
-            QStringList cells;
-            for (int c = 1; c <= g->maxCols(); ++c)
-                cells << g->cellText(c, r);
-            out << cells.join('|');
-        }
-        return out;
-    }
+    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
+    static void type(QWidget &screen, const char *box, const QString &text) { ScreenDriver::type(screen, box, text); }
+    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
+    static QStringList grid(QWidget &screen) { return ScreenDriver::rows(screen, "fpSpread"); }
     // Clicks the grid row whose first column reads text.
     static void select(QWidget &screen, const QString &text)
     {

@@ -62,16 +62,3 @@ void SchoolDesk::choose(QWidget &screen, const char *combo, const QString &text)
     box->setCurrentIndex(index);
     Q_EMIT box->activated(index);
 }
-
-QStringList SchoolDesk::rows(QWidget &screen, const char *grid)
-{
-    const SpreadGrid *g = child<SpreadGrid>(screen, grid);
-    QStringList out;
-    for (int r = 1; r <= g->maxRows(); ++r) {
-        QStringList cells;
-        for (int c = 1; c <= g->maxCols(); ++c)
-            cells << g->cellText(c, r);
-        out << cells.join('|');
-    }
-    return out;
-}

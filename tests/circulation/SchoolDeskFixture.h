@@ -2,6 +2,7 @@
 
 #include "Clock.h"
 #include "IssueDeskState.h"
+#include "ScreenDriver.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
 
@@ -25,20 +26,14 @@ protected:
     QStringList loans() { return libraryRows("select AccessionID, MemberType, MemberID, IssueDate, DueDate, Returned, Extensions from tblLibTransactions order by TransactionID"); }
     QStringList fines() { return libraryRows("select TransactionID, MemberType, MemberID, FineAmount, PaymentDate, PaymentAmount, FineCancelled from tblLibTransactionFines order by TransactionID"); }
 
-    template <typename T> static T *child(QWidget &screen, const char *name)
-    {
-        T *widget = screen.findChild<T *>(QLatin1String(name));
-        EXPECT_NE(widget, nullptr) << name;
-        return widget;
-    }
-    static void type(QWidget &screen, const char *box, const QString &text) { child<QLineEdit>(screen, box)->setText(text); }
-    static void click(QWidget &screen, const char *button) { child<QAbstractButton>(screen, button)->click(); }
+    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
+    static void type(QWidget &screen, const char *box, const QString &text) { ScreenDriver::type(screen, box, text); }
+    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
     /// Types into a scan box and presses Enter, as a barcode scanner does.
     static void scan(QWidget &screen, const char *box, const QString &text);
     /// Chooses a combo entry by its text, as a click on the list does.
     static void choose(QWidget &screen, const char *combo, const QString &text);
-    /// Every data row of a grid, its cells from column 1 joined by '|'.
-    static QStringList rows(QWidget &screen, const char *grid);
+    static QStringList rows(QWidget &screen, const char *grid) { return ScreenDriver::rows(screen, grid); }
 
     QStringList sent_;
 };

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "SpreadGrid.h"
+
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QStringList>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+/// Drives a screen's real widgets by their object names, as a user would.
+namespace ScreenDriver {
+
+template <typename T> T *child(QWidget &screen, const char *name)
+{
+    T *widget = screen.findChild<T *>(QLatin1String(name));
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+}
+
+inline void type(QWidget &screen, const char *box, const QString &text) { child<QLineEdit>(screen, box)->setText(text); }
+inline void click(QWidget &screen, const char *button) { child<QAbstractButton>(screen, button)->click(); }
+
+/// Every data row of a grid, its cells from column 1 joined by '|'.
+inline QStringList rows(QWidget &screen, const char *grid)
+{
+    const SpreadGrid *g = child<SpreadGrid>(screen, grid);
+    QStringList out;
+    for (int r = 1; r <= g->maxRows(); ++r) {
+        QStringList cells;
+        for (int c = 1; c <= g->maxCols(); ++c)
+            cells << g->cellText(c, r);
+        out << cells.join('|');
+    }
+    return out;
+}
+
+} // namespace ScreenDriver
