@@ -118,3 +118,14 @@ TEST_F(Labels, SpineLabelsFitTheirShelfNumbers)
     const QImage label = pages[0].copy(QRectF(second.x() * Dpi / 72, second.y() * Dpi / 72, second.width() * Dpi / 72, second.height() * Dpi / 72).toRect());
     EXPECT_LT(label.pixelColor(2, 2).lightness(), 256);
 }
+
+TEST_F(Labels, CharactersOutsideCode39AreWrittenInExtendedCode39)
+{
+    const LabelStock *stock = templates_.find("Avery L7160");
+    ASSERT_NE(stock, nullptr);
+    const std::vector<QImage> pages = printed(*stock, LabelSheet::Barcode, {"B*2", "lb-7"}, 1);
+    ASSERT_EQ(pages.size(), 1u);
+    // A reader in plain Code 39 sees the extended pairs; one set to full ASCII reads the number itself.
+    EXPECT_EQ(decoded(*stock, pages[0], 2), (QStringList{"B/J2", "+L+B-7"}));
+    EXPECT_TRUE(pdfText(dir_.filePath("labels.pdf")).contains("B*2"));
+}
