@@ -4,7 +4,8 @@ set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-base-dev-tools libgl-dev
           libsqlite3-dev libgtest-dev
-          libzint-dev glabels-data  # barcodes and label stocks
+          libzint-dev glabels-data libxlsxwriter-dev  # barcodes, label stocks, spreadsheets
+          unzip  # tests open the exported workbooks
           poppler-utils zbar-tools)  # tests read printed pages and barcodes back
 # The fuzzers (tools/fuzz.sh) need clang and its sanitizer and libFuzzer runtimes.
 if [ "${1:-}" = "--fuzz" ]; then

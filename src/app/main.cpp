@@ -1,5 +1,6 @@
 #include "AppError.h"
 #include "CatalogueScreens.h"
+#include "MemberScreens.h"
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "SchoolGenerator.h"
@@ -109,6 +110,7 @@ int main(int argc, char *argv[])
     ScreenRegistry screens;
     registerCirculationScreens(screens);
     registerCatalogueScreens(screens, settings);
+    registerMemberScreens(screens);
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
     if (parser.isSet(options.quitAfterStart))

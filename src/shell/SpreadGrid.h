@@ -60,6 +60,12 @@ public:
     /// The selected row, or 0.
     int selectedRow() const;
 
+    /// Writes the grid as a spreadsheet workbook (.xlsx): the captions as a header row, then one
+    /// row per grid row; whole numbers and decimals of up to nine digits before the point are
+    /// written as numbers, everything else as text. One line per export is added to logFile.
+    /// False when the file cannot be written (the reason is in the log).
+    bool ExportToExcel(const QString &path, const QString &sheetName, const QString &logFile) const;
+
     /// Pages needed to draw every row into area on device.
     int pageCount(const QRectF &area, QPaintDevice *device) const;
     /// Draws one page (1-based) of the grid into area.

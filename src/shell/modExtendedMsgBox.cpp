@@ -75,3 +75,10 @@ QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QStrin
         return script->takeFileName();
     return QFileDialog::getOpenFileName(parent, caption, QString(), filter);
 }
+
+QString ShowSaveFileDialog(QWidget *parent, const QString &caption, const QString &filter)
+{
+    if (MessageScript *script = MessageScript::active())
+        return script->takeFileName();
+    return QFileDialog::getSaveFileName(parent, caption, QString(), filter);
+}

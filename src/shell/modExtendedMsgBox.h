@@ -22,3 +22,5 @@ bool UserWarning(const QString &prompt);
 
 /// The file dialog of the system: the chosen file, or empty when cancelled.
 QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QString &filter);
+/// The save-file dialog; under a message script the next scripted file name (empty for Cancel).
+QString ShowSaveFileDialog(QWidget *parent, const QString &caption, const QString &filter);

@@ -85,5 +85,6 @@ QString pdfText(const QString &pdfPath)
     pdftotext.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdfPath, QStringLiteral("-")});
     if (!pdftotext.waitForFinished(30000))
         return QString();
-    return QString::fromUtf8(pdftotext.readAllStandardOutput());
+    // Compatibility forms undone: typographic ligatures (ﬀ, ﬁ) read as their letters.
+    return QString::fromUtf8(pdftotext.readAllStandardOutput()).normalized(QString::NormalizationForm_KC);
 }
