@@ -1,6 +1,7 @@
 #include "AppError.h"
 #include "CatalogueScreens.h"
 #include "MemberScreens.h"
+#include "ReportScreens.h"
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "SchoolGenerator.h"
@@ -111,6 +112,7 @@ int main(int argc, char *argv[])
     registerCirculationScreens(screens);
     registerCatalogueScreens(screens, settings);
     registerMemberScreens(screens);
+    registerReportScreens(screens);
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
     if (parser.isSet(options.quitAfterStart))

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+class QPainter;
+class QRectF;
+class Recordset;
+
+/// One of the nine report definitions: its name, title, the fields of its statement it shows,
+/// whether it groups learners by class, and whether it carries the period heading.
+struct ReportDefinition {
+    QString name;  // crdIssuedItems ...
+    QString title; // "Issued Items" ...
+    std::vector<std::pair<QString, QString>> columns; // caption, statement field ("mName": the member's name)
+    bool byClass = false;
+    bool periodHeading = false;
+
+    /// The definition of a name ("crdFinesPaidByClass"); an empty definition for an unknown one.
+    static ReportDefinition named(const QString &name);
+};
+
+/// A report ready to show: its definition, headings and rows (grouped by class when the definition
+/// does so), laid out on pages and drawn by Qt: a page header with the school's name and the
+/// report's title, the period heading where the definition has one, a table of the fields with the
+/// member's name, a count per class in the by-class reports, and "Page n of m" at the foot.
+class LibraryReport {
+public:
+    LibraryReport() = default;
+    LibraryReport(ReportDefinition definition, const QString &schoolName, const QString &periodHeading);
+
+    /// Adds a row: the statement's fields by name, with the member's name and class.
+    void addRow(const Recordset &rs, const QString &memberName, const QString &className);
+    /// Puts the rows in class order (by-class definitions); the order within a class is kept.
+    void finish();
+
+    const ReportDefinition &definition() const { return definition_; }
+    const QString &periodHeading() const { return periodHeading_; }
+    int rowCount() const { return int(rows_.size()); }
+    /// A row's cells as shown, in column order.
+    const QStringList &row(int index) const { return rows_[size_t(index)].cells; }
+    const QString &classOf(int index) const { return rows_[size_t(index)].className; }
+
+    /// Pages needed for a page area (device units of the painter's device at that resolution).
+    int pageCount(const QRectF &page, double dpi) const;
+    /// Draws one page (1-based).
+    void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const;
+
+private:
+    struct Row {
+        QStringList cells;
+        QString className;
+    };
+    // One line of the laid-out report: a class heading, a row, or a class count.
+    struct Line {
+        enum Kind { ClassHeading, Detail, ClassCount } kind;
+        int index; // row index, or the class's first row for headings and counts
+        int count;
+    };
+    std::vector<Line> lines() const;
+    int linesPerPage(const QRectF &page, double dpi) const;
+
+    ReportDefinition definition_;
+    QString schoolName_;
+    QString periodHeading_;
+    std::vector<Row> rows_;
+};

@@ -1,0 +1,6 @@
+#pragma once
+
+class ScreenRegistry;
+
+/// Registers the report screen with the main menu.
+void registerReportScreens(ScreenRegistry &screens);
