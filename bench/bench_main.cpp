@@ -3,6 +3,7 @@
 #include "BenchTimer.h"
 #include "CatalogueBench.h"
 #include "CirculationBench.h"
+#include "MembersReportsBench.h"
 #include "Clock.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
@@ -274,6 +275,7 @@ int main(int argc, char *argv[])
         benchCirculationScreens();
         benchCatalogueScreens();
         benchLabels();
+        benchMembersAndReports();
         benchStartUp(work.path());
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));
