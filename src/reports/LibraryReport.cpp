@@ -78,11 +78,13 @@ void LibraryReport::finish()
 {
     if (definition_.byClass)
         std::stable_sort(rows_.begin(), rows_.end(), [](const Row &a, const Row &b) { return a.className < b.className; });
+    layOut();
 }
 
-std::vector<LibraryReport::Line> LibraryReport::lines() const
+void LibraryReport::layOut()
 {
-    std::vector<Line> out;
+    std::vector<Line> &out = lines_;
+    out.clear();
     out.reserve(rows_.size() + 16);
     for (int i = 0; i < rowCount();) {
         if (!definition_.byClass) {
@@ -98,7 +100,6 @@ std::vector<LibraryReport::Line> LibraryReport::lines() const
         out.push_back({Line::ClassCount, i, end - i});
         i = end;
     }
-    return out;
 }
 
 // Layout in points: 12 pt lines; the header takes 5 lines (school, title, period, gap, captions), the foot 2.
@@ -110,7 +111,7 @@ int LibraryReport::linesPerPage(const QRectF &page, double dpi) const
 
 int LibraryReport::pageCount(const QRectF &page, double dpi) const
 {
-    const int total = int(lines().size());
+    const int total = int(lines_.size());
     const int perPage = linesPerPage(page, dpi);
     return std::max(1, (total + perPage - 1) / perPage);
 }
@@ -119,7 +120,7 @@ void LibraryReport::paintPage(QPainter &painter, const QRectF &page, int pageNum
 {
     const double dpi = painter.device()->logicalDpiY();
     const double line = 12.0 * Point * dpi;
-    const std::vector<Line> all = lines();
+    const std::vector<Line> &all = lines_;
     const int perPage = linesPerPage(page, dpi);
     const int pages = std::max(1, (int(all.size()) + perPage - 1) / perPage);
     QFont font(QStringLiteral("Sans Serif"));
@@ -145,9 +146,11 @@ void LibraryReport::paintPage(QPainter &painter, const QRectF &page, int pageNum
     for (int c = 0; c < columns; ++c)
         if (definition_.columns[size_t(c)].second == QLatin1String("Title") || definition_.columns[size_t(c)].second == QLatin1String("mName"))
             widths[size_t(c)] *= 2;
+    const QFontMetricsF plainMetrics(font, painter.device());
+    const QFontMetricsF boldMetrics(bold, painter.device());
     auto drawCells = [&](const QStringList &cells) {
         double x = page.left();
-        const QFontMetricsF fm(painter.font(), painter.device());
+        const QFontMetricsF &fm = painter.font().bold() ? boldMetrics : plainMetrics;
         for (int c = 0; c < columns; ++c) {
             const QRectF cell(x, y, widths[size_t(c)] - 4, line);
             painter.drawText(cell, Qt::AlignLeft | Qt::AlignVCenter, fm.elidedText(cells.value(c), Qt::ElideRight, cell.width()));

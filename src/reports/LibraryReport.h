@@ -33,7 +33,8 @@ public:
 
     /// Adds a row: the statement's fields by name, with the member's name and class.
     void addRow(const Recordset &rs, const QString &memberName, const QString &className);
-    /// Puts the rows in class order (by-class definitions); the order within a class is kept.
+    /// Puts the rows in class order (by-class definitions; the order within a class is kept) and lays
+    /// out the report's lines; call once every row is added.
     void finish();
 
     const ReportDefinition &definition() const { return definition_; }
@@ -59,11 +60,12 @@ private:
         int index; // row index, or the class's first row for headings and counts
         int count;
     };
-    std::vector<Line> lines() const;
+    void layOut();
     int linesPerPage(const QRectF &page, double dpi) const;
 
     ReportDefinition definition_;
     QString schoolName_;
     QString periodHeading_;
     std::vector<Row> rows_;
+    std::vector<Line> lines_; // laid out by finish()
 };

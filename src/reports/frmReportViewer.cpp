@@ -9,7 +9,8 @@
 #include <QFileInfo>
 #include <QPageLayout>
 #include <QPainter>
-#include <QPrintPreviewWidget>
+#include <QImage>
+#include <QScrollArea>
 #include <QPrinter>
 
 namespace {
@@ -22,19 +23,77 @@ void setUp(QPrinter &printer)
 }
 } // namespace
 
+// One page of the report on screen, drawn when it is painted, at the zoom chosen.
+class ReportPageView : public QWidget {
+public:
+    ReportPageView(const LibraryReport &report, QWidget *parent) : QWidget(parent), report_(report)
+    {
+        QPrinter printer(QPrinter::ScreenResolution);
+        setUp(printer);
+        page_ = printer.pageLayout().paintRectPoints();
+        pages_ = report_.pageCount(QRectF(QPointF(0, 0), page_.size()), 72.0);
+        resizeToZoom();
+    }
+    int pageCount() const { return pages_; }
+    int currentPage() const { return current_; }
+    void setCurrentPage(int page)
+    {
+        current_ = std::clamp(page, 1, pages_);
+        update();
+    }
+    void zoomBy(double factor)
+    {
+        zoom_ = std::clamp(zoom_ * factor, 0.25, 4.0);
+        resizeToZoom();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        // Drawn into an image of the zoomed resolution, so type and lines scale together.
+        const double dpi = zoom_ * logicalDpiX();
+        const double scale = dpi / 72.0;
+        QImage image(int(page_.width() * scale), int(page_.height() * scale), QImage::Format_RGB32);
+        image.setDotsPerMeterX(int(dpi / 0.0254));
+        image.setDotsPerMeterY(int(dpi / 0.0254));
+        image.fill(Qt::white);
+        {
+            QPainter onPage(&image);
+            report_.paintPage(onPage, QRectF(0, 0, image.width(), image.height()), current_);
+        }
+        QPainter painter(this);
+        painter.fillRect(rect(), Qt::lightGray);
+        painter.drawImage(QPointF(18 * scale, 18 * scale), image);
+    }
+
+private:
+    void resizeToZoom()
+    {
+        const double scale = zoom_ * logicalDpiX() / 72.0;
+        setFixedSize(QSize(int((page_.width() + 36) * scale), int((page_.height() + 36) * scale)));
+        update();
+    }
+
+    const LibraryReport &report_;
+    QRectF page_; // points
+    int pages_ = 1;
+    int current_ = 1;
+    double zoom_ = 1.0;
+};
+
 frmReportViewer::frmReportViewer(const LibraryReport &report, QWidget *parent)
-    : QDialog(parent), ui(std::make_unique<Ui::frmReportViewer>()), report_(report), previewPrinter_(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
+    : QDialog(parent), ui(std::make_unique<Ui::frmReportViewer>()), report_(report)
 {
     ui->setupUi(this);
     setWindowTitle(report.definition().title);
-    setUp(*previewPrinter_);
-    CRViewer1 = new QPrintPreviewWidget(previewPrinter_.get(), ui->viewerArea);
+    auto *scroll = new QScrollArea(ui->viewerArea);
+    scroll->setAlignment(Qt::AlignHCenter);
+    CRViewer1 = new ReportPageView(report_, scroll);
     CRViewer1->setObjectName(QStringLiteral("CRViewer1"));
-    ui->viewerArea->layout()->addWidget(CRViewer1);
-    connect(CRViewer1, &QPrintPreviewWidget::paintRequested, this, [this](QPrinter *printer) { render(*printer); });
-    connect(CRViewer1, &QPrintPreviewWidget::previewChanged, this, &frmReportViewer::showPageNumber);
-    connect(ui->cmdZoomIn, &QPushButton::clicked, CRViewer1, [this] { CRViewer1->zoomIn(); });
-    connect(ui->cmdZoomOut, &QPushButton::clicked, CRViewer1, [this] { CRViewer1->zoomOut(); });
+    scroll->setWidget(CRViewer1);
+    ui->viewerArea->layout()->addWidget(scroll);
+    connect(ui->cmdZoomIn, &QPushButton::clicked, this, [this] { CRViewer1->zoomBy(1.25); });
+    connect(ui->cmdZoomOut, &QPushButton::clicked, this, [this] { CRViewer1->zoomBy(0.8); });
     connect(ui->cmdNext, &QPushButton::clicked, this, [this] {
         CRViewer1->setCurrentPage(CRViewer1->currentPage() + 1);
         showPageNumber();
@@ -46,8 +105,7 @@ frmReportViewer::frmReportViewer(const LibraryReport &report, QWidget *parent)
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmReportViewer::cmdPrint_Click);
     connect(ui->cmdSavePdf, &QPushButton::clicked, this, &frmReportViewer::cmdSavePdf_Click);
     connect(ui->cmdClose, &QPushButton::clicked, this, &QDialog::accept);
-    CRViewer1->fitToWidth();
-    CRViewer1->updatePreview();
+    showPageNumber();
 }
 
 frmReportViewer::~frmReportViewer() = default;
@@ -78,6 +136,7 @@ bool frmReportViewer::saveAsPdf(const QString &path) const
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setResolution(300); // text stays vector; a finer grid only costs time
     printer.setOutputFileName(path);
     setUp(printer);
     try {

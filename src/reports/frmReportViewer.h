@@ -10,10 +10,11 @@ namespace Ui {
 class frmReportViewer;
 }
 class QPrinter;
-class QPrintPreviewWidget;
+class ReportPageView;
 
-/// The report viewer: a print preview of a report, with zoom, paging, printing through the print
-/// dialog and saving as PDF.
+/// The report viewer: the report's pages as they will print, drawn one at a time as they are
+/// shown (a long report opens at once), with zoom, paging, printing through the print dialog and
+/// saving as PDF.
 class frmReportViewer : public QDialog {
     Q_OBJECT
 public:
@@ -35,6 +36,5 @@ private:
 
     std::unique_ptr<Ui::frmReportViewer> ui;
     const LibraryReport &report_;
-    QPrintPreviewWidget *CRViewer1 = nullptr;
-    std::unique_ptr<QPrinter> previewPrinter_;
+    ReportPageView *CRViewer1 = nullptr;
 };
