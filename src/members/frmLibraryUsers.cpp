@@ -167,61 +167,62 @@ void frmLibraryUsers::cboClass_Click()
                 QStringLiteral("cboClass_Click"), Users);
 }
 
-void frmLibraryUsers::cmdShowAllEducators_Click()
+// Loads one list of educators or staff under its frame caption; errors are reported as the handler's.
+void frmLibraryUsers::showList(QGroupBox *frame, const QString &caption, bool educators, const QString &sql, const QString &location,
+                               const QString &procedure)
 {
     try {
-        ui->frEducatorInformation->setTitle(QStringLiteral("All Current Educators"));
-        LoadEducators(QStringLiteral("SELECT educators.SName, educators.FName, educators.EdID, educators.IDNumber") + QStringLiteral(" FROM educators ")
-                      + QStringLiteral("WHERE status = 'C' ORDER BY sname, fname"));
+        frame->setTitle(caption);
+        if (educators)
+            LoadEducators(sql);
+        else
+            LoadStaff(sql);
     } catch (const AppError &e) {
-        ReportError(Users, QStringLiteral("Show All Current Educators"), e);
+        ReportError(location, procedure, e);
     }
+}
+
+void frmLibraryUsers::cmdShowAllEducators_Click()
+{
+    showList(ui->frEducatorInformation, QStringLiteral("All Current Educators"), true,
+             QStringLiteral("SELECT educators.SName, educators.FName, educators.EdID, educators.IDNumber") + QStringLiteral(" FROM educators ")
+                 + QStringLiteral("WHERE status = 'C' ORDER BY sname, fname"),
+             Users, QStringLiteral("Show All Current Educators"));
 }
 
 void frmLibraryUsers::cmdShowAllArchivedEducators_Click()
 {
-    try {
-        ui->frEducatorInformation->setTitle(QStringLiteral("All Archived Educators"));
-        LoadEducators(QStringLiteral("SELECT educators.SName, educators.FName, educators.Key, educators.EdID, educators.IDNumber ")
-                      + QStringLiteral(" FROM educators  ") + QStringLiteral("WHERE  status = 'A' ORDER BY sname, fname"));
-    } catch (const AppError &e) {
-        ReportError(USers, QStringLiteral("Show All Archived Educators"), e);
-    }
+    showList(ui->frEducatorInformation, QStringLiteral("All Archived Educators"), true,
+             QStringLiteral("SELECT educators.SName, educators.FName, educators.Key, educators.EdID, educators.IDNumber ")
+                 + QStringLiteral(" FROM educators  ") + QStringLiteral("WHERE  status = 'A' ORDER BY sname, fname"),
+             USers, QStringLiteral("Show All Archived Educators"));
 }
 
 void frmLibraryUsers::cboFilter_Click()
 {
-    try {
-        const QString letter = ui->cboFilter->currentText();
-        ui->frEducatorInformation->setTitle(QStringLiteral("Educators Filter By: ") + letter);
-        LoadEducators(QStringLiteral("SELECT  educators.SName, educators.FName, educators.Key, educators.EdID, educators.IDNumber ")
-                      + QStringLiteral("FROM  educators  ") + QStringLiteral("WHERE status = 'C' AND SName LIKE '") + Safesql(letter)
-                      + QStringLiteral("%") + QStringLiteral("' ORDER BY sname, fname"));
-    } catch (const AppError &e) {
-        ReportError(Users, QStringLiteral("cboFilter_Click"), e);
-    }
+    const QString letter = ui->cboFilter->currentText();
+    showList(ui->frEducatorInformation, QStringLiteral("Educators Filter By: ") + letter, true,
+             QStringLiteral("SELECT  educators.SName, educators.FName, educators.Key, educators.EdID, educators.IDNumber ")
+                 + QStringLiteral("FROM  educators  ") + QStringLiteral("WHERE status = 'C' AND SName LIKE '") + Safesql(letter)
+                 + QStringLiteral("%") + QStringLiteral("' ORDER BY sname, fname"),
+             Users, QStringLiteral("cboFilter_Click"));
 }
 
 void frmLibraryUsers::cmdStaff_Click()
 {
-    try {
-        ui->frStaffInformation->setTitle(QStringLiteral("All Current Staff"));
-        LoadStaff(QStringLiteral("SELECT staffmembers.SName, staffmembers.FName, staffmembers.staffID, staffmembers.IDNumber")
-                  + QStringLiteral(" FROM staffmembers ") + QStringLiteral("WHERE status = 'C' ORDER BY sname, fname"));
-    } catch (const AppError &e) {
-        ReportError(Users, QStringLiteral("Show All Current Staff"), e);
-    }
+    showList(ui->frStaffInformation, QStringLiteral("All Current Staff"), false,
+             QStringLiteral("SELECT staffmembers.SName, staffmembers.FName, staffmembers.staffID, staffmembers.IDNumber")
+                 + QStringLiteral(" FROM staffmembers ") + QStringLiteral("WHERE status = 'C' ORDER BY sname, fname"),
+             Users, QStringLiteral("Show All Current Staff"));
 }
 
 void frmLibraryUsers::cmdArchivedStaff_Click()
 {
-    try {
-        ui->frStaffInformation->setTitle(QStringLiteral("All Archived Staff"));
-        LoadStaff(QStringLiteral("SELECT staffmembers.SName, staffmembers.FName, staffmembers.staffID, staffmembers.IDNumber")
-                  + QStringLiteral(" FROM staffmembers ") + QStringLiteral("WHERE status = 'A' ORDER BY sname, fname"));
-    } catch (const AppError &e) {
-        ReportError(Users, QStringLiteral("Show All Current Staff"), e); // reported under the current-staff label, as always
-    }
+    // Reported under the current-staff label, as it always was.
+    showList(ui->frStaffInformation, QStringLiteral("All Archived Staff"), false,
+             QStringLiteral("SELECT staffmembers.SName, staffmembers.FName, staffmembers.staffID, staffmembers.IDNumber")
+                 + QStringLiteral(" FROM staffmembers ") + QStringLiteral("WHERE status = 'A' ORDER BY sname, fname"),
+             Users, QStringLiteral("Show All Current Staff"));
 }
 
 void frmLibraryUsers::openLoanRecord(SpreadGrid *grid, const QString &memberType, int row)

@@ -41,6 +41,8 @@ private:
     void load(SpreadGrid *grid, class QLineEdit *total, const QString &sql, const std::vector<std::pair<int, const char *>> &fields);
     void exportGrid(SpreadGrid *grid, const QString &sheetName);
     void printGrid(SpreadGrid *grid, const QString &heading, const QString &location);
+    void showList(class QGroupBox *frame, const QString &caption, bool educators, const QString &sql, const QString &location,
+                  const QString &procedure);
     void learnerList(const QString &caption, const QString &totalLabel, const QString &sql, const QString &procedure, const QString &location);
 
     std::unique_ptr<Ui::frmLibraryUsers> ui;
