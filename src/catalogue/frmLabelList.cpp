@@ -2,6 +2,7 @@
 #include "ui_frmLabelList.h"
 
 #include "AppError.h"
+#include "ItemCriteria.h"
 #include "LabelSheet.h"
 #include "PrintJob.h"
 #include "SettingsStore.h"
@@ -107,33 +108,15 @@ void frmLabelList::cmdAll_Click()
 void frmLabelList::cmdSearch_Click()
 {
     try {
-        QStringList terms;
-        if (ui->cmbCategory->currentIndex() >= 0)
-            terms << QStringLiteral(" i.CategoryID = ") + QString::number(ui->cmbCategory->currentData().toInt());
-        if (ui->cmbSubCategory->currentIndex() >= 0)
-            terms << QStringLiteral(" i.SubCategoryID = ") + QString::number(ui->cmbSubCategory->currentData().toInt());
-        auto like = [&](QLineEdit *box, const QString &before, const QString &after) {
-            if (!box->text().isEmpty())
-                terms << before + box->text() + after;
-        };
-        like(ui->txtAccessionNo, QStringLiteral(" i.AccessionID like '%"), QStringLiteral("%'"));
-        if (!ui->txtAuthorSurname->text().isEmpty())
-            terms << QStringLiteral(" (a1.AuthorSurname like '") + ui->txtAuthorSurname->text() + QStringLiteral("%' or a2.AuthorSurname like '")
-                         + ui->txtAuthorSurname->text() + QStringLiteral("%' )");
-        like(ui->txtTitle, QStringLiteral(" i.Title like '%"), QStringLiteral("%'"));
-        like(ui->txtClassificationNo, QStringLiteral(" i.ClassificationNo like '%"), QStringLiteral("%'"));
-        like(ui->txtISBN, QStringLiteral(" i.ISBN like '%"), QStringLiteral("%'"));
-        like(ui->txtShelf, QStringLiteral(" i.ShelfNumber like '%"), QStringLiteral("%'"));
-        if (ui->chRestricted->isChecked())
-            terms << QStringLiteral(" i.restricted = true");
-        if (ui->chShortLoan->isChecked())
-            terms << QStringLiteral(" i.Loantype = 'S'");
+        const QString terms = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
+                                           ui->txtClassificationNo, ui->txtISBN, ui->txtShelf, ui->chRestricted, ui->chShortLoan}
+                                  .condition();
         if (terms.isEmpty()) {
             UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
             return;
         }
         orderColumn_ = 0;
-        fill(itemsFrom("LEFT") + QStringLiteral(" Where i.PhasedOut = False And ") + terms.join(QStringLiteral(" and ")));
+        fill(itemsFrom("LEFT") + QStringLiteral(" Where i.PhasedOut = False And ") + terms);
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("cmdSearch_Click"), e);

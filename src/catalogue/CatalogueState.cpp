@@ -1,0 +1,4 @@
+#include "CatalogueState.h"
+
+int ItemEditMode = 0;
+int CurrentItemID = 0;

@@ -1,0 +1,34 @@
+#include "ItemCriteria.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QStringList>
+
+QString ItemCriteria::condition() const
+{
+    QStringList terms;
+    auto chosen = [&](const QComboBox *combo, const char *column) {
+        if (combo && combo->currentIndex() >= 0)
+            terms << QStringLiteral(" i.%1 = ").arg(QLatin1String(column)) + QString::number(combo->currentData().toInt());
+    };
+    auto contains = [&](const QLineEdit *box, const char *column) {
+        if (box && !box->text().isEmpty())
+            terms << QStringLiteral(" i.%1 like '%").arg(QLatin1String(column)) + box->text() + QStringLiteral("%'");
+    };
+    chosen(category, "CategoryID");
+    chosen(subCategory, "SubCategoryID");
+    contains(accession, "AccessionID");
+    if (authorSurname && !authorSurname->text().isEmpty())
+        terms << QStringLiteral(" (a1.AuthorSurname like '") + authorSurname->text() + QStringLiteral("%' or a2.AuthorSurname like '")
+                     + authorSurname->text() + QStringLiteral("%' )");
+    contains(title, "Title");
+    contains(classification, "ClassificationNo");
+    contains(isbn, "ISBN");
+    contains(shelf, "ShelfNumber");
+    if (restricted && restricted->isChecked())
+        terms << QStringLiteral(" i.restricted = true");
+    if (shortLoan && shortLoan->isChecked())
+        terms << QStringLiteral(" i.Loantype = 'S'");
+    return terms.join(QStringLiteral(" and "));
+}

@@ -1,0 +1,252 @@
+#include "frmItemList.h"
+#include "ui_frmItemList.h"
+
+#include "AppError.h"
+#include "CatalogueState.h"
+#include "ItemCriteria.h"
+#include "Money.h"
+#include "ScreenRegistry.h"
+#include "SpreadGrid.h"
+#include "UpdateDatabase.h"
+#include "clsTSQL.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+namespace {
+
+const QString Location = QStringLiteral("frmItemList");
+constexpr int RestrictedColumn = 7, LoanTypeColumn = 8, CostColumn = 10;
+const char *const OrderFields[] = {"", "AccessionID", "ShelfNumber", "ClassificationNo", "Author1", "Title", "ReferenceItem", "Restricted",
+                                   "LoanType", "ISBN", "Cost", "DatePurchased"};
+
+const QString SearchSelect =
+    QStringLiteral(" SELECT i.ItemID, i.AccessionID, i.CategoryID, c.Category, i.SubCategoryID, ")
+    + QStringLiteral(" sc.SubCategory, i.Title, (a1.Authorsurname+', '+a1.Authorfirstname) AS Author1,(a2.Authorsurname+', '+a2.Authorfirstname) AS Author2, ")
+    + QStringLiteral(" i.classificationno, i.ReferenceItem, i.Restricted, LoanType ") + QStringLiteral(", i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased");
+
+} // namespace
+
+frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::frmItemList>()), screens_(screens)
+{
+    ui->setupUi(this);
+    SpreadGrid &grid = *ui->fpSpreadStock;
+    grid.defineColumns({{"Accession No", 12}, {"Shelf No", 10}, {"Class", 9}, {"Authors", 28}, {"Title", 34}, {"", 3}, {"Restricted", 9},
+                        {"Loan Type", 8}, {"ISBN", 14}, {"Price", 8}, {"Purchased", 11}});
+    grid.setColumnType(RestrictedColumn, SpreadModel::CellType::CheckBox);
+    grid.setColumnLocked(LoanTypeColumn, false);
+    connect(ui->cmdSearch, &QPushButton::clicked, this, &frmItemList::cmdSearch_Click);
+    connect(ui->cmdAll, &QPushButton::clicked, this, &frmItemList::cmdAll_Click);
+    connect(ui->cmbCategory, &QComboBox::activated, this, &frmItemList::cmbCategory_Click);
+    for (QCheckBox *box : {ui->chRestricted, ui->chShortLoan, ui->chRemoved})
+        connect(box, &QCheckBox::clicked, this, [this, box] { flagTicked(box); });
+    connect(ui->fpSpreadStock, &SpreadGrid::headerClicked, this, &frmItemList::OrderItems);
+    connect(ui->fpSpreadStock, &SpreadGrid::cellClicked, this, [this](int, int row) {
+        if (row >= 1 && row <= ui->fpSpreadStock->maxRows())
+            CurrentItemID = ui->fpSpreadStock->cellText(0, row).toInt();
+    });
+    connect(ui->chRestrictAll, &QCheckBox::clicked, this, &frmItemList::chRestrictAll_Click);
+    connect(ui->cmdprocess, &QPushButton::clicked, this, &frmItemList::cmdprocess_Click);
+    connect(ui->cmdNew, &QPushButton::clicked, this, &frmItemList::cmdNew_Click);
+    connect(ui->cmdAddExisting, &QPushButton::clicked, this, &frmItemList::cmdAddExisting_Click);
+    connect(ui->cmdEdit, &QPushButton::clicked, this, &frmItemList::cmdEdit_Click);
+    connect(ui->cmdSubjectSearch, &QPushButton::clicked, this, [this] { screens_.open(QStringLiteral("frmSubjectSearch"), ui->cmdSubjectSearch->text().remove(QLatin1Char('&')), this); });
+    connect(ui->cmdKeywordSearch, &QPushButton::clicked, this, [this] { screens_.open(QStringLiteral("frmKeywordSearch"), ui->cmdKeywordSearch->text().remove(QLatin1Char('&')), this); });
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemList::cmdPrint_Click);
+    connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
+    CurrentItemID = 0;
+    try {
+        data_.Fillcombo(ui->cmbCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
+        data_.CloseCompact();
+        ui->cmbCategory->setCurrentIndex(-1);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Form_Load"), e);
+    }
+}
+
+frmItemList::~frmItemList() = default;
+
+void frmItemList::fill(const QString &sql)
+{
+    listStatement_ = sql;
+    SpreadGrid &grid = *ui->fpSpreadStock;
+    const int rows = data_.GetData(sql + (orderColumn_ == 0 ? QStringLiteral(" Order By Title, AccessionID")
+                                                             : QStringLiteral(" Order By i.") + QLatin1String(OrderFields[orderColumn_])
+                                                                   + (descending_ ? QStringLiteral(" DESC") : QStringLiteral(" ASC"))));
+    grid.beginFill();
+    grid.setMaxRows(0);
+    grid.setMaxRows(rows);
+    Money total;
+    int row = 0;
+    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+        ++row;
+        QString authors = rs.field(QStringLiteral("Author1")).toString();
+        if (!rs.field(QStringLiteral("Author2")).toString().isEmpty())
+            authors += QStringLiteral("; ") + rs.field(QStringLiteral("Author2")).toString();
+        grid.setCellText(0, row, rs.field(QStringLiteral("ItemID")).toString());
+        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
+        grid.setCellText(2, row, rs.field(QStringLiteral("ShelfNumber")).toString());
+        grid.setCellText(3, row, rs.field(QStringLiteral("classificationno")).toString());
+        grid.setCellText(4, row, authors);
+        grid.setCellText(5, row, rs.field(QStringLiteral("Title")).toString());
+        grid.setCellText(6, row, rs.field(QStringLiteral("ReferenceItem")).toBool() ? QStringLiteral("R") : QString());
+        grid.setChecked(RestrictedColumn, row, rs.field(QStringLiteral("Restricted")).toBool());
+        grid.setCellText(LoanTypeColumn, row, rs.field(QStringLiteral("LoanType")).toString());
+        grid.setCellText(9, row, rs.field(QStringLiteral("ISBN")).toString());
+        grid.setCellText(CostColumn, row, rs.field(QStringLiteral("Cost")).toString());
+        grid.setCellText(11, row, rs.field(QStringLiteral("DatePurchased")).toString());
+        if (!rs.field(QStringLiteral("Cost")).isNull())
+            total += Money::fromDouble(rs.field(QStringLiteral("Cost")).toDouble());
+    }
+    grid.endFill();
+    data_.CloseCompact();
+    ui->txtTotalItems->setText(QString::number(rows));
+    ui->txtTotalCost->setText(total.toDisplayText());
+}
+
+void frmItemList::cmdSearch_Click()
+{
+    try {
+        ui->cmdSearch->setPalette(QPalette());
+        if (ui->fpSpreadStock->maxRows() > 0)
+            ui->fpSpreadStock->clearRows();
+        const QString criteria = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
+                                              ui->txtClassificationNo, ui->txtISBN, nullptr, ui->chRestricted, ui->chShortLoan}
+                                     .condition();
+        const QString from = QStringLiteral(" FROM (((((tblLibItems AS i LEFT JOIN tblLibCategories AS c ON i.CategoryID=c.CategoryID) ")
+                             + QStringLiteral(" LEFT JOIN tblLibSeries AS s ON i.SeriesID=s.SeriesID) LEFT JOIN tblLibSubCategories AS sc ")
+                             + QStringLiteral(" ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ")
+                             + QStringLiteral(" ON il.ItemLanguageID=i.ItemLanguageID) LEFT JOIN tblLibAuthors AS a1 ON ")
+                             + QStringLiteral(" a1.AuthorID=i.Author1) LEFT JOIN tblLibAuthors AS a2 ON a2.AuthorID=i.Author2 ");
+        QString where;
+        if (ui->chRemoved->isChecked()) {
+            where = QStringLiteral(" Where i.PhasedOut = True "); // every phased-out item, whatever else was entered
+        } else if (!criteria.isEmpty()) {
+            where = QStringLiteral(" Where i.PhasedOut = False And ") + criteria;
+        } else {
+            UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
+            return;
+        }
+        mode_ = QStringLiteral("Search");
+        orderColumn_ = 0;
+        fill(SearchSelect + from + where);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmdSearch_Click"), e);
+    }
+}
+
+void frmItemList::cmdAll_Click()
+{
+    try {
+        mode_ = QStringLiteral("All");
+        orderColumn_ = 0;
+        fill(SearchSelect
+             + QStringLiteral(" FROM ((((((tblLibItems AS i INNER JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID) LEFT JOIN tblLibSeries AS s ON i.SeriesID = s.SeriesID)")
+             + QStringLiteral(" LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID=i.ItemLanguageID)")
+             + QStringLiteral(" Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )")
+             + QStringLiteral(" where i.PhasedOut=False  "));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmdAll_Click"), e);
+    }
+}
+
+void frmItemList::cmbCategory_Click()
+{
+    try {
+        ui->cmbSubCategory->clear();
+        data_.Fillcombo(ui->cmbSubCategory, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
+                                                + QString::number(ui->cmbCategory->currentData().toInt()) + QStringLiteral(" order by subcategory"),
+                        0, 1);
+        data_.CloseCompact();
+        ui->cmbSubCategory->setCurrentIndex(-1);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("cmbCategory_Click"), e);
+    }
+}
+
+// The removed-items list and the two flag filters exclude each other; any of them asks for a new search.
+void frmItemList::flagTicked(QObject *box)
+{
+    if (box == ui->chRemoved && ui->chRemoved->isChecked()) {
+        ui->chRestricted->setChecked(false);
+        ui->chShortLoan->setChecked(false);
+    } else if (box != ui->chRemoved && qobject_cast<QCheckBox *>(box)->isChecked()) {
+        ui->chRemoved->setChecked(false);
+    }
+    ui->cmdSearch->setPalette(QPalette(QColor(255, 255, 0)));
+}
+
+void frmItemList::OrderItems(int column)
+{
+    if (listStatement_.isEmpty() || column < 1 || column > 11)
+        return;
+    try {
+        descending_ = column == orderColumn_ && !descending_;
+        orderColumn_ = column;
+        fill(listStatement_);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Order Items Routine"), e);
+    }
+}
+
+void frmItemList::chRestrictAll_Click()
+{
+    SpreadGrid &grid = *ui->fpSpreadStock;
+    for (int row = 1; row <= grid.maxRows(); ++row)
+        grid.setChecked(RestrictedColumn, row, ui->chRestrictAll->isChecked());
+}
+
+void frmItemList::cmdprocess_Click()
+{
+    try {
+        const SpreadGrid &grid = *ui->fpSpreadStock;
+        if (grid.maxRows() == 0)
+            return;
+        const clsTSQL sql;
+        for (int row = 1; row <= grid.maxRows(); ++row)
+            data_.ExecuteNonQuery(sql.spItemsUpdateRole(grid.cellText(0, row).toInt(), grid.isChecked(RestrictedColumn, row), grid.cellText(LoanTypeColumn, row)));
+        UserMessage(QStringLiteral("Your data has been saved."));
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Process Data Routine"), e);
+    }
+}
+
+void frmItemList::openEditor(int mode)
+{
+    ItemEditMode = mode;
+    screens_.open(QStringLiteral("frmItemAddModify"), QStringLiteral("Item editor"), this);
+}
+
+void frmItemList::cmdNew_Click() { openEditor(0); }
+
+void frmItemList::cmdAddExisting_Click()
+{
+    if (CurrentItemID == 0) {
+        UserMessage(QStringLiteral("First select an item to add."));
+        return;
+    }
+    openEditor(1);
+}
+
+void frmItemList::cmdEdit_Click()
+{
+    if (CurrentItemID == 0) {
+        UserMessage(QStringLiteral("Select an item before clicking Edit."));
+        return;
+    }
+    openEditor(2);
+}
+
+void frmItemList::cmdPrint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintLandscape, QStringLiteral("Stock Item List"), *ui->fpSpreadStock);
+    } catch (const AppError &e) {
+        ReportError(Location, QStringLiteral("Print Routine"), e);
+    }
+}

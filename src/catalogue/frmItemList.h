@@ -1,0 +1,51 @@
+#pragma once
+
+#include "clsDataObject.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmItemList;
+}
+class ScreenRegistry;
+
+/// "Library Catalogue", the stock list: searches the copies of the catalogue (or lists the
+/// phased-out ones), shows them with their totals, takes restricted and loan-type marks edited in
+/// the grid and writes them back, prints, and hands the selected item to the item editor.
+class frmItemList : public QDialog {
+    Q_OBJECT
+public:
+    /// The registry opens the item editor and the subject and keyword searches.
+    explicit frmItemList(const ScreenRegistry &screens, QWidget *parent = nullptr);
+    ~frmItemList() override;
+
+    /// The statement of the last list, without its order ("All", "Search").
+    const QString &listStatement() const { return listStatement_; }
+
+public Q_SLOTS:
+    void cmdSearch_Click();
+    void cmdAll_Click();
+    void cmbCategory_Click();
+    void flagTicked(QObject *box);
+    void OrderItems(int column);
+    void chRestrictAll_Click();
+    void cmdprocess_Click();
+    void cmdNew_Click();
+    void cmdAddExisting_Click();
+    void cmdEdit_Click();
+    void cmdPrint_Click();
+
+private:
+    void fill(const QString &sql);
+    void openEditor(int mode);
+
+    std::unique_ptr<Ui::frmItemList> ui;
+    const ScreenRegistry &screens_;
+    clsDataObject data_;
+    QString mode_; // "All" or "Search": what a refresh re-runs
+    QString listStatement_;
+    int orderColumn_ = 0;
+    bool descending_ = false;
+};
