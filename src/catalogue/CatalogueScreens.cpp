@@ -4,6 +4,7 @@
 #include "frmCategories.h"
 #include "frmItemList.h"
 #include "frmLabelList.h"
+#include "frmQuickFind.h"
 #include "frmReferenceList.h"
 
 namespace {
@@ -18,6 +19,7 @@ void registerCatalogueScreens(ScreenRegistry &screens, SettingsStore &settings)
     screens.add(QStringLiteral("frmItemList"), [&screens](QWidget *parent) { return new frmItemList(screens, parent); });
     screens.add(QStringLiteral("frmLabelList"), [&settings](QWidget *parent) { return new frmLabelList(settings, parent); });
     add<frmCategories>(screens, "frmCategories");
+    add<frmQuickFind>(screens, "frmQuickFind");
     add<frmSeries>(screens, "frmSeries");
     add<frmPublisher>(screens, "frmPublisher");
     add<frmAuthor>(screens, "frmAuthor");

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "clsDataObject.h"
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class frmQuickFind;
+}
+
+/// "Quick Find for Libary Item": answers "is this book in?" at the counter. Finds copies by
+/// accession number, author, title or keyword (the first box filled decides) and shows for each
+/// whether it is on the shelf, or out with its due date and borrower.
+class frmQuickFind : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmQuickFind(QWidget *parent = nullptr);
+    ~frmQuickFind() override;
+
+public Q_SLOTS:
+    void cmdFind_Click();
+
+private:
+    void showAvailability(int row, int itemID);
+
+    std::unique_ptr<Ui::frmQuickFind> ui;
+    clsDataObject data_;
+};
