@@ -306,7 +306,7 @@ TEST_F(IssueDesk, TheMainMenuOpensEveryCirculationScreen)
     menu.Form_Load();
     QStringList opened;
     auto closeWhenShown = [&] {
-        QTimer::singleShot(0, [&] {
+        QTimer::singleShot(0, &menu, [&] {
             if (QWidget *modal = QApplication::activeModalWidget()) {
                 opened << QString::fromLatin1(modal->metaObject()->className()) + ": " + modal->windowTitle();
                 modal->close();

@@ -123,7 +123,7 @@ TEST_F(LoanHistory, PayFineOpensTheFinePaymentScreen)
 {
     auto screen = open("L", 12, "Botha, Anna");
     QString opened;
-    QTimer::singleShot(0, [&] {
+    QTimer::singleShot(0, screen.get(), [&] {
         if (QWidget *modal = QApplication::activeModalWidget()) {
             opened = modal->windowTitle();
             modal->close();

@@ -145,7 +145,7 @@ TEST_F(LibraryUsers, ADoubleClickOpensTheMembersLoanRecord)
     click(screen, "cmdShowAllEducators");
     QString shown;
     QStringList loans;
-    QTimer::singleShot(0, [&] {
+    QTimer::singleShot(0, &screen, [&] {
         if (QWidget *modal = QApplication::activeModalWidget()) {
             shown = modal->windowTitle() + ": " + child<QLineEdit>(*modal, "txtUsr")->text();
             loans = rows(*modal, "gridLoans");

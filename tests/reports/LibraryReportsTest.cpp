@@ -77,7 +77,8 @@ protected:
     QStringList view(frmLibraryReport &screen, const QString &pdf = QString())
     {
         int pages = -1;
-        QTimer::singleShot(0, [&] {
+        QObject scope; // when no viewer opens (an error), the pending check dies with this call
+        QTimer::singleShot(0, &scope, [&] {
             if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
                 pages = viewer->pageCount();
                 if (!pdf.isEmpty()) {
