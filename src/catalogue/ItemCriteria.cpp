@@ -1,5 +1,7 @@
 #include "ItemCriteria.h"
 
+#include "clsDataObject.h"
+
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
@@ -31,4 +33,28 @@ QString ItemCriteria::condition() const
     if (shortLoan && shortLoan->isChecked())
         terms << QStringLiteral(" i.Loantype = 'S'");
     return terms.join(QStringLiteral(" and "));
+}
+
+QString ItemListOrder::clause() const
+{
+    if (field_.isEmpty())
+        return QStringLiteral(" Order By Title, AccessionID");
+    return QStringLiteral(" Order By i.") + field_ + (descending_ ? QStringLiteral(" DESC") : QStringLiteral(" ASC"));
+}
+
+void FillItemCategories(clsDataObject &data, QComboBox *categories)
+{
+    data.Fillcombo(categories, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
+    data.CloseCompact();
+    categories->setCurrentIndex(-1);
+}
+
+void FillItemSubCategories(clsDataObject &data, const QComboBox *categories, QComboBox *subCategories)
+{
+    subCategories->clear();
+    data.Fillcombo(subCategories, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
+                                      + QString::number(categories->currentData().toInt()) + QStringLiteral(" order by subcategory"),
+                   0, 1);
+    data.CloseCompact();
+    subCategories->setCurrentIndex(-1);
 }

@@ -23,3 +23,32 @@ struct ItemCriteria {
     /// The condition; empty when no criterion is given.
     QString condition() const;
 };
+
+/// The order of an item list: by title and accession number until a column caption is clicked,
+/// then by that column's field ascending, and descending when the same caption is clicked again.
+class ItemListOrder {
+public:
+    void reset()
+    {
+        field_.clear();
+        descending_ = false;
+    }
+    void choose(const QString &field)
+    {
+        descending_ = field == field_ && !descending_;
+        field_ = field;
+    }
+    /// " Order By ..." to append to the list's statement.
+    QString clause() const;
+
+private:
+    QString field_;
+    bool descending_ = false;
+};
+
+class clsDataObject;
+
+/// Fills an item list's category combo with the live categories, nothing chosen. Errors reach the caller.
+void FillItemCategories(clsDataObject &data, QComboBox *categories);
+/// Fills the sub-category combo with the chosen category's sub-categories, nothing chosen.
+void FillItemSubCategories(clsDataObject &data, const QComboBox *categories, QComboBox *subCategories);

@@ -56,9 +56,7 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     CurrentItemID = 0;
     try {
-        data_.Fillcombo(ui->cmbCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
-        data_.CloseCompact();
-        ui->cmbCategory->setCurrentIndex(-1);
+        FillItemCategories(data_, ui->cmbCategory);
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("Form_Load"), e);
@@ -71,9 +69,7 @@ void frmItemList::fill(const QString &sql)
 {
     listStatement_ = sql;
     SpreadGrid &grid = *ui->fpSpreadStock;
-    const int rows = data_.GetData(sql + (orderColumn_ == 0 ? QStringLiteral(" Order By Title, AccessionID")
-                                                             : QStringLiteral(" Order By i.") + QLatin1String(OrderFields[orderColumn_])
-                                                                   + (descending_ ? QStringLiteral(" DESC") : QStringLiteral(" ASC"))));
+    const int rows = data_.GetData(sql + order_.clause());
     grid.beginFill();
     grid.setMaxRows(0);
     grid.setMaxRows(rows);
@@ -129,7 +125,7 @@ void frmItemList::cmdSearch_Click()
             return;
         }
         mode_ = QStringLiteral("Search");
-        orderColumn_ = 0;
+        order_.reset();
         fill(SearchSelect + from + where);
     } catch (const AppError &e) {
         data_.CloseCompact();
@@ -141,7 +137,7 @@ void frmItemList::cmdAll_Click()
 {
     try {
         mode_ = QStringLiteral("All");
-        orderColumn_ = 0;
+        order_.reset();
         fill(SearchSelect
              + QStringLiteral(" FROM ((((((tblLibItems AS i INNER JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID) LEFT JOIN tblLibSeries AS s ON i.SeriesID = s.SeriesID)")
              + QStringLiteral(" LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID=i.ItemLanguageID)")
@@ -156,12 +152,7 @@ void frmItemList::cmdAll_Click()
 void frmItemList::cmbCategory_Click()
 {
     try {
-        ui->cmbSubCategory->clear();
-        data_.Fillcombo(ui->cmbSubCategory, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
-                                                + QString::number(ui->cmbCategory->currentData().toInt()) + QStringLiteral(" order by subcategory"),
-                        0, 1);
-        data_.CloseCompact();
-        ui->cmbSubCategory->setCurrentIndex(-1);
+        FillItemSubCategories(data_, ui->cmbCategory, ui->cmbSubCategory);
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("cmbCategory_Click"), e);
@@ -185,8 +176,7 @@ void frmItemList::OrderItems(int column)
     if (listStatement_.isEmpty() || column < 1 || column > 11)
         return;
     try {
-        descending_ = column == orderColumn_ && !descending_;
-        orderColumn_ = column;
+        order_.choose(QLatin1String(OrderFields[column]));
         fill(listStatement_);
     } catch (const AppError &e) {
         data_.CloseCompact();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ItemCriteria.h"
 #include "clsDataObject.h"
 
 #include <QDialog>
@@ -46,6 +47,5 @@ private:
     clsDataObject data_;
     QString mode_; // "All" or "Search": what a refresh re-runs
     QString listStatement_;
-    int orderColumn_ = 0;
-    bool descending_ = false;
+    ItemListOrder order_;
 };

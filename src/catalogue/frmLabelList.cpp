@@ -53,9 +53,7 @@ frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmLabelList::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     try {
-        data_.Fillcombo(ui->cmbCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
-        data_.CloseCompact();
-        ui->cmbCategory->setCurrentIndex(-1);
+        FillItemCategories(data_, ui->cmbCategory);
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("Form_Load"), e);
@@ -68,9 +66,7 @@ void frmLabelList::fill(const QString &sql)
 {
     listStatement_ = sql;
     SpreadGrid &grid = *ui->fpSpreadStock;
-    const int rows = data_.GetData(sql + (orderColumn_ == 0 ? QStringLiteral(" Order By Title, AccessionID")
-                                                             : QStringLiteral(" Order By i.") + QLatin1String(OrderFields[orderColumn_])
-                                                                   + (descending_ ? QStringLiteral(" DESC") : QStringLiteral(" ASC"))));
+    const int rows = data_.GetData(sql + order_.clause());
     grid.beginFill();
     grid.setMaxRows(rows);
     int row = 0;
@@ -97,7 +93,7 @@ void frmLabelList::fill(const QString &sql)
 void frmLabelList::cmdAll_Click()
 {
     try {
-        orderColumn_ = 0;
+        order_.reset();
         fill(itemsFrom("INNER") + QStringLiteral(" where i.PhasedOut=False  "));
     } catch (const AppError &e) {
         data_.CloseCompact();
@@ -115,7 +111,7 @@ void frmLabelList::cmdSearch_Click()
             UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
             return;
         }
-        orderColumn_ = 0;
+        order_.reset();
         fill(itemsFrom("LEFT") + QStringLiteral(" Where i.PhasedOut = False And ") + terms);
     } catch (const AppError &e) {
         data_.CloseCompact();
@@ -126,12 +122,7 @@ void frmLabelList::cmdSearch_Click()
 void frmLabelList::cmbCategory_Click()
 {
     try {
-        ui->cmbSubCategory->clear();
-        data_.Fillcombo(ui->cmbSubCategory, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
-                                                + QString::number(ui->cmbCategory->currentData().toInt()) + QStringLiteral(" order by subcategory"),
-                        0, 1);
-        data_.CloseCompact();
-        ui->cmbSubCategory->setCurrentIndex(-1);
+        FillItemSubCategories(data_, ui->cmbCategory, ui->cmbSubCategory);
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("cmbCategory_Click"), e);
@@ -150,8 +141,7 @@ void frmLabelList::OrderItems(int column)
     if (listStatement_.isEmpty() || column < 1 || column > 6)
         return;
     try {
-        descending_ = column == orderColumn_ && !descending_;
-        orderColumn_ = column;
+        order_.choose(QLatin1String(OrderFields[column]));
         fill(listStatement_);
     } catch (const AppError &e) {
         data_.CloseCompact();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LabelTemplates.h"
+#include "ItemCriteria.h"
 #include "clsDataObject.h"
 
 #include <QDialog>
@@ -45,6 +46,5 @@ private:
     LabelTemplates templates_;
     clsDataObject data_;
     QString listStatement_; // the last list, without its order
-    int orderColumn_ = 0;
-    bool descending_ = false;
+    ItemListOrder order_;
 };
