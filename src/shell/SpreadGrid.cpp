@@ -1,6 +1,9 @@
 #include "SpreadGrid.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QCompleter>
+#include <QDateEdit>
 #include <QEvent>
 #include <QFontMetricsF>
 #include <QHeaderView>
@@ -17,14 +20,71 @@ namespace {
 constexpr double DefaultWidth = 8.0; // characters, as a fresh grid column
 constexpr int CellPadding = 8;       // pixels around a cell's text
 
-// Draws push-button cells and reports their clicks.
-class ButtonDelegate : public QStyledItemDelegate {
+constexpr const char *DateFormat = "yyyy-MM-dd";
+
+// Draws push-button cells and gives combo and date cells their editors.
+class CellDelegate : public QStyledItemDelegate {
 public:
-    ButtonDelegate(SpreadGrid *grid) : QStyledItemDelegate(grid), grid_(grid) {}
+    CellDelegate(SpreadGrid *grid) : QStyledItemDelegate(grid), grid_(grid) {}
+
+    SpreadModel::CellType type(const QModelIndex &index) const { return grid_->model()->cellType(index.column() + 1, index.row() + 1); }
+
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        switch (type(index)) {
+        case SpreadModel::CellType::Combo: {
+            auto *combo = new QComboBox(parent);
+            combo->setEditable(true);
+            combo->setInsertPolicy(QComboBox::NoInsert);
+            combo->addItems(grid_->model()->cellList(index.column() + 1, index.row() + 1));
+            combo->completer()->setCompletionMode(QCompleter::PopupCompletion);
+            combo->completer()->setCaseSensitivity(Qt::CaseInsensitive);
+            // A choice from the list is final at once, as the old sheet's combo cells were.
+            connect(combo, &QComboBox::activated, this, [this, combo] {
+                auto *self = const_cast<CellDelegate *>(this);
+                Q_EMIT self->commitData(combo);
+                Q_EMIT self->closeEditor(combo);
+            });
+            return combo;
+        }
+        case SpreadModel::CellType::Date: {
+            auto *date = new QDateEdit(parent);
+            date->setCalendarPopup(true);
+            date->setDisplayFormat(QLatin1String(DateFormat));
+            return date;
+        }
+        default:
+            return QStyledItemDelegate::createEditor(parent, option, index);
+        }
+    }
+
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override
+    {
+        const QString text = index.data(Qt::EditRole).toString();
+        if (auto *combo = qobject_cast<QComboBox *>(editor)) {
+            combo->setCurrentIndex(combo->findText(text));
+            combo->setEditText(text);
+        } else if (auto *date = qobject_cast<QDateEdit *>(editor)) {
+            const QDate value = QDate::fromString(text, QLatin1String(DateFormat));
+            date->setDate(value.isValid() ? value : QDate::currentDate());
+        } else {
+            QStyledItemDelegate::setEditorData(editor, index);
+        }
+    }
+
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override
+    {
+        if (auto *combo = qobject_cast<QComboBox *>(editor))
+            model->setData(index, combo->currentText(), Qt::EditRole);
+        else if (auto *date = qobject_cast<QDateEdit *>(editor))
+            model->setData(index, date->date().toString(QLatin1String(DateFormat)), Qt::EditRole);
+        else
+            QStyledItemDelegate::setModelData(editor, model, index);
+    }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
-        if (grid_->model()->columnType(index.column() + 1) != SpreadModel::CellType::Button) {
+        if (type(index) != SpreadModel::CellType::Button) {
             QStyledItemDelegate::paint(painter, option, index);
             return;
         }
@@ -49,7 +109,7 @@ SpreadGrid::SpreadGrid(QWidget *parent) : QWidget(parent), model_(new SpreadMode
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(view_);
     view_->setModel(model_);
-    view_->setItemDelegate(new ButtonDelegate(this));
+    view_->setItemDelegate(new CellDelegate(this));
     view_->setSelectionBehavior(QAbstractItemView::SelectRows);
     view_->setSelectionMode(QAbstractItemView::SingleSelection);
     view_->setWordWrap(false);
@@ -185,7 +245,7 @@ void SpreadGrid::defineColumns(const std::vector<std::pair<const char *, double>
 
 void SpreadGrid::toggleCheck(int col, int row)
 {
-    if (row < 1 || row > maxRows() || model_->columnType(col) != SpreadModel::CellType::CheckBox)
+    if (row < 1 || row > maxRows() || model_->cellType(col, row) != SpreadModel::CellType::CheckBox)
         return;
     model_->setData(model_->index(row - 1, col - 1), isChecked(col, row) ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
@@ -194,8 +254,18 @@ void SpreadGrid::clickCell(int col, int row)
 {
     setActiveCell(col, row);
     Q_EMIT cellClicked(col, row);
-    if (model_->columnType(col) == SpreadModel::CellType::Button && row >= 1 && row <= maxRows())
+    if (model_->cellType(col, row) == SpreadModel::CellType::Button && row >= 1 && row <= maxRows())
         Q_EMIT buttonClicked(col, row);
+}
+
+QWidget *SpreadGrid::editCell(int col, int row)
+{
+    const QModelIndex index = model_->index(row - 1, col - 1);
+    if (!index.isValid() || !(model_->flags(index) & Qt::ItemIsEditable))
+        return nullptr;
+    view_->setCurrentIndex(index);
+    view_->edit(index);
+    return view_->indexWidget(index);
 }
 
 SpreadGrid::PageLayout SpreadGrid::pageLayout(const QRectF &area, QPaintDevice *device) const
@@ -239,7 +309,7 @@ void SpreadGrid::printPage(QPainter &painter, const QRectF &area, int page) cons
             painter.setPen(gridPen);
             painter.drawRect(cell);
             painter.setPen(Qt::black);
-            if (!caption && model_->columnType(c) == SpreadModel::CellType::CheckBox) {
+            if (!caption && model_->cellType(c, row) == SpreadModel::CellType::CheckBox) {
                 const double box = layout.rowHeight * 0.5;
                 const QRectF square(cell.center().x() - box / 2, cell.center().y() - box / 2, box, box);
                 painter.drawRect(square);

@@ -16,7 +16,7 @@ class QTableView;
 /// The one grid of every list screen. Rows and columns count from 1; column 0
 /// is the row-header column that holds each row's key (the header shows the
 /// row number), row 0 holds the captions. Cells are text, check boxes (text
-/// "1" when ticked) or push buttons. Widths are in characters of the grid's
+/// "1" when ticked), push buttons, combos (a pick list) or dates (yyyy-mm-dd). Widths are in characters of the grid's
 /// font. The grid can draw itself page by page for printing.
 class SpreadGrid : public QWidget, public GridTarget {
     Q_OBJECT
@@ -47,6 +47,14 @@ public:
     void setColumnType(int col, SpreadModel::CellType type, const QString &buttonText = QString());
     /// Unlocked text columns may be edited in place.
     void setColumnLocked(int col, bool locked) { model_->setColumnLocked(col, locked); }
+    /// One cell of a fixed sheet with its own type (a combo, a date, a check box), lock or pick list.
+    void setCellType(int col, int row, SpreadModel::CellType type) { model_->setCellType(col, row, type); }
+    void setCellLocked(int col, int row, bool locked) { model_->setCellLocked(col, row, locked); }
+    /// The entries a combo cell offers; the user may also type a text of their own.
+    void setCellList(int col, int row, const QStringList &items) { model_->setCellList(col, row, items); }
+    /// Opens the in-place editor of a cell (a combo cell's list, a date cell's date editor), as a
+    /// double click or F2 does; returns it, or null when the cell is not editable.
+    QWidget *editCell(int col, int row);
     void clearRows() { setMaxRows(0); }
     /// Deletes one data row; the rows below move up.
     void removeRow(int row) { model_->removeGridRow(row); }

@@ -65,7 +65,7 @@ void SpreadModel::setCellUtf8(int col, int row, std::string_view text)
         return;
     ensureRows(size_t(row));
     Column &c = columns_[size_t(col)];
-    if (c.type == CellType::CheckBox && row > 0)
+    if (row > 0 && cellType(col, row) == CellType::CheckBox)
         c.cells[size_t(row)].assign(1, ticked(text) ? '1' : '0');
     else
         c.cells[size_t(row)].assign(text);
@@ -108,6 +108,50 @@ void SpreadModel::setColumnLocked(int col, bool locked)
 {
     if (col >= 1 && col <= maxCols_)
         columns_[size_t(col)].locked = locked;
+}
+
+const SpreadModel::CellSetting *SpreadModel::cellSetting(int col, int row) const
+{
+    if (cells_.empty())
+        return nullptr;
+    const auto it = cells_.find({col, row});
+    return it == cells_.end() ? nullptr : &it->second;
+}
+
+void SpreadModel::setCellType(int col, int row, CellType type)
+{
+    CellSetting &cell = cells_[{col, row}];
+    cell.hasType = true;
+    cell.type = type;
+    if (type == CellType::CheckBox) {
+        const std::string current = cellUtf8(col, row);
+        setCellUtf8(col, row, current); // normalised to "1" / "0"
+    }
+    changed(col, row);
+}
+
+SpreadModel::CellType SpreadModel::cellType(int col, int row) const
+{
+    const CellSetting *cell = cellSetting(col, row);
+    return cell && cell->hasType ? cell->type : columnType(col);
+}
+
+void SpreadModel::setCellLocked(int col, int row, bool locked) { cells_[{col, row}].locked = locked ? 1 : 0; }
+
+bool SpreadModel::cellLocked(int col, int row) const
+{
+    const CellSetting *cell = cellSetting(col, row);
+    if (cell && cell->locked >= 0)
+        return cell->locked == 1;
+    return col < 1 || col > maxCols_ || columns_[size_t(col)].locked;
+}
+
+void SpreadModel::setCellList(int col, int row, const QStringList &items) { cells_[{col, row}].items = items; }
+
+QStringList SpreadModel::cellList(int col, int row) const
+{
+    const CellSetting *cell = cellSetting(col, row);
+    return cell ? cell->items : QStringList();
 }
 
 void SpreadModel::beginBulk()
@@ -158,17 +202,18 @@ QVariant SpreadModel::data(const QModelIndex &index, int role) const
     const int col = index.column() + 1;
     const int row = index.row() + 1;
     const Column &c = columns_[size_t(col)];
+    const CellType type = cellType(col, row);
     switch (role) {
     case Qt::DisplayRole:
-        if (c.type == CellType::CheckBox)
+        if (type == CellType::CheckBox)
             return QVariant();
-        if (c.type == CellType::Button && cellUtf8(col, row).empty())
+        if (type == CellType::Button && cellUtf8(col, row).empty())
             return c.buttonText;
         return cellText(col, row);
     case Qt::EditRole:
         return cellText(col, row);
     case Qt::CheckStateRole:
-        if (c.type == CellType::CheckBox)
+        if (type == CellType::CheckBox)
             return cellUtf8(col, row) == "1" ? Qt::Checked : Qt::Unchecked;
         return QVariant();
     default:
@@ -182,7 +227,7 @@ bool SpreadModel::setData(const QModelIndex &index, const QVariant &value, int r
         return false;
     const int col = index.column() + 1;
     const int row = index.row() + 1;
-    if (role == Qt::CheckStateRole && columnType(col) == CellType::CheckBox) {
+    if (role == Qt::CheckStateRole && cellType(col, row) == CellType::CheckBox) {
         setCellUtf8(col, row, value.toInt() == Qt::Checked ? "1" : "0");
         Q_EMIT userEdited(col, row);
         return true;
@@ -208,11 +253,13 @@ Qt::ItemFlags SpreadModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
         return Qt::NoItemFlags;
-    const Column &c = columns_[size_t(index.column() + 1)];
+    const int col = index.column() + 1;
+    const int row = index.row() + 1;
+    const CellType type = cellType(col, row);
     Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (c.type == CellType::CheckBox)
+    if (type == CellType::CheckBox)
         f |= Qt::ItemIsUserCheckable;
-    else if (!c.locked && c.type == CellType::Text)
+    else if (type == CellType::Combo || type == CellType::Date || (type == CellType::Text && !cellLocked(col, row)))
         f |= Qt::ItemIsEditable;
     return f;
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QStringList>
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,11 +11,15 @@
 /// The cells of a SpreadGrid: grid column 0 holds each row's key, grid row 0
 /// the captions; the model shows grid columns 1..maxCols and rows 1..maxRows.
 /// Texts are kept as UTF-8 and turned into QString only when shown, so a
-/// list of 100,000 rows stays small and fills quickly.
+/// list of 100,000 rows stays small and fills quickly. A column has one cell
+/// type; single cells of a fixed sheet (a property sheet) may have their own
+/// type, lock and pick list.
 class SpreadModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum class CellType { Text, CheckBox, Button };
+    /// Combo cells are edited with a drop-down of the cell's pick list (free text allowed);
+    /// date cells with a date editor, the text kept as yyyy-mm-dd.
+    enum class CellType { Text, CheckBox, Button, Combo, Date };
 
     explicit SpreadModel(QObject *parent = nullptr);
 
@@ -30,6 +36,15 @@ public:
     void setColumnType(int col, CellType type, const QString &buttonText = QString());
     CellType columnType(int col) const;
     void setColumnLocked(int col, bool locked);
+
+    /// One cell's own type, lock and pick list, overriding its column's. Meant for sheets whose
+    /// rows do not move: the settings stay with the (column, row) position.
+    void setCellType(int col, int row, CellType type);
+    CellType cellType(int col, int row) const;
+    void setCellLocked(int col, int row, bool locked);
+    bool cellLocked(int col, int row) const;
+    void setCellList(int col, int row, const QStringList &items);
+    QStringList cellList(int col, int row) const;
 
     /// Deletes one data row (1-based); the rows below move up and the row count drops by one.
     void removeGridRow(int row);
@@ -56,10 +71,18 @@ private:
         QString buttonText;
         bool locked = true;
     };
+    struct CellSetting {
+        bool hasType = false;
+        CellType type = CellType::Text;
+        int locked = -1; // -1: as the column
+        QStringList items;
+    };
     void ensureRows(size_t rows);
+    const CellSetting *cellSetting(int col, int row) const;
     void changed(int col, int row);
 
     std::vector<Column> columns_; // index = grid column (0 = keys)
+    std::map<std::pair<int, int>, CellSetting> cells_; // (column, row) of cells with their own settings
     int maxCols_ = 0;
     int maxRows_ = 0;
     int bulkDepth_ = 0;

@@ -4,7 +4,9 @@
 #include "clsDataObject.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTableView>
@@ -147,4 +149,45 @@ TEST_F(ComboFillTest, FillcomboKeepsItemDataAndAnEmptyResultChangesNothing)
     data_.Fillcombos(&combo, "select AuthorID, AuthorSurname from tblLibAuthors where AuthorID = 3", 0, 1);
     EXPECT_EQ(combo.count(), 1);
     EXPECT_EQ(combo.itemData(0).toInt(), 3);
+}
+
+TEST_F(SpreadGridTest, SheetCellsHaveTheirOwnComboDateAndCheckEditors)
+{
+    grid_.setMaxCols(2);
+    grid_.setMaxRows(3);
+    grid_.setCellText(1, 1, "Label:");
+    grid_.setCellType(2, 1, SpreadModel::CellType::Combo);
+    grid_.setCellList(2, 1, {"Book", "Magazine"});
+    grid_.setCellType(2, 2, SpreadModel::CellType::Date);
+    grid_.setCellText(2, 3, "True");
+    grid_.setCellType(2, 3, SpreadModel::CellType::CheckBox);
+    grid_.setCellLocked(1, 2, false);
+    EXPECT_EQ(grid_.cellText(2, 3), "1"); // a check cell keeps "1" / "0"
+    EXPECT_EQ(grid_.model()->columnType(2), SpreadModel::CellType::Text);
+    EXPECT_FALSE(grid_.model()->flags(grid_.model()->index(0, 0)) & Qt::ItemIsEditable); // a locked label
+    EXPECT_TRUE(grid_.model()->flags(grid_.model()->index(1, 0)) & Qt::ItemIsEditable);  // a cell unlocked on its own
+    EXPECT_TRUE(grid_.model()->flags(grid_.model()->index(2, 1)) & Qt::ItemIsUserCheckable);
+    EXPECT_EQ(grid_.editCell(1, 1), nullptr);
+
+    QSignalSpy edited(&grid_, &SpreadGrid::cellEdited);
+    auto *combo = qobject_cast<QComboBox *>(grid_.editCell(2, 1));
+    ASSERT_NE(combo, nullptr);
+    EXPECT_EQ(combo->count(), 2);
+    EXPECT_TRUE(combo->isEditable());
+    combo->setCurrentIndex(1);
+    Q_EMIT combo->activated(1); // choosing from the list commits at once
+    EXPECT_EQ(grid_.cellText(2, 1), "Magazine");
+    ASSERT_EQ(edited.count(), 1);
+    EXPECT_EQ(edited[0][1].toInt(), 1);
+
+    auto *date = qobject_cast<QDateEdit *>(grid_.editCell(2, 2));
+    ASSERT_NE(date, nullptr);
+    EXPECT_EQ(date->date(), QDate::currentDate()); // an empty date cell offers today
+    date->setDate(QDate(2026, 2, 28));
+    grid_.view()->setCurrentIndex(grid_.model()->index(0, 0)); // leaving the cell commits
+    QApplication::processEvents();
+    EXPECT_EQ(grid_.cellText(2, 2), "2026-02-28");
+
+    grid_.toggleCheck(2, 3);
+    EXPECT_FALSE(grid_.isChecked(2, 3));
 }
