@@ -2,6 +2,7 @@
 
 #include "ScreenRegistry.h"
 #include "frmCategories.h"
+#include "frmItemAddModify.h"
 #include "frmItemList.h"
 #include "frmLabelList.h"
 #include "frmQuickFind.h"
@@ -17,6 +18,7 @@ template <typename Screen> void add(ScreenRegistry &screens, const char *name)
 void registerCatalogueScreens(ScreenRegistry &screens, SettingsStore &settings)
 {
     screens.add(QStringLiteral("frmItemList"), [&screens](QWidget *parent) { return new frmItemList(screens, parent); });
+    screens.add(QStringLiteral("frmItemAddModify"), [&screens](QWidget *parent) { return new frmItemAddModify(screens, parent); });
     screens.add(QStringLiteral("frmLabelList"), [&settings](QWidget *parent) { return new frmLabelList(settings, parent); });
     add<frmCategories>(screens, "frmCategories");
     add<frmQuickFind>(screens, "frmQuickFind");

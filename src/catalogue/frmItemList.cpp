@@ -9,6 +9,8 @@
 #include "SpreadGrid.h"
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
+#include "frmKeywordSearch.h"
+#include "frmSubjectSearch.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
@@ -23,6 +25,26 @@ const QString SearchSelect =
     QStringLiteral(" SELECT i.ItemID, i.AccessionID, i.CategoryID, c.Category, i.SubCategoryID, ")
     + QStringLiteral(" sc.SubCategory, i.Title, (a1.Authorsurname+', '+a1.Authorfirstname) AS Author1,(a2.Authorsurname+', '+a2.Authorfirstname) AS Author2, ")
     + QStringLiteral(" i.classificationno, i.ReferenceItem, i.Restricted, LoanType ") + QStringLiteral(", i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased");
+
+const QString SearchFrom = QStringLiteral(" FROM (((((tblLibItems AS i LEFT JOIN tblLibCategories AS c ON i.CategoryID=c.CategoryID) ")
+                           + QStringLiteral(" LEFT JOIN tblLibSeries AS s ON i.SeriesID=s.SeriesID) LEFT JOIN tblLibSubCategories AS sc ")
+                           + QStringLiteral(" ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ")
+                           + QStringLiteral(" ON il.ItemLanguageID=i.ItemLanguageID) LEFT JOIN tblLibAuthors AS a1 ON ")
+                           + QStringLiteral(" a1.AuthorID=i.Author1) LEFT JOIN tblLibAuthors AS a2 ON a2.AuthorID=i.Author2 ");
+
+// The subject search: an item matches a subject through its main classification number
+// (tblLibSubjectCodes) or a linked subject (tblLibSubjectCodeItem). The grouping runs in a
+// sub-select so that a copy matching several ways is listed once, and the outer condition keeps
+// phased-out copies out whatever the OR terms of the condition bind to.
+QString subjectStatement(const QString &condition)
+{
+    return SearchSelect + SearchFrom
+           + QStringLiteral(" Where i.PhasedOut = False And i.ItemID In (SELECT i.ItemID FROM ((tblLibItems AS i LEFT JOIN tblLibSubjectCodes ON "
+                            "i.ClassificationNo = tblLibSubjectCodes.ClassificationNo) LEFT JOIN tblLibItemSubjects ON i.ItemID = tblLibItemSubjects.itemid) "
+                            "LEFT JOIN tblLibSubjectCodes AS tblLibSubjectCodeItem ON tblLibItemSubjects.subjectid = tblLibSubjectCodeItem.ID "
+                            "GROUP BY i.ItemID, i.Phasedout, tblLibSubjectCodes.ID, tblLibSubjectCodeItem.ID")
+           + condition + QStringLiteral(")");
+}
 
 } // namespace
 
@@ -50,8 +72,8 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     connect(ui->cmdNew, &QPushButton::clicked, this, &frmItemList::cmdNew_Click);
     connect(ui->cmdAddExisting, &QPushButton::clicked, this, &frmItemList::cmdAddExisting_Click);
     connect(ui->cmdEdit, &QPushButton::clicked, this, &frmItemList::cmdEdit_Click);
-    connect(ui->cmdSubjectSearch, &QPushButton::clicked, this, [this] { screens_.open(QStringLiteral("frmSubjectSearch"), ui->cmdSubjectSearch->text().remove(QLatin1Char('&')), this); });
-    connect(ui->cmdKeywordSearch, &QPushButton::clicked, this, [this] { screens_.open(QStringLiteral("frmKeywordSearch"), ui->cmdKeywordSearch->text().remove(QLatin1Char('&')), this); });
+    connect(ui->cmdSubjectSearch, &QPushButton::clicked, this, &frmItemList::cmdSubjectSearch_Click);
+    connect(ui->cmdKeywordSearch, &QPushButton::clicked, this, &frmItemList::cmdKeywordSearch_Click);
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemList::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     CurrentItemID = 0;
@@ -110,11 +132,6 @@ void frmItemList::cmdSearch_Click()
         const QString criteria = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
                                               ui->txtClassificationNo, ui->txtISBN, nullptr, ui->chRestricted, ui->chShortLoan}
                                      .condition();
-        const QString from = QStringLiteral(" FROM (((((tblLibItems AS i LEFT JOIN tblLibCategories AS c ON i.CategoryID=c.CategoryID) ")
-                             + QStringLiteral(" LEFT JOIN tblLibSeries AS s ON i.SeriesID=s.SeriesID) LEFT JOIN tblLibSubCategories AS sc ")
-                             + QStringLiteral(" ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ")
-                             + QStringLiteral(" ON il.ItemLanguageID=i.ItemLanguageID) LEFT JOIN tblLibAuthors AS a1 ON ")
-                             + QStringLiteral(" a1.AuthorID=i.Author1) LEFT JOIN tblLibAuthors AS a2 ON a2.AuthorID=i.Author2 ");
         QString where;
         if (ui->chRemoved->isChecked()) {
             where = QStringLiteral(" Where i.PhasedOut = True "); // every phased-out item, whatever else was entered
@@ -126,11 +143,45 @@ void frmItemList::cmdSearch_Click()
         }
         mode_ = QStringLiteral("Search");
         order_.reset();
-        fill(SearchSelect + from + where);
+        fill(SearchSelect + SearchFrom + where);
     } catch (const AppError &e) {
         data_.CloseCompact();
         ReportError(Location, QStringLiteral("cmdSearch_Click"), e);
     }
+}
+
+bool frmItemList::SearchItems(const QString &condition, const QString &mode)
+{
+    if (condition.isEmpty()) {
+        UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
+        return false;
+    }
+    try {
+        mode_ = mode;
+        order_.reset();
+        fill(mode == QLatin1String("Subject") ? subjectStatement(condition) : clsTSQL().spKeywordsSearchItems(condition));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, mode + QStringLiteral(" Search"), e);
+        return false;
+    }
+    if (ui->fpSpreadStock->maxRows() == 0) {
+        UserMessage(QStringLiteral("There were no items that matched the search"));
+        return false;
+    }
+    return true;
+}
+
+void frmItemList::cmdSubjectSearch_Click()
+{
+    frmSubjectSearch search([this](const QString &condition, const QString &mode) { return SearchItems(condition, mode); }, this);
+    search.exec();
+}
+
+void frmItemList::cmdKeywordSearch_Click()
+{
+    frmKeywordSearch search([this](const QString &condition, const QString &mode) { return SearchItems(condition, mode); }, this);
+    search.exec();
 }
 
 void frmItemList::cmdAll_Click()
@@ -210,6 +261,14 @@ void frmItemList::openEditor(int mode)
 {
     ItemEditMode = mode;
     screens_.open(QStringLiteral("frmItemAddModify"), QStringLiteral("Item editor"), this);
+    if (listStatement_.isEmpty())
+        return;
+    try {
+        fill(listStatement_); // what was added or changed shows at once
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Refresh"), e);
+    }
 }
 
 void frmItemList::cmdNew_Click() { openEditor(0); }

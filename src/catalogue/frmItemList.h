@@ -22,12 +22,17 @@ public:
     explicit frmItemList(const ScreenRegistry &screens, QWidget *parent = nullptr);
     ~frmItemList() override;
 
-    /// The statement of the last list, without its order ("All", "Search").
+    /// The search routine of the subject and keyword searches: runs their condition in the
+    /// statement of that mode ("Subject", "Keyword"); true when items were found.
+    bool SearchItems(const QString &condition, const QString &mode);
+    /// The statement of the last list, without its order.
     const QString &listStatement() const { return listStatement_; }
 
 public Q_SLOTS:
     void cmdSearch_Click();
     void cmdAll_Click();
+    void cmdSubjectSearch_Click();
+    void cmdKeywordSearch_Click();
     void cmbCategory_Click();
     void flagTicked(QObject *box);
     void OrderItems(int column);
@@ -45,7 +50,7 @@ private:
     std::unique_ptr<Ui::frmItemList> ui;
     const ScreenRegistry &screens_;
     clsDataObject data_;
-    QString mode_; // "All" or "Search": what a refresh re-runs
+    QString mode_; // "All", "Search", "Subject" or "Keyword": what a refresh re-runs
     QString listStatement_;
     ItemListOrder order_;
 };

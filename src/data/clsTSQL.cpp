@@ -612,10 +612,13 @@ QString clsTSQL::spKeywordsGetKeywordLink(int itemID) const
 QString clsTSQL::spKeywordsSearchItems(const QString &condition) const
 {
     return QStringLiteral("SELECT i.ItemID, i.AccessionID, i.Title, (a1.AuthorSurname + ', ' + a1.AuthorFirstName) AS Author1, "
-                          "i.ShelfNumber, i.LoanType FROM ((tblLibItems AS i LEFT JOIN tblLibItemKeywords ON i.ItemID = tblLibItemKeywords.ItemID) "
-                          "LEFT JOIN tblLibAuthors AS a1 ON a1.AuthorID = i.Author1) ")
+                          "(a2.AuthorSurname + ', ' + a2.AuthorFirstName) AS Author2, i.ClassificationNo, i.ReferenceItem, i.Restricted, "
+                          "i.LoanType, i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased "
+                          "FROM ((tblLibItems AS i LEFT JOIN tblLibItemKeywords ON i.ItemID = tblLibItemKeywords.ItemID) "
+                          "LEFT JOIN tblLibAuthors AS a1 ON a1.AuthorID = i.Author1) LEFT JOIN tblLibAuthors AS a2 ON a2.AuthorID = i.Author2 ")
            + condition
-           + QStringLiteral(" GROUP BY i.ItemID, i.AccessionID, i.Title, a1.AuthorSurname, a1.AuthorFirstName, i.ShelfNumber, i.LoanType");
+           + QStringLiteral(" GROUP BY i.ItemID, i.AccessionID, i.Title, a1.AuthorSurname, a1.AuthorFirstName, a2.AuthorSurname, a2.AuthorFirstName, "
+                            "i.ClassificationNo, i.ReferenceItem, i.Restricted, i.LoanType, i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased");
 }
 
 QString clsTSQL::spKeywords(KeywordMode mode, const QString &keyIDOrText) const

@@ -7,7 +7,10 @@
 #include "UpdateDatabase.h"
 #include "frmItemList.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QDialog>
+#include <QTimer>
 #include <QComboBox>
 
 using namespace ScreenDriver;
@@ -139,9 +142,25 @@ TEST_F(ItemList, HandOffsToTheEditorNeedASelectedItem)
     child<SpreadGrid>(screen, "fpSpreadStock")->clickCell(5, 2);
     EXPECT_EQ(CurrentItemID, 1);
     messages_->clear();
-    click(screen, "cmdEdit"); // the editor is not part of this version yet: the registry says so
+    click(screen, "cmdEdit"); // this test's registry has no editor: it says so
     EXPECT_EQ(ItemEditMode, 2);
     EXPECT_EQ(messages_->prompts().size(), 1);
+}
+
+TEST_F(ItemList, TheTermSearchesOpenOverTheList)
+{
+    frmItemList screen(screens_);
+    QStringList opened;
+    for (const char *button : {"cmdSubjectSearch", "cmdKeywordSearch"}) {
+        QTimer::singleShot(0, &screen, [&opened] {
+            QWidget *search = QApplication::activeModalWidget();
+            opened << (search ? search->objectName() : QString());
+            if (auto *dialog = qobject_cast<QDialog *>(search))
+                dialog->reject();
+        });
+        click(screen, button);
+    }
+    EXPECT_EQ(opened, (QStringList{"frmSubjectSearch", "frmKeywordSearch"}));
 }
 
 TEST_F(ItemList, PrintsUnderStockItemList)

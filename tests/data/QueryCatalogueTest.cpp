@@ -199,7 +199,7 @@ TEST_F(QueryCatalogueRuns, KeywordAndSubjectLookUps)
     library(sql.spKeywordsAddItem(1, 2));
     EXPECT_EQ(libraryRows(sql.spKeywordsLinked(1)), QStringList{"Kringe in 'n Bos"});
     EXPECT_EQ(libraryRows(sql.spKeywordsSearchItems(" Where (tblLibItemKeywords.KeyID = 1 Or tblLibItemKeywords.KeyID = 2) AND (i.Phasedout = False)")),
-              QStringList{"2|F002|Kringe in 'n Bos|Smit, Jan|F SMI|N"});
+              QStringList{"2|F002|Kringe in 'n Bos|Smit, Jan||839.36|False|False|N|F SMI||129.95|2026-02-01"});
     EXPECT_EQ(libraryRows(sql.spQSItemsFind("keyw", "HO")), QStringList{"Kringe in 'n Bos|2|F SMI|F002"});
     EXPECT_EQ(libraryRows(sql.spQSItemsFind("auth", "smi")).size(), 3);
 

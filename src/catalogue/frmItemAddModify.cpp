@@ -1,0 +1,409 @@
+#include "frmItemAddModify.h"
+#include "ui_frmItemAddModify.h"
+
+#include "AppError.h"
+#include "CatalogueState.h"
+#include "Clock.h"
+#include "LoanRoutines.h"
+#include "ScreenRegistry.h"
+#include "SearchTerms.h"
+#include "SpreadGrid.h"
+#include "SqlText.h"
+#include "UpdateDatabase.h"
+#include "clsTSQL.h"
+#include "mCommon.h"
+#include "modExtendedMsgBox.h"
+
+#include <QHeaderView>
+#include <QTableView>
+
+namespace {
+
+const QString Location = QStringLiteral("frmItemAddModify");
+constexpr int FirstAccessionRow = ItemSheet::FirstAccessionRow;
+const QColor Yellow(255, 255, 0); // 65535: draws the eye to "Next" once a title is saved
+
+} // namespace
+
+frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::frmItemAddModify>()), screens_(screens), mode_(ItemEditMode),
+      itemID_(ItemEditMode == 1 || ItemEditMode == 2 ? CurrentItemID : 0)
+{
+    ui->setupUi(this);
+    sheet_ = std::make_unique<ItemSheet>(*ui->griditems);
+    ui->griditems->view()->horizontalHeader()->hide();
+    ui->griditems->view()->setSelectionBehavior(QAbstractItemView::SelectItems);
+    ui->griditems->view()->setEditTriggers(QAbstractItemView::AllEditTriggers);
+    ui->griditems->view()->setAlternatingRowColors(false);
+    sheet_->layOut();
+    ui->gridSearchTerms->defineColumns({{"Subject Search Term", 40}});
+    ui->gridKSearchTerms->defineColumns({{"English Keyword", 20}, {"Afrikaans Keyword", 20}});
+    ui->cboWeed->addItems({QStringLiteral("Lost"), QStringLiteral("Damaged"), QStringLiteral("Under Repair"), QStringLiteral("Weed")});
+    ui->cboWeed->setCurrentIndex(-1);
+    ui->dt1->setDate(Clock::today());
+
+    connect(ui->cmdSave, &QPushButton::clicked, this, &frmItemAddModify::cmdSave_Click);
+    connect(ui->cmdNext, &QPushButton::clicked, this, &frmItemAddModify::cmdNext_Click);
+    connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemAddModify::cmdPrint_Click);
+    connect(ui->cmdCancel, &QPushButton::clicked, this, &QDialog::accept);
+    connect(ui->cmdFillcombo, &QPushButton::clicked, this, &frmItemAddModify::cmdFillcombo_Click);
+    connect(ui->cmdGo, &QPushButton::clicked, this, &frmItemAddModify::cmdGo_Click);
+    connect(ui->cmdGoK, &QPushButton::clicked, this, &frmItemAddModify::cmdGoK_Click);
+    connect(ui->txtSubjectTerm, &QLineEdit::returnPressed, this, &frmItemAddModify::cmdFillcombo_Click);
+    connect(ui->txtSubject, &QLineEdit::returnPressed, this, &frmItemAddModify::cmdGo_Click);
+    connect(ui->txtKeyword, &QLineEdit::returnPressed, this, &frmItemAddModify::cmdGoK_Click);
+    connect(ui->cboSubjectClass, &QComboBox::activated, this, &frmItemAddModify::cboSubjectClass_Click);
+    connect(ui->cboSearch, &QComboBox::activated, this, &frmItemAddModify::cboSearch_Click);
+    connect(ui->cboSearchKeywords, &QComboBox::activated, this, &frmItemAddModify::cboSearchKeywords_Click);
+    connect(ui->cmdRemove, &QPushButton::clicked, this, &frmItemAddModify::cmdRemove_Click);
+    connect(ui->cmdKRemove, &QPushButton::clicked, this, &frmItemAddModify::cmdKRemove_Click);
+    connect(ui->gridKSearchTerms, &SpreadGrid::cellDoubleClicked, this, [this](int, int row) { ui->gridKSearchTerms->removeRow(row); });
+    connect(ui->cmdSaveterms, &QPushButton::clicked, this, &frmItemAddModify::cmdSaveterms_Click);
+    connect(ui->cmdSaveKterms, &QPushButton::clicked, this, &frmItemAddModify::cmdSaveKterms_Click);
+    connect(ui->cmdClear, &QPushButton::clicked, this, [this] { ui->cboWeed->setCurrentIndex(-1); });
+    connect(ui->ccmdSubject, &QPushButton::clicked, this, [this] { openList("frmSubjectsList", ui->ccmdSubject->text()); });
+    connect(ui->cmdKeywords, &QPushButton::clicked, this, [this] { openList("frmKeywordList", ui->cmdKeywords->text()); });
+    connect(ui->griditems, &SpreadGrid::cellEdited, this, &frmItemAddModify::griditems_Change);
+    connect(ui->griditems, &SpreadGrid::cellClicked, this, [this](int col, int row) {
+        if (col == 2 && row == 3)
+            griditems_Change(2, 2); // the sub-categories always follow the category in row 2
+    });
+    Form_Load();
+}
+
+frmItemAddModify::~frmItemAddModify() = default;
+
+void frmItemAddModify::report(const char *routine, const AppError &error)
+{
+    data_.CloseCompact();
+    ReportError(Location, QLatin1String(routine), error);
+}
+
+void frmItemAddModify::Form_Load()
+{
+    try {
+        PopulateCombo();
+        sheet_->LoadCombos(data_);
+        switch (mode_) {
+        case 0:
+            ui->cmdSave->setText(QStringLiteral("&Save"));
+            sheet_->setValue(2, 2, QStringLiteral("Book"));
+            sheet_->loadSubCategories(data_);
+            sheet_->setValue(2, FirstAccessionRow, NextAccessionNumber());
+            setWindowTitle(QStringLiteral("Maintain Catalogue: ADD NEW ITEMS"));
+            break;
+        case 1:
+            setWindowTitle(QStringLiteral("Maintain Catalogue: ADD EXISTING ITEMS"));
+            PopulateData();
+            ui->cboWeed->setCurrentIndex(-1);
+            ui->cmdSave->setEnabled(true);
+            ui->dt1->setDate(Clock::today());
+            sheet_->setValue(2, FirstAccessionRow, NextAccessionNumber());
+            break;
+        case 2:
+            setWindowTitle(QStringLiteral("Maintain Catalogue: EDIT SINGLE ITEM"));
+            sheet_->useFirstAccessionOnly();
+            PopulateData();
+            break;
+        default:
+            break; // no mode: the screen stays as loaded
+        }
+    } catch (const AppError &e) {
+        report("Form_Load", e);
+    }
+}
+
+void frmItemAddModify::PopulateCombo()
+{
+    FillSubjectCombo(data_, ui->cboSubjectClass, QString());
+    FillSubjectCombo(data_, ui->cboSearch, QString());
+    FillKeywordCombo(data_, ui->cboSearchKeywords, QString());
+}
+
+void frmItemAddModify::PopulateData()
+{
+    const clsTSQL sql;
+    data_.GetData(sql.spItemsGetRecord(itemID_));
+    if (!data_.rst->atEnd()) {
+        const Recordset &item = *data_.rst;
+        sheet_->show(item, mode_ == 2);
+        ownAccession_ = item.field(QStringLiteral("AccessionID")).toString();
+        if (item.field(QStringLiteral("PhasedOut")).toString() == QLatin1String("True")) {
+            ui->cboWeed->setCurrentIndex(ui->cboWeed->findText(item.field(QStringLiteral("PhasedOutReason")).toString()));
+            ui->dt1->setDate(item.field(QStringLiteral("PhasedOutDate")).toDate());
+        }
+    }
+    data_.CloseCompact();
+    sheet_->loadSubCategories(data_);
+    data_.FillSpreadWithHeader(*ui->gridSearchTerms, sql.spSubjectsgetSubjectLink(itemID_));
+    data_.FillSpreadWithHeader(*ui->gridKSearchTerms, sql.spKeywordsGetKeywordLink(itemID_));
+}
+
+QString frmItemAddModify::NextAccessionNumber()
+{
+    data_.GetData(clsTSQL().spItemLastAccession());
+    const QString last = data_.rst->atEnd() ? QString() : data_.rst->field(0).toString();
+    data_.CloseCompact();
+    return NextAccessionAfter(last);
+}
+
+void frmItemAddModify::griditems_Change(int col, int row)
+{
+    if (col != 2 || row != 2)
+        return;
+    try {
+        sheet_->loadSubCategories(data_);
+    } catch (const AppError &e) {
+        report("griditems_Change", e);
+    }
+}
+
+void frmItemAddModify::cmdSave_Click()
+{
+    try {
+        ui->cmdSave->setPalette(QPalette());
+        if (mode_ == 2)
+            editItem();
+        else
+            addItems();
+    } catch (const AppError &e) {
+        report("cmdSave", e);
+    }
+}
+
+bool frmItemAddModify::AccessionExists(const QString &accession)
+{
+    data_.GetData(QStringLiteral("Select accessionId from tbllibitems where accessionId = '") + accession + QStringLiteral("'"));
+    const bool found = !data_.rst->atEnd();
+    data_.CloseCompact();
+    return found;
+}
+
+bool frmItemAddModify::AccessionExistsForOther(const QString &accession, const QString &ownAccession)
+{
+    data_.GetData(QStringLiteral("Select accessionId from tbllibitems where accessionId = '") + accession + QStringLiteral("' and accessionId <> '")
+                  + ownAccession + QStringLiteral("'"));
+    const bool found = !data_.rst->atEnd();
+    data_.CloseCompact();
+    return found;
+}
+
+void frmItemAddModify::addItems()
+{
+    sheet_->loadSubCategories(data_);
+    ItemDetails item;
+    if (!sheet_->ValidateData(&item))
+        return;
+    const std::vector<QPoint> cells = sheet_->filledAccessionCells();
+    for (const QPoint &cell : cells) {
+        if (AccessionExists(Safesql(sheet_->value(cell.x(), cell.y())))) {
+            UserMessage(QStringLiteral("The accession number in Col ") + QString::number(cell.x()) + QStringLiteral(" Row ")
+                        + QString::number(cell.y() - 12) + QStringLiteral(" is a duplicate. Please amend and save again"));
+            return;
+        }
+    }
+    // No transaction: a copy that fails leaves the ones written before it, as the librarian saw them saved.
+    const clsTSQL sql;
+    savedItems_.clear();
+    for (const QPoint &cell : cells) {
+        item.accessionID = sheet_->value(cell.x(), cell.y());
+        data_.ExecuteNonQuery(sql.spItemsInsert(item));
+        data_.GetID(sql.spGetAID(QStringLiteral("ItemID"), QStringLiteral("tblLibItems Where AccessionID = '") + Safesql(item.accessionID)
+                                                                 + QStringLiteral("'")));
+        int itemID = 0;
+        for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext())
+            itemID = std::max(itemID, rs.field(0).toInt()); // two cells may hold the same number: the newest row is this copy
+        data_.CloseCompact();
+        savedItems_ << itemID;
+    }
+    showSaved(true);
+    UserMessage(QStringLiteral("Saved Successfully"));
+}
+
+void frmItemAddModify::editItem()
+{
+    if (itemID_ == 0) {
+        UserMessage(QStringLiteral("The Item ID is empty, please close and reopen the edit item screen"));
+        return;
+    }
+    QString holderType;
+    QVariant holderID;
+    GetItemHolder(itemID_, &holderType, &holderID);
+    if (!ui->cboWeed->currentText().isEmpty()) {
+        phaseOut(holderType, holderID.toInt());
+        return;
+    }
+    if (!holderType.isEmpty()) {
+        UserMessage(QStringLiteral("The item is currently out on loan and can not be edited."));
+        return;
+    }
+    sheet_->loadSubCategories(data_);
+    ItemDetails item;
+    if (!sheet_->ValidateData(&item))
+        return;
+    item.accessionID = sheet_->value(2, FirstAccessionRow);
+    if (AccessionExistsForOther(Safesql(item.accessionID), Safesql(ownAccession_))) {
+        UserMessage(QStringLiteral("The accession number is a duplicate. Please amend and save again"));
+        return;
+    }
+    // Saving also clears a phase-out: this is how a removed item is put back into stock.
+    data_.ExecuteNonQuery(clsTSQL().spItemsUpdate(itemID_, item));
+    ownAccession_ = item.accessionID;
+    UserMessage(QStringLiteral("Saved Successfully"));
+}
+
+void frmItemAddModify::phaseOut(const QString &holderType, int holderID)
+{
+    if (!holderType.isEmpty()) {
+        if (!GetLoanHolderMessage(holderID, holderType)) {
+            ui->cboWeed->setCurrentIndex(-1);
+            return;
+        }
+        // The loan is closed, and any fine charged, exactly as at the issue desk.
+        const QString accession = Safesql(sheet_->value(2, FirstAccessionRow));
+        Money fineAmount;
+        qint16 fineInterval = 1;
+        GetFineSettings(accession, holderType, &fineAmount, &fineInterval);
+        ReturnOrRenewLoan(accession, Clock::today(), 0, QStringLiteral("return"), QDate(), fineAmount, fineInterval);
+    } else if (!UserWarning(QStringLiteral("This book will be removed from the library stock. Are you sure you want to continue?"))) {
+        ui->cboWeed->setCurrentIndex(-1);
+        return;
+    }
+    data_.ExecuteNonQuery(clsTSQL().spItemsPhasedOut(itemID_, ui->dt1->date(), ui->cboWeed->currentText()));
+    UserMessage(QStringLiteral("Saved Successfully"));
+}
+
+// Saved: the sheet is closed for this title; the term frames link to what was written.
+void frmItemAddModify::showSaved(bool saved)
+{
+    ui->griditems->setEnabled(!saved);
+    ui->griditems->setToolTip(saved ? QStringLiteral("Item information saved and disabled, add search terms or add the next item.") : QString());
+    ui->cmdNext->setPalette(saved ? QPalette(Yellow) : QPalette());
+    ui->cmdSave->setEnabled(!saved);
+    ui->cboSubjectClass->setEnabled(!saved);
+}
+
+void frmItemAddModify::cmdNext_Click()
+{
+    try {
+        savedItems_.clear();
+        sheet_->clearValues();
+        ui->gridSearchTerms->clearRows();
+        ui->gridKSearchTerms->clearRows();
+        showSaved(false);
+        ui->cmdSave->setPalette(QPalette());
+        ui->cmdSaveterms->setEnabled(true);
+        ui->cmdSaveKterms->setEnabled(true);
+        ui->dt1->setDate(Clock::today());
+        cmdFillcombo_Click();
+        cmdGo_Click();
+        sheet_->setValue(2, FirstAccessionRow, NextAccessionNumber());
+    } catch (const AppError &e) {
+        report("Next Item Routine", e);
+    }
+}
+
+void frmItemAddModify::cmdPrint_Click()
+{
+    try {
+        PrintGridWithHeading(PrintPortrait, windowTitle() + QStringLiteral(" - Add Item"), *ui->griditems);
+    } catch (const AppError &e) {
+        report("Print Routine", e);
+    }
+}
+
+void frmItemAddModify::cmdFillcombo_Click()
+{
+    try {
+        FillSubjectCombo(data_, ui->cboSubjectClass, ui->txtSubjectTerm->text());
+    } catch (const AppError &e) {
+        report("cmdFillcombo", e);
+    }
+}
+
+void frmItemAddModify::cmdGo_Click()
+{
+    try {
+        FillSubjectCombo(data_, ui->cboSearch, ui->txtSubject->text());
+    } catch (const AppError &e) {
+        report("cmdGo", e);
+    }
+}
+
+void frmItemAddModify::cmdGoK_Click()
+{
+    try {
+        FillKeywordCombo(data_, ui->cboSearchKeywords, ui->txtKeyword->text());
+    } catch (const AppError &e) {
+        report("cmdGoK", e);
+    }
+}
+
+void frmItemAddModify::cboSubjectClass_Click(int index)
+{
+    if (index < 0)
+        return;
+    sheet_->setValue(2, 9, ui->cboSubjectClass->itemText(index));
+    sheet_->setValue(2, 10, ui->cboSubjectClass->itemData(index, ClassificationRole).toString());
+}
+
+void frmItemAddModify::cboSearch_Click(int index)
+{
+    if (index >= 0)
+        AddSearchTerm(*ui->gridSearchTerms, ui->cboSearch->itemData(index).toInt(), {ui->cboSearch->itemText(index)});
+}
+
+void frmItemAddModify::cboSearchKeywords_Click(int index)
+{
+    if (index < 0)
+        return;
+    if (ui->gridKSearchTerms->maxRows() >= 5) {
+        UserMessage(QStringLiteral("The Maximum of five(5) Keywords has been reached."));
+        return;
+    }
+    try {
+        const int keyID = ui->cboSearchKeywords->itemData(index).toInt();
+        AddSearchTerm(*ui->gridKSearchTerms, keyID, KeywordTexts(data_, keyID));
+    } catch (const AppError &e) {
+        report("cboSearchKeywords", e);
+    }
+}
+
+void frmItemAddModify::cmdRemove_Click() { RemoveTermLine(*ui->gridSearchTerms, ui->txtline->text()); }
+
+void frmItemAddModify::cmdKRemove_Click() { RemoveTermLine(*ui->gridKSearchTerms, ui->txtKline->text()); }
+
+void frmItemAddModify::cmdSaveterms_Click() { SaveLinks(true); }
+
+void frmItemAddModify::cmdSaveKterms_Click() { SaveLinks(false); }
+
+// The links are replaced, not merged: for the copied or edited item, or for every copy just saved.
+void frmItemAddModify::SaveLinks(bool subjects)
+{
+    try {
+        if (itemID_ == 0 && ui->griditems->isEnabled()) {
+            UserMessage(subjects ? QStringLiteral("First save the item details before linking subjects")
+                                 : QStringLiteral("First save the item details before linking keywords"));
+            return;
+        }
+        const clsTSQL sql;
+        const QVector<int> terms = TermIds(subjects ? *ui->gridSearchTerms : *ui->gridKSearchTerms);
+        for (int item : itemID_ != 0 ? QVector<int>{itemID_} : savedItems_) {
+            data_.ExecuteNonQuery(subjects ? sql.spSubjectsDeleteItem(item) : sql.spKeywordsRemoveItem(item));
+            for (int term : terms)
+                data_.ExecuteNonQuery(subjects ? sql.spSubjectsLinkItem(term, item) : sql.spKeywordsAddItem(term, item));
+        }
+        UserMessage(QStringLiteral("Saved Successfully"));
+    } catch (const AppError &e) {
+        report(subjects ? "Link Subjects" : "Link Keywords", e);
+    }
+}
+
+void frmItemAddModify::openList(const char *screen, const QString &caption)
+{
+    screens_.open(QLatin1String(screen), QString(caption).remove(QLatin1Char('&')), this);
+    // New terms made there can be chosen at once.
+    cmdFillcombo_Click();
+    cmdGo_Click();
+    cmdGoK_Click();
+}
