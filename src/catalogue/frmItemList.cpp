@@ -14,6 +14,9 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
+#include <QHeaderView>
+#include <QTableView>
+
 namespace {
 
 const QString Location = QStringLiteral("frmItemList");
@@ -87,35 +90,76 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
 
 frmItemList::~frmItemList() = default;
 
+namespace {
+
+// The fields behind the grid's columns, looked up once per result.
+struct ListFields {
+    explicit ListFields(const Recordset &rs)
+    {
+        for (const auto &[column, name] : {std::pair{0, "ItemID"}, {1, "AccessionID"}, {2, "ShelfNumber"}, {3, "classificationno"}, {5, "Title"},
+                                           {LoanTypeColumn, "LoanType"}, {9, "ISBN"}, {CostColumn, "Cost"}, {11, "DatePurchased"}})
+            plain.emplace_back(column, rs.fieldIndex(QLatin1String(name)));
+        author1 = rs.fieldIndex(QStringLiteral("Author1"));
+        author2 = rs.fieldIndex(QStringLiteral("Author2"));
+        reference = rs.fieldIndex(QStringLiteral("ReferenceItem"));
+        restricted = rs.fieldIndex(QStringLiteral("Restricted"));
+        cost = rs.fieldIndex(QStringLiteral("Cost"));
+    }
+    std::vector<std::pair<int, int>> plain; // grid column, field
+    int author1, author2, reference, restricted, cost;
+};
+
+// Writes result rows [first, last) into grid rows first + 1 ...
+void writeRows(SpreadGrid &grid, const Recordset &rs, const ListFields &f, int first, int last)
+{
+    std::string text;
+    for (int r = first; r < last; ++r) {
+        const int row = r + 1;
+        for (const auto &[column, field] : f.plain) {
+            text.clear();
+            rs.fieldAt(r, field).appendUtf8(&text);
+            grid.setCellUtf8(column, row, text);
+        }
+        text.clear();
+        rs.fieldAt(r, f.author1).appendUtf8(&text);
+        if (!rs.fieldAt(r, f.author2).isNull()) {
+            text += "; ";
+            rs.fieldAt(r, f.author2).appendUtf8(&text);
+        }
+        grid.setCellUtf8(4, row, text);
+        grid.setCellUtf8(6, row, rs.fieldAt(r, f.reference).toBool() ? "R" : "");
+        grid.setChecked(RestrictedColumn, row, rs.fieldAt(r, f.restricted).toBool());
+    }
+}
+
+} // namespace
+
 void frmItemList::fill(const QString &sql)
 {
     listStatement_ = sql;
     SpreadGrid &grid = *ui->fpSpreadStock;
-    const int rows = data_.GetData(sql + order_.clause());
+    // A long list shows its first screenful while the rest is still being read.
+    const int screenful = std::max(1, grid.view()->viewport()->height() / std::max(1, grid.view()->verticalHeader()->defaultSectionSize()) + 1);
+    const int rows = data_.GetData(sql + order_.clause(), screenful, [&grid](const Recordset &first) {
+        grid.beginFill();
+        grid.setMaxRows(0);
+        grid.setMaxRows(first.RecordCount());
+        writeRows(grid, first, ListFields(first), 0, first.RecordCount());
+        grid.endFill();
+        if (grid.isVisible())
+            grid.view()->viewport()->repaint();
+    });
+    const Recordset &rs = *data_.rst;
     grid.beginFill();
     grid.setMaxRows(0);
     grid.setMaxRows(rows);
     Money total;
-    int row = 0;
-    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
-        ++row;
-        QString authors = rs.field(QStringLiteral("Author1")).toString();
-        if (!rs.field(QStringLiteral("Author2")).toString().isEmpty())
-            authors += QStringLiteral("; ") + rs.field(QStringLiteral("Author2")).toString();
-        grid.setCellText(0, row, rs.field(QStringLiteral("ItemID")).toString());
-        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
-        grid.setCellText(2, row, rs.field(QStringLiteral("ShelfNumber")).toString());
-        grid.setCellText(3, row, rs.field(QStringLiteral("classificationno")).toString());
-        grid.setCellText(4, row, authors);
-        grid.setCellText(5, row, rs.field(QStringLiteral("Title")).toString());
-        grid.setCellText(6, row, rs.field(QStringLiteral("ReferenceItem")).toBool() ? QStringLiteral("R") : QString());
-        grid.setChecked(RestrictedColumn, row, rs.field(QStringLiteral("Restricted")).toBool());
-        grid.setCellText(LoanTypeColumn, row, rs.field(QStringLiteral("LoanType")).toString());
-        grid.setCellText(9, row, rs.field(QStringLiteral("ISBN")).toString());
-        grid.setCellText(CostColumn, row, rs.field(QStringLiteral("Cost")).toString());
-        grid.setCellText(11, row, rs.field(QStringLiteral("DatePurchased")).toString());
-        if (!rs.field(QStringLiteral("Cost")).isNull())
-            total += Money::fromDouble(rs.field(QStringLiteral("Cost")).toDouble());
+    if (rows > 0) {
+        const ListFields fields(rs);
+        writeRows(grid, rs, fields, 0, rows);
+        for (int r = 0; r < rows; ++r)
+            if (!rs.fieldAt(r, fields.cost).isNull())
+                total += rs.fieldAt(r, fields.cost).toMoney();
     }
     grid.endFill();
     data_.CloseCompact();

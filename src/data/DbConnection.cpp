@@ -51,6 +51,16 @@ std::shared_ptr<Recordset> DbConnection::Execute(const QString &sql, int *record
     return rows;
 }
 
+std::shared_ptr<Recordset> DbConnection::Execute(const QString &sql, int count, const std::function<void(const Recordset &)> &show)
+{
+    auto rows = std::make_shared<Recordset>();
+    rows->setFirstRows(count, show);
+    if (traceSink)
+        traceSink->append(sql);
+    physical().execute(sql, rows.get());
+    return rows;
+}
+
 int DbConnection::ExecuteCommand(const QString &sql)
 {
     if (traceSink)

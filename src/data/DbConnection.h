@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class PhysicalConnection;
@@ -38,6 +39,8 @@ public:
 
     /// Runs one Jet statement; returns its rows (an empty, field-less result for commands).
     std::shared_ptr<Recordset> Execute(const QString &sql, int *recordsAffected = nullptr);
+    /// The same for a long list: show receives the first `count` rows as soon as they are read.
+    std::shared_ptr<Recordset> Execute(const QString &sql, int count, const std::function<void(const Recordset &)> &show);
     /// Runs one Jet statement as a command: a query is only started (enough to prove it can run), no rows are kept.
     int ExecuteCommand(const QString &sql);
     void BeginTrans();

@@ -46,6 +46,17 @@ void Recordset::appendText(const char *data, size_t size)
     cells_.push_back(c);
 }
 
+void Recordset::announceFirstRows()
+{
+    rows_ = int(cells_.size() / columns_.size());
+    position_ = 0;
+    const FirstRows show = std::move(firstRows_);
+    firstRowCount_ = 0;
+    show(*this);
+    rows_ = 0;
+    position_ = 0;
+}
+
 void Recordset::finish()
 {
     rows_ = columns_.empty() ? 0 : int(cells_.size() / columns_.size());

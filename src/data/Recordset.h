@@ -9,7 +9,7 @@
 #include <QVariant>
 
 #include <cstdint>
-#include <string>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -62,6 +62,22 @@ public:
     /// Ends building: row count from the cells appended, cursor on the first row.
     void finish();
 
+    /// A reader that wants to show the first rows of a long result while the rest is still read
+    /// (a list's first screenful) sets this before the statement runs: the engine calls it once,
+    /// after `count` rows, with the result holding just those rows.
+    using FirstRows = std::function<void(const Recordset &firstRows)>;
+    void setFirstRows(int count, FirstRows show)
+    {
+        firstRowCount_ = count;
+        firstRows_ = std::move(show);
+    }
+    /// For the engines: called after each row appended.
+    void rowAppended()
+    {
+        if (firstRowCount_ > 0 && int(cells_.size() / columns_.size()) == firstRowCount_)
+            announceFirstRows();
+    }
+
     // Reading.
     int RecordCount() const { return rows_; }
     bool atEnd() const { return position_ >= rows_ || rows_ == 0; }
@@ -96,6 +112,7 @@ private:
         };
     };
     const Cell &cell(int row, int column) const;
+    void announceFirstRows();
     QString text(const Cell &c) const { return QString::fromUtf8(text_.data() + c.offset, qsizetype(c.length)); }
 
     struct Column { QString name; FieldType type; };
@@ -104,4 +121,6 @@ private:
     std::string text_;
     int rows_ = 0;
     int position_ = 0;
+    int firstRowCount_ = 0;
+    FirstRows firstRows_;
 };

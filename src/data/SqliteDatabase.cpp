@@ -249,6 +249,7 @@ int SqliteDatabase::run(const TranslatedStatement &ts, Recordset *rows, const QS
             }
             }
         }
+        rows->rowAppended();
     }
     if (rc != SQLITE_DONE) {
         sqlite3_reset(stmt);

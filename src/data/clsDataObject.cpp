@@ -50,15 +50,18 @@ void clsDataObject::prepare(const QString &sql) { commandText_ = sql; }
 void clsDataObject::rstRecordSetOpen()
 {
     rstRecordSetclose();
+    auto run = [this](DbConnection &connection) {
+        return showFirst_ ? connection.Execute(commandText_, firstRows_, showFirst_) : connection.Execute(commandText_);
+    };
     if (connection_ && connection_->state() == DbConnection::adStateOpen) {
-        rst = connection_->Execute(commandText_);
+        rst = run(*connection_);
         return;
     }
     // The command opens its own connection from the connection text, and fails as that open fails.
     DbConnection own;
     own.DataSource = LibraryDatabasePath;
     own.Open();
-    rst = own.Execute(commandText_);
+    rst = run(own);
 }
 
 void clsDataObject::ExecuteNonQuery(const QString &sql)
@@ -87,6 +90,22 @@ bool clsDataObject::TableExist(const QString &sql)
 
 int clsDataObject::GetData(const QString &sql)
 {
+    openForReading(sql);
+    return rst->RecordCount();
+}
+
+int clsDataObject::GetData(const QString &sql, int firstRows, const std::function<void(const Recordset &)> &show)
+{
+    firstRows_ = firstRows;
+    showFirst_ = show;
+    struct Reset {
+        clsDataObject *d;
+        ~Reset()
+        {
+            d->firstRows_ = 0;
+            d->showFirst_ = nullptr;
+        }
+    } reset{this};
     openForReading(sql);
     return rst->RecordCount();
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 
 class DbConnection;
@@ -38,6 +39,9 @@ public:
     bool TableExist(const QString &sql);
     /// Opens rst and returns its row count (the full count; large catalogues exceed 16 bits).
     int GetData(const QString &sql);
+    /// The same for a long list: show gets the first firstRows rows as soon as the engine has read
+    /// them (the screen draws its first screenful), then the whole result is in rst as usual.
+    int GetData(const QString &sql, int firstRows, const std::function<void(const Recordset &)> &show);
     /// Opens rst without counting; returns 0.
     int GetDatas(const QString &sql);
     /// Opens rst; returns 0. The second value has no effect.
@@ -75,4 +79,6 @@ private:
 
     std::unique_ptr<DbConnection> connection_;
     QString commandText_; // the prepared statement; it runs on this object's connection
+    int firstRows_ = 0;   // with showFirst_: the first rows of the next result are shown early
+    std::function<void(const Recordset &)> showFirst_;
 };

@@ -238,3 +238,27 @@ TEST_F(SharedConnectionTest, TransactionsOnTheLongLivedConnectionRollBack)
     EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
     EXPECT_TRUE(QFile::exists(libraryPath_ + "-wal")); // the library database runs in WAL mode
 }
+
+TEST_F(DataObjectTest, ALongListShowsItsFirstRowsBeforeTheRest)
+{
+    for (int i = 1; i <= 5; ++i)
+        library(QString("Insert into tblLibAuthors (AuthorSurname) values ('A%1')").arg(i));
+    clsDataObject data;
+    QStringList early;
+    int calls = 0;
+    const int rows = data.GetData("select AuthorSurname from tblLibAuthors order by AuthorID", 2, [&](const Recordset &first) {
+        ++calls;
+        for (int r = 0; r < first.RecordCount(); ++r)
+            early << first.fieldAt(r, 0).toString();
+    });
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(early, (QStringList{"A1", "A2"}));
+    EXPECT_EQ(rows, 5);
+    EXPECT_EQ(data.rst->field(0).toString(), "A1"); // the whole result, from its first row
+    data.CloseCompact();
+    // A result shorter than the first screenful is only shown whole; the next query shows nothing early.
+    EXPECT_EQ(data.GetData("select AuthorSurname from tblLibAuthors", 9, [&](const Recordset &) { ++calls; }), 5);
+    EXPECT_EQ(data.GetData("select AuthorSurname from tblLibAuthors"), 5);
+    EXPECT_EQ(calls, 1);
+    data.CloseCompact();
+}
