@@ -1,7 +1,9 @@
 // Benchmarks on the large school: Jet translation, the loan engine and the data object.
 #include "AppError.h"
+#include "BenchSql.h"
 #include "BenchTimer.h"
 #include "CatalogueBench.h"
+#include "ItemScreensBench.h"
 #include "CirculationBench.h"
 #include "MembersReportsBench.h"
 #include "Clock.h"
@@ -27,6 +29,7 @@
 #include <sqlite3.h>
 
 #include <cstdio>
+#include <functional>
 #include <random>
 
 namespace {
@@ -150,34 +153,13 @@ void benchLoanEngine()
 void benchGetData()
 {
     std::printf("Data object: the stock list's \"Show All\"\n");
-    const QByteArray jet = ShowAll.toUtf8();
-    const std::string native = SqliteDatabase::sharedTranslator().translate(std::string_view(jet.constData(), size_t(jet.size()))).sql;
     sqlite3 *db = nullptr;
     sqlite3_open_v2(LibraryDatabasePath.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
     Samples raw, getData;
-    size_t rows = 0, rawRows = 0;
+    size_t rows = 0;
+    int rawRows = 0;
     for (int run = 0; run < 7; ++run) {
-        raw.time([&] {
-            sqlite3_stmt *stmt = nullptr;
-            sqlite3_prepare_v2(db, native.c_str(), -1, &stmt, nullptr);
-            size_t bytes = 0;
-            rawRows = 0;
-            const int columns = sqlite3_column_count(stmt);
-            while (sqlite3_step(stmt) == SQLITE_ROW) {
-                ++rawRows;
-                for (int c = 0; c < columns; ++c) {
-                    switch (sqlite3_column_type(stmt, c)) {
-                    case SQLITE_INTEGER: bytes += size_t(sqlite3_column_int64(stmt, c) & 1); break;
-                    case SQLITE_FLOAT: bytes += sqlite3_column_double(stmt, c) > 0 ? 1 : 0; break;
-                    case SQLITE_NULL: break;
-                    default: bytes += size_t(sqlite3_column_bytes(stmt, c)) + (sqlite3_column_text(stmt, c) ? 1 : 0);
-                    }
-                }
-            }
-            sqlite3_finalize(stmt);
-            if (bytes == 1)
-                std::printf(" ");
-        });
+        raw.add(stepThroughCApi(db, ShowAll, &rawRows));
         getData.time([&] {
             clsDataObject data;
             rows = size_t(data.GetData(ShowAll));
@@ -185,7 +167,7 @@ void benchGetData()
         });
     }
     sqlite3_close(db);
-    std::printf("  rows: %zu (raw %zu)\n", rows, rawRows);
+    std::printf("  rows: %zu (raw %d)\n", rows, rawRows);
     raw.report("SQLite C API, same translated SQL");
     getData.report("clsDataObject::GetData");
     std::printf("  ratio GetData / C API: %.2f\n", getData.median() / raw.median());
@@ -254,7 +236,7 @@ int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s SCHOOL_FOLDER\n", argv[0]);
+        std::fprintf(stderr, "usage: %s SCHOOL_FOLDER [GROUP]\n", argv[0]);
         return 2;
     }
     const QDir school(QString::fromLocal8Bit(argv[1]));
@@ -268,15 +250,16 @@ int main(int argc, char *argv[])
     CentralDatabasePath = school.absoluteFilePath(QStringLiteral("central.db"));
     MessageScript quiet; // refusals are counted, not shown
     try {
-        benchTranslation();
-        benchGetData();
-        benchFillSpread();
-        benchLoanEngine();
-        benchCirculationScreens();
-        benchCatalogueScreens();
-        benchLabels();
-        benchMembersAndReports();
-        benchStartUp(work.path());
+        const std::pair<const char *, std::function<void()>> groups[] = {
+            {"translation", benchTranslation},          {"getdata", benchGetData},   {"fillspread", benchFillSpread},
+            {"loans", benchLoanEngine},                 {"circulation", benchCirculationScreens},
+            {"references", benchCatalogueScreens},      {"labels", benchLabels},     {"items", benchItemScreens},
+            {"members", benchMembersAndReports},        {"startup", [&work] { benchStartUp(work.path()); }}};
+        // An optional third argument runs only the groups whose names contain it.
+        const QString only = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+        for (const auto &[name, run] : groups)
+            if (only.isEmpty() || QLatin1String(name).contains(only))
+                run();
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));
         return 1;

@@ -86,11 +86,11 @@ void frmItemAddModify::Form_Load()
         sheet_->LoadCombos(data_);
         switch (mode_) {
         case 0:
+            setWindowTitle(QStringLiteral("Maintain Catalogue: ADD NEW ITEMS"));
             ui->cmdSave->setText(QStringLiteral("&Save"));
             sheet_->setValue(2, 2, QStringLiteral("Book"));
             sheet_->loadSubCategories(data_);
             sheet_->setValue(2, FirstAccessionRow, NextAccessionNumber());
-            setWindowTitle(QStringLiteral("Maintain Catalogue: ADD NEW ITEMS"));
             break;
         case 1:
             setWindowTitle(QStringLiteral("Maintain Catalogue: ADD EXISTING ITEMS"));

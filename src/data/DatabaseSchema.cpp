@@ -69,11 +69,19 @@ QStringList libraryTables(bool olderRelease)
     s << QStringLiteral("CREATE INDEX ixReservesItem ON tblLibReserves (ItemID, ReserveDate)");
     s << QStringLiteral("CREATE INDEX ixReservesMember ON tblLibReserves (MemberID, MemberType)");
     if (!olderRelease)
-        s << QStringLiteral("CREATE INDEX ixItemKeywordsItem ON tblLibItemKeywords (ItemID)");
+        s << DatabaseSchema::keywordIndexes();
     return s;
 }
 
 } // namespace
+
+QStringList DatabaseSchema::keywordIndexes()
+{
+    // Quick find by keyword starts from the keywords that begin with the text typed (either language).
+    return {QStringLiteral("CREATE INDEX ixItemKeywordsItem ON tblLibItemKeywords (ItemID)"),
+            QStringLiteral("CREATE INDEX ixKeywordsEnglish ON tblLibKeywords (KeywordEng)"),
+            QStringLiteral("CREATE INDEX ixKeywordsAfrikaans ON tblLibKeywords (KeywordAfr)")};
+}
 
 QStringList DatabaseSchema::libraryStatements() { return libraryTables(false); }
 

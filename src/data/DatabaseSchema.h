@@ -13,6 +13,8 @@ public:
     /// The library database as an older release left it: numeric ClassificationNo,
     /// no keyword tables, no Author3, Edition or PhasedOut on languages and subject codes.
     static QStringList olderReleaseLibraryStatements();
+    /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
+    static QStringList keywordIndexes();
     /// The central tables read by this program.
     static QStringList centralStatements();
 

@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "JetDdl.h"
+#include "JoinReduction.h"
 
 #include <QString>
 
@@ -522,6 +523,8 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
                 fail("Syntax error in DELETE statement.", sql);
             body.erase(body.begin() + 1, from);
         }
+        if (first.isWord("select"))
+            reduceOuterJoins(body);
         const Out out = Rewriter(*traits_, body, sql).run();
         auto made = std::make_shared<const Template>(compile(first.isWord("select") ? TranslatedStatement::Rows : TranslatedStatement::Command, out));
         std::lock_guard lock(mutex_);

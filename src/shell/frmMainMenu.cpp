@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "DatabaseFile.h"
+#include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "IssueDeskState.h"
 #include "Recordset.h"
@@ -217,7 +218,8 @@ void frmMainMenu::upgradeStructure()
             {QStringLiteral("CREATE TABLE tblLibKeywords (KeyID INT IDENTITY UNIQUE,KeywordEng Text(50),KeywordAfr Text(50),")
              + QStringLiteral(" PRIMARY KEY (KeyID))")});
     upgrade(QStringLiteral("select KeyID from tblLibItemKeywords"),
-            {QStringLiteral("CREATE TABLE tblLibItemKeywords (KeyID INT,ItemID INT, PRIMARY KEY (KeyID,ItemID))")});
+            QStringList{QStringLiteral("CREATE TABLE tblLibItemKeywords (KeyID INT,ItemID INT, PRIMARY KEY (KeyID,ItemID))")}
+                + DatabaseSchema::keywordIndexes());
     txtDatabase->setText(LibraryDatabasePath);
     upgradeClassificationNumbers();
     upgrade(QStringLiteral("select Author3 from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Author3 INT")});
