@@ -79,14 +79,6 @@ protected:
         g.setCellText(5, 10, "2026-03-01");
         g.setCellText(5, 11, "2");
     }
-    void choose(frmItemAddModify &screen, const char *combo, const QString &text)
-    {
-        QComboBox *box = child<QComboBox>(screen, combo);
-        const int index = box->findText(text);
-        ASSERT_GE(index, 0) << text.toStdString();
-        box->setCurrentIndex(index);
-        Q_EMIT box->activated(index);
-    }
     void lend(const QString &accession, int itemID, const QString &type, int member, const QString &due)
     {
         library(QString("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('%1', '%2', %3, %4, "

@@ -40,13 +40,7 @@ protected:
         DbConnection::traceStatements(nullptr);
         DatabaseTest::TearDown();
     }
-    QStringList titles(frmItemList &screen)
-    {
-        QStringList out;
-        for (const QString &row : rows(screen, "fpSpreadStock"))
-            out << row.section('|', 4, 4);
-        return out;
-    }
+    static QStringList titles(frmItemList &screen) { return column(screen, "fpSpreadStock", 5); }
     ScreenRegistry screens_;
     QStringList sent_;
 };

@@ -46,20 +46,7 @@ protected:
         DbConnection::traceStatements(nullptr);
         DatabaseTest::TearDown();
     }
-    static void choose(QWidget &screen, const char *combo, const QString &text)
-    {
-        QComboBox *box = child<QComboBox>(screen, combo);
-        const int index = box->findText(text);
-        ASSERT_GE(index, 0) << text.toStdString();
-        Q_EMIT box->activated(index);
-    }
-    static QStringList accessions(frmItemList &list)
-    {
-        QStringList out;
-        for (const QString &row : rows(list, "fpSpreadStock"))
-            out << row.section('|', 0, 0);
-        return out;
-    }
+    static QStringList accessions(frmItemList &list) { return column(list, "fpSpreadStock", 1); }
     ScreenRegistry screens_;
     QStringList sent_;
 };

@@ -3,6 +3,7 @@
 #include "SpreadGrid.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QStringList>
 #include <QWidget>
@@ -34,6 +35,26 @@ inline QStringList rows(QWidget &screen, const char *grid)
         out << cells.join('|');
     }
     return out;
+}
+
+/// One column of a grid's data rows (1-based column).
+inline QStringList column(QWidget &screen, const char *grid, int col)
+{
+    const SpreadGrid *g = child<SpreadGrid>(screen, grid);
+    QStringList out;
+    for (int r = 1; r <= g->maxRows(); ++r)
+        out << g->cellText(col, r);
+    return out;
+}
+
+/// Chooses an entry of a combo by its text, as a click in its list does.
+inline void choose(QWidget &screen, const char *combo, const QString &text)
+{
+    QComboBox *box = child<QComboBox>(screen, combo);
+    const int index = box->findText(text);
+    ASSERT_GE(index, 0) << text.toStdString();
+    box->setCurrentIndex(index);
+    Q_EMIT box->activated(index);
 }
 
 } // namespace ScreenDriver
