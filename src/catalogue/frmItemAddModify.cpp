@@ -66,7 +66,7 @@ frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, QWidget *paren
     connect(ui->griditems, &SpreadGrid::cellEdited, this, &frmItemAddModify::griditems_Change);
     connect(ui->griditems, &SpreadGrid::cellClicked, this, [this](int col, int row) {
         if (col == 2 && row == 3)
-            griditems_Change(2, 2); // the sub-categories always follow the category in row 2
+            refreshSubCategories(); // the sub-category list always follows the category in row 2
     });
     Form_Load();
 }
@@ -149,8 +149,12 @@ QString frmItemAddModify::NextAccessionNumber()
 
 void frmItemAddModify::griditems_Change(int col, int row)
 {
-    if (col != 2 || row != 2)
-        return;
+    if (col == 2 && row == 2)
+        refreshSubCategories();
+}
+
+void frmItemAddModify::refreshSubCategories()
+{
     try {
         sheet_->loadSubCategories(data_);
     } catch (const AppError &e) {
@@ -173,17 +177,16 @@ void frmItemAddModify::cmdSave_Click()
 
 bool frmItemAddModify::AccessionExists(const QString &accession)
 {
-    data_.GetData(QStringLiteral("Select accessionId from tbllibitems where accessionId = '") + accession + QStringLiteral("'"));
-    const bool found = !data_.rst->atEnd();
-    data_.CloseCompact();
-    return found;
+    return AccessionExistsForOther(accession, QString());
 }
 
+// Both look-ups share one statement; without an own number the second condition is left out.
 bool frmItemAddModify::AccessionExistsForOther(const QString &accession, const QString &ownAccession)
 {
-    data_.GetData(QStringLiteral("Select accessionId from tbllibitems where accessionId = '") + accession + QStringLiteral("' and accessionId <> '")
-                  + ownAccession + QStringLiteral("'"));
-    const bool found = !data_.rst->atEnd();
+    QString sql = QStringLiteral("Select accessionId from tbllibitems where accessionId = '") + accession + QStringLiteral("'");
+    if (!ownAccession.isNull())
+        sql += QStringLiteral(" and accessionId <> '") + ownAccession + QStringLiteral("'");
+    const bool found = data_.GetData(sql) > 0;
     data_.CloseCompact();
     return found;
 }

@@ -49,6 +49,7 @@ private:
     void Form_Load();
     void PopulateCombo();
     void PopulateData();
+    void refreshSubCategories();
     void addItems();
     void editItem();
     void phaseOut(const QString &holderType, int holderID);

@@ -109,11 +109,11 @@ struct ListFields {
     int author1, author2, reference, restricted, cost;
 };
 
-// Writes result rows [first, last) into grid rows first + 1 ...
-void writeRows(SpreadGrid &grid, const Recordset &rs, const ListFields &f, int first, int last)
+// Writes every row of the result into the grid (result row r into grid row r + 1).
+void writeRows(SpreadGrid &grid, const Recordset &rs, const ListFields &f)
 {
     std::string text;
-    for (int r = first; r < last; ++r) {
+    for (int r = 0; r < rs.RecordCount(); ++r) {
         const int row = r + 1;
         for (const auto &[column, field] : f.plain) {
             text.clear();
@@ -144,7 +144,7 @@ void frmItemList::fill(const QString &sql)
         grid.beginFill();
         grid.setMaxRows(0);
         grid.setMaxRows(first.RecordCount());
-        writeRows(grid, first, ListFields(first), 0, first.RecordCount());
+        writeRows(grid, first, ListFields(first));
         grid.endFill();
         if (grid.isVisible())
             grid.view()->viewport()->repaint();
@@ -156,7 +156,7 @@ void frmItemList::fill(const QString &sql)
     Money total;
     if (rows > 0) {
         const ListFields fields(rs);
-        writeRows(grid, rs, fields, 0, rows);
+        writeRows(grid, rs, fields);
         for (int r = 0; r < rows; ++r)
             if (!rs.fieldAt(r, fields.cost).isNull())
                 total += rs.fieldAt(r, fields.cost).toMoney();
