@@ -1,5 +1,6 @@
 #include "ItemCriteria.h"
 
+#include "SqlText.h"
 #include "clsDataObject.h"
 
 #include <QAbstractButton>
@@ -16,14 +17,16 @@ QString ItemCriteria::condition() const
     };
     auto contains = [&](const QLineEdit *box, const char *column) {
         if (box && !box->text().isEmpty())
-            terms << QStringLiteral(" i.%1 like '%").arg(QLatin1String(column)) + box->text() + QStringLiteral("%'");
+            terms << QStringLiteral(" i.%1 like '%").arg(QLatin1String(column)) + Safesql(box->text()) + QStringLiteral("%'");
     };
     chosen(category, "CategoryID");
     chosen(subCategory, "SubCategoryID");
     contains(accession, "AccessionID");
-    if (authorSurname && !authorSurname->text().isEmpty())
-        terms << QStringLiteral(" (a1.AuthorSurname like '") + authorSurname->text() + QStringLiteral("%' or a2.AuthorSurname like '")
-                     + authorSurname->text() + QStringLiteral("%' )");
+    if (authorSurname && !authorSurname->text().isEmpty()) {
+        const QString surname = Safesql(authorSurname->text());
+        terms << QStringLiteral(" (a1.AuthorSurname like '") + surname + QStringLiteral("%' or a2.AuthorSurname like '") + surname
+                     + QStringLiteral("%' )");
+    }
     contains(title, "Title");
     contains(classification, "ClassificationNo");
     contains(isbn, "ISBN");

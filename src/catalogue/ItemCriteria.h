@@ -7,7 +7,7 @@ class QLineEdit;
 class QAbstractButton;
 
 /// The search criteria of the item lists (the stock list and the label list), joined into the
-/// condition of their statement in a fixed order with " and ". Texts go in as typed.
+/// condition of their statement in a fixed order with " and ". Typed texts go in with their quotes doubled.
 struct ItemCriteria {
     const QComboBox *category = nullptr;
     const QComboBox *subCategory = nullptr;

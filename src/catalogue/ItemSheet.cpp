@@ -1,5 +1,7 @@
 #include "ItemSheet.h"
 
+#include "DatabaseSchema.h"
+
 #include "AppError.h"
 #include "Clock.h"
 #include "SpreadGrid.h"
@@ -44,16 +46,25 @@ int toInt16(double value)
     return int(rounded);
 }
 
-QDate purchaseDate(const QString &text)
+bool fitsInt16(double value)
 {
-    if (text.isEmpty())
-        return Clock::today();
-    for (const char *format : {"yyyy-MM-dd", "yyyy/MM/dd", "d/M/yyyy"}) {
-        const QDate date = QDate::fromString(text, QLatin1String(format));
-        if (date.isValid())
-            return date;
+    const double rounded = std::nearbyint(value);
+    return rounded >= -32768 && rounded <= 32767;
+}
+
+// The purchase date typed (today when empty); false when the text is no date.
+bool purchaseDate(const QString &text, QDate *date)
+{
+    if (text.isEmpty()) {
+        *date = Clock::today();
+        return true;
     }
-    throw AppError(AppError::TypeMismatch, QStringLiteral("Type mismatch"));
+    for (const char *format : {"yyyy-MM-dd", "yyyy/MM/dd", "d/M/yyyy"}) {
+        *date = QDate::fromString(text, QLatin1String(format));
+        if (date->isValid())
+            return true;
+    }
+    return false;
 }
 
 NameList load(clsDataObject &data, const QString &sql, const char *idField, const char *nameField, const char *secondName = nullptr)
@@ -100,6 +111,20 @@ void ItemSheet::layOut()
         grid_.setCellType(col, row, Type::Combo);
     grid_.setCellType(5, ReferenceRow, Type::CheckBox);
     grid_.setCellType(5, PurchasedRow, Type::Date);
+    // Each text cell takes no more than the column it is saved to.
+    const auto limit = [this](int col, int row, const char *column) {
+        grid_.setCellMaxLength(col, row, DatabaseSchema::textColumnSize(QStringLiteral("tblLibItems"), QLatin1String(column)));
+    };
+    limit(2, 7, "Title");
+    limit(2, 8, "ByLine");
+    limit(2, 9, "MainSubject");
+    limit(2, 10, "ClassificationNo");
+    limit(5, 2, "ISBN");
+    limit(5, 6, "ShelfNumber");
+    for (int row = FirstAccessionRow; row <= LastAccessionRow; ++row) {
+        limit(2, row, "AccessionID");
+        limit(5, row, "AccessionID");
+    }
 }
 
 void ItemSheet::LoadCombos(clsDataObject &data)
@@ -231,13 +256,25 @@ bool ItemSheet::ValidateData(ItemDetails *item) const
     item->itemLanguageID = std::max(0, languages_.idOf(value(5, 5)));
     item->byLine = value(2, 8);
     item->isbn = value(5, 2);
+    // Numbers and dates the columns cannot hold are named plainly (letters in Year and Cost are
+    // converted as described: this year and 0).
     double number = 0;
-    item->yearPublished = numeric(value(5, 4), &number) ? toInt16(number) : Clock::today().year();
+    const bool yearNumeric = numeric(value(5, 4), &number);
+    if (yearNumeric && !fitsInt16(number)) {
+        UserMessage(QStringLiteral("Year published must be a whole number up to 32767."));
+        return false;
+    }
+    item->yearPublished = yearNumeric ? toInt16(number) : Clock::today().year();
     item->cost = numeric(value(5, 8), &number) ? number : 0;
     item->referenceItem = grid_.isChecked(5, ReferenceRow);
-    item->datePurchased = purchaseDate(value(5, PurchasedRow));
-    if (!value(5, 11).isEmpty() && !editionNumeric)
-        throw AppError(AppError::TypeMismatch, QStringLiteral("Type mismatch"));
+    if (!purchaseDate(value(5, PurchasedRow), &item->datePurchased)) {
+        UserMessage(QStringLiteral("Date Purchased must be a date, for example ") + Clock::today().toString(Qt::ISODate) + QLatin1Char('.'));
+        return false;
+    }
+    if (!value(5, 11).isEmpty() && (!editionNumeric || !fitsInt16(edition))) {
+        UserMessage(QStringLiteral("Edition must be a whole number."));
+        return false;
+    }
     item->edition = value(5, 11).isEmpty() ? 0 : toInt16(edition);
     return true;
 }

@@ -12,17 +12,19 @@ QString q(const QString &text) { return QLatin1Char('\'') + text + QLatin1Char('
 QString n(int id) { return QString::number(id); }
 
 // Series, publishers and languages: one name each.
-frmReferenceList::Definition singleName(const char *field, const char *label, const char *column)
+frmReferenceList::Definition singleName(const char *field, const char *label, const char *column, const char *table, const char *saved)
 {
     frmReferenceList::Definition d;
     d.fields = {{field, label}};
+    d.table = table;
+    d.fieldColumns = {saved};
     d.columns = {{column, 50}};
     return d;
 }
 
 frmReferenceList::Definition series()
 {
-    auto d = singleName("txtSeries", "Series:", "Series");
+    auto d = singleName("txtSeries", "Series:", "Series", "tblLibSeries", "Series");
     d.objectName = QStringLiteral("frmSeries");
     d.caption = QStringLiteral("Maintain Series");
     d.searchBox = "txtSeriesSearch";
@@ -51,7 +53,7 @@ frmReferenceList::Definition series()
 
 frmReferenceList::Definition publishers()
 {
-    auto d = singleName("txtPublisher", "Publisher:", "Publisher");
+    auto d = singleName("txtPublisher", "Publisher:", "Publisher", "tblLibPublishers", "Publisher");
     d.objectName = QStringLiteral("frmPublisher");
     d.caption = QStringLiteral("Maintain Publishers");
     d.searchBox = "txtSearch";
@@ -84,6 +86,8 @@ frmReferenceList::Definition authors()
     d.objectName = QStringLiteral("frmAuthor");
     d.caption = QStringLiteral("Maintain Authors");
     d.fields = {{"txtAuthor", "Author Surname:"}, {"txtInitials", "Author First Name/Initials:"}, {"txtAuthorCode", "Author Code:"}};
+    d.table = "tblLibAuthors";
+    d.fieldColumns = {"AuthorSurname", "AuthorFirstName", "AuthorCode"};
     d.columns = {{"Surname", 26}, {"First Name/Initials", 22}, {"Code", 10}};
     d.searchBox = "txtSearch";
     d.allCaption = QStringLiteral("&All Authors");
@@ -124,7 +128,7 @@ frmReferenceList::Definition authors()
 
 frmReferenceList::Definition languages()
 {
-    auto d = singleName("txtLanguage", "Language:", "Languages");
+    auto d = singleName("txtLanguage", "Language:", "Languages", "tblLibItemLanguages", "ItemLanguage");
     d.objectName = QStringLiteral("frmLanguages");
     d.caption = QStringLiteral("Maintain Languages");
     d.searchBox = "txtLanguageSearch";
@@ -156,6 +160,8 @@ frmReferenceList::Definition subjects()
     d.objectName = QStringLiteral("frmSubjectsList");
     d.caption = QStringLiteral("Maintain Subject Classification Codes");
     d.fields = {{"txtSubject", "Subject:"}, {"txtClassificationNo", "Classification No."}};
+    d.table = "tblLibSubjectCodes";
+    d.fieldColumns = {"SubjectDescription", "ClassificationNo"};
     d.columns = {{"Subject", 40}, {"Classific. No.", 14}};
     d.searchBox = "txtSubjectSearch";
     d.printHeading = d.caption + QStringLiteral(" - Subjects List");
@@ -198,6 +204,8 @@ frmReferenceList::Definition keywords()
     d.objectName = QStringLiteral("frmKeywordList");
     d.caption = QStringLiteral("Maintain Search Keywords");
     d.fields = {{"txtKeyEng", "English Keyword:"}, {"txtKeyAfr", "Afrikaans Keyword:"}};
+    d.table = "tblLibKeywords";
+    d.fieldColumns = {"KeywordEng", "KeywordAfr"};
     d.columns = {{"English Keyword", 30}, {"Afrikaans Keyword", 30}};
     d.printHeading = QStringLiteral("Search Keyword List");
     d.addLocation = d.printLocation = QStringLiteral("frmKeywordList");

@@ -3,6 +3,7 @@
 
 #include "AppError.h"
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
@@ -18,6 +19,9 @@ int idOf(const QTreeWidgetItem *node) { return node->data(0, Qt::UserRole).toStr
 frmCategories::frmCategories(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmCategories>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtCategory, "tblLibCategories", "Category");
+    LimitToColumn(ui->txtSubCategory, "tblLibSubCategories", "SubCategory");
     ui->txtCategory->installEventFilter(this);
     ui->txtSubCategory->installEventFilter(this);
     connect(ui->optAllCat, &QRadioButton::clicked, this, &frmCategories::LoadTree);

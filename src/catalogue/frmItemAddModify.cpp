@@ -9,6 +9,7 @@
 #include "SearchTerms.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
 #include "mCommon.h"
@@ -30,6 +31,7 @@ frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, QWidget *paren
       itemID_(ItemEditMode == 1 || ItemEditMode == 2 ? CurrentItemID : 0)
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     sheet_ = std::make_unique<ItemSheet>(*ui->griditems);
     ui->griditems->view()->horizontalHeader()->hide();
     ui->griditems->view()->setSelectionBehavior(QAbstractItemView::SelectItems);

@@ -7,6 +7,7 @@
 #include "Money.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
 #include "frmKeywordSearch.h"
@@ -55,11 +56,18 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::frmItemList>()), screens_(screens)
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
+    LimitToColumn(ui->txtAuthorSurname, "tblLibAuthors", "AuthorSurname");
+    LimitToColumn(ui->txtClassificationNo, "tblLibItems", "ClassificationNo");
+    LimitToColumn(ui->txtISBN, "tblLibItems", "ISBN");
     SpreadGrid &grid = *ui->fpSpreadStock;
     grid.defineColumns({{"Accession No", 12}, {"Shelf No", 10}, {"Class", 9}, {"Authors", 28}, {"Title", 34}, {"", 3}, {"Restricted", 9},
                         {"Loan Type", 8}, {"ISBN", 14}, {"Price", 8}, {"Purchased", 11}});
     grid.setColumnType(RestrictedColumn, SpreadModel::CellType::CheckBox);
     grid.setColumnLocked(LoanTypeColumn, false);
+    grid.setColumnCodes(LoanTypeColumn, {QStringLiteral("S"), QStringLiteral("N"), QStringLiteral("L")});
     connect(ui->cmdSearch, &QPushButton::clicked, this, &frmItemList::cmdSearch_Click);
     connect(ui->cmdAll, &QPushButton::clicked, this, &frmItemList::cmdAll_Click);
     connect(ui->cmbCategory, &QComboBox::activated, this, &frmItemList::cmbCategory_Click);

@@ -7,6 +7,7 @@
 #include "PrintJob.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "modExtendedMsgBox.h"
 
@@ -38,6 +39,13 @@ frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::frmLabelList>()), settings_(settings)
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
+    LimitToColumn(ui->txtAuthorSurname, "tblLibAuthors", "AuthorSurname");
+    LimitToColumn(ui->txtClassificationNo, "tblLibItems", "ClassificationNo");
+    LimitToColumn(ui->txtISBN, "tblLibItems", "ISBN");
+    LimitToColumn(ui->txtShelf, "tblLibItems", "ShelfNumber");
     ui->fpSpreadStock->defineColumns({{"Accession No", 12}, {"Shelf No", 12}, {"Class", 10}, {"Authors", 30}, {"Title", 36}, {"ISBN", 14}, {"Print", 6}});
     ui->fpSpreadStock->setColumnType(PrintColumn, SpreadModel::CellType::CheckBox);
     for (const LabelStock &stock : templates_.stocks())

@@ -6,6 +6,7 @@
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
@@ -13,6 +14,11 @@
 frmQuickFind::frmQuickFind(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmQuickFind>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccNumber, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtAuthor, "tblLibAuthors", "AuthorSurname");
+    LimitToColumn(ui->txttitle, "tblLibItems", "Title");
+    LimitToColumn(ui->txtKeyword, "tblLibKeywords", "KeywordEng");
     ui->gridLocation->defineColumns({{"AccessionNo", 12}, {"Status", 9}, {"Due Date", 11}, {"Shelf No", 10}, {"Title", 36}, {"User", 28}});
     connect(ui->cmdFind, &QPushButton::clicked, this, &frmQuickFind::cmdFind_Click);
     for (QLineEdit *box : {ui->txtAccNumber, ui->txtAuthor, ui->txttitle, ui->txtKeyword})

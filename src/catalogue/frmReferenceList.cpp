@@ -4,6 +4,7 @@
 #include "AppError.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
@@ -12,6 +13,7 @@ frmReferenceList::frmReferenceList(const Definition &definition, QWidget *parent
     : QDialog(parent), ui(std::make_unique<Ui::frmReferenceList>()), d_(definition)
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     setObjectName(d_.objectName);
     setWindowTitle(d_.caption);
     QLineEdit *boxes[] = {ui->txtField1, ui->txtField2, ui->txtField3};
@@ -24,6 +26,8 @@ frmReferenceList::frmReferenceList(const Definition &definition, QWidget *parent
             continue;
         boxes[i]->setObjectName(QLatin1String(d_.fields[i].first));
         labels[i]->setText(QString::fromUtf8(d_.fields[i].second));
+        if (i < d_.fieldColumns.size())
+            LimitToColumn(boxes[i], d_.table, d_.fieldColumns[i]);
         fields_.push_back(boxes[i]);
     }
     if (d_.searchBox)

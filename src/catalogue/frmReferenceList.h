@@ -30,6 +30,8 @@ public:
     struct Definition {
         QString objectName, caption;
         std::vector<std::pair<const char *, const char *>> fields; // entry text boxes: objectName, label
+        const char *table = nullptr;
+        std::vector<const char *> fieldColumns; // the column of the table each entry box is saved to
         std::vector<std::pair<const char *, double>> columns;
         const char *searchBox = nullptr; // objectName; none: the search takes the entry texts
         QString allCaption = QStringLiteral("&All");

@@ -6,6 +6,7 @@
 #include "LoanRoutines.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "frmFinePayment.h"
 #include "mCommon.h"
@@ -19,6 +20,8 @@ constexpr int AccessionColumn = 4;
 FrmuserloanHistory::FrmuserloanHistory(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::FrmuserloanHistory>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccNo, "tblLibItems", "AccessionID");
     ui->gridLoans->defineColumns({{"Issue Date", 11}, {"Author", 8}, {"Title", 36}, {"Accession No", 12}, {"Due Date", 11}, {"Return Date", 11}});
     ui->dtreturnDate->setDate(Clock::today());
     connect(ui->optCurrent, &QRadioButton::clicked, this, [this] { LoadLoanHistory(QStringLiteral("C")); });

@@ -1,5 +1,7 @@
 #include "LoanRoutines.h"
 
+#include "SqlText.h"
+
 #include "AppError.h"
 #include "DbConnection.h"
 #include "IssueDeskState.h"
@@ -91,12 +93,12 @@ bool closeOrExtend(DbConnection &db, const QDate &dueDate, int transactionID, in
     int changed = 0;
     if (a.mode == QLatin1String("return")) {
         db.Execute(QStringLiteral("Update tbllibtransactions set returndate =#") + sqlDate(a.actionDate)
-                       + QStringLiteral("#,extensions = 0, returned = true where accessionid = '") + a.accession
+                       + QStringLiteral("#,extensions = 0, returned = true where accessionid = '") + Safesql(a.accession)
                        + QStringLiteral("' and transactionid =") + num(transactionID),
                    &changed);
     } else if (a.mode == QLatin1String("renewal")) {
         db.Execute(QStringLiteral("Update tbllibtransactions set duedate =#") + sqlDate(a.newDueDate) + QStringLiteral("#,extensions = ")
-                       + num(renewals) + QStringLiteral(" where accessionid = '") + a.accession + QStringLiteral("' and transactionid =")
+                       + num(renewals) + QStringLiteral(" where accessionid = '") + Safesql(a.accession) + QStringLiteral("' and transactionid =")
                        + num(transactionID),
                    &changed);
     } else {
@@ -126,7 +128,7 @@ Money OverdueFine(const QDate &actionDate, const QDate &dueDate, Money fineAmoun
 bool GetItemByAccession(const QString &accession, QObject *screen)
 {
     LibraryScope library;
-    const auto rs = library.query(QStringLiteral("select accessionid, itemid from tbllibitems where accessionid = '") + accession
+    const auto rs = library.query(QStringLiteral("select accessionid, itemid from tbllibitems where accessionid = '") + Safesql(accession)
                                   + QStringLiteral("' and phasedout = false"));
     if (rs->atEnd())
         return false;
@@ -155,7 +157,7 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
     db.BeginTrans();
     QString refusal;
     try {
-        const auto loan = db.Execute(QStringLiteral("select * from tbllibtransactions where accessionid = '") + accession
+        const auto loan = db.Execute(QStringLiteral("select * from tbllibtransactions where accessionid = '") + Safesql(accession)
                                      + QStringLiteral("' and returned =  false"));
         if (loan->atEnd()) {
             refusal = notOut;
@@ -198,7 +200,7 @@ bool ItemAvailable(const QString &accession)
 {
     LibraryScope library;
     const auto rs = library.query(QStringLiteral("select transactionid, membertype, returned from tbllibtransactions where (accessionid = '")
-                                  + accession + QStringLiteral("') and returned = False"));
+                                  + Safesql(accession) + QStringLiteral("') and returned = False"));
     if (rs->atEnd())
         return true;
     if (!rs->field(QStringLiteral("returned")).toBool()) {
@@ -279,10 +281,10 @@ QVariant GetMemberByIDNo(const QString &identityNumber, const QString &memberTyp
 {
     return readIDNo(byKind(memberType,
                            QStringLiteral("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and AccessionNo = '")
-                               + identityNumber + QStringLiteral("' order by sname,fname"),
-                           QStringLiteral("Select edid  as IDNo,sname,fname,IDNumber from Educators where status = 'C'and IDNumber = '") + identityNumber
+                               + Safesql(identityNumber) + QStringLiteral("' order by sname,fname"),
+                           QStringLiteral("Select edid  as IDNo,sname,fname,IDNumber from Educators where status = 'C'and IDNumber = '") + Safesql(identityNumber)
                                + QStringLiteral("'  order by sname,fname"),
-                           QStringLiteral("Select staffid  as IDNo,sname,fname,IDNumber from staffmembers where status = 'C' and IDNumber = '") + identityNumber
+                           QStringLiteral("Select staffid  as IDNo,sname,fname,IDNumber from staffmembers where status = 'C' and IDNumber = '") + Safesql(identityNumber)
                                + QStringLiteral("'")));
 }
 
@@ -312,7 +314,7 @@ void GetFineSettings(const QString &accession, const QString &userCategory, Mone
 {
     LibraryScope library;
     const auto rs = library.query(QStringLiteral("select fineAmount, fineInterval from tblLibSettings as ls inner join tbllibitems as li on ls.loantype = li.loantype where li.accessionid = '")
-                                  + accession + QStringLiteral("' and ls.UserCat = '") + userCategory + QStringLiteral("'"));
+                                  + Safesql(accession) + QStringLiteral("' and ls.UserCat = '") + userCategory + QStringLiteral("'"));
     if (rs->atEnd())
         return;
     *fineAmount = rs->field(QStringLiteral("fineAmount")).toMoney();

@@ -11,7 +11,8 @@ class QObject;
 // The loan routines every circulation screen calls. Library routines open the
 // shared library connection for their work and close it; member look-ups open
 // the central one. Database errors reach the caller's trap as AppError;
-// rule refusals are shown to the user here and answered with false.
+// rule refusals are shown to the user here and answered with false. Accession and
+// identity numbers are taken as typed: the routines double their quotes themselves.
 
 /// True when the copy exists and is not phased out; sets the screen's "ItemID" property.
 bool GetItemByAccession(const QString &accession, QObject *screen);

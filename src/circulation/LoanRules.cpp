@@ -2,11 +2,12 @@
 
 #include "Clock.h"
 #include "Recordset.h"
+#include "SqlText.h"
 #include "clsDataObject.h"
 
 void LoanRules::load(clsDataObject &data, const QString &accession, const QString &category)
 {
-    if (data.GetData(QStringLiteral("select referenceitem, restricted, loantype from tbllibitems where accessionid = '") + accession.trimmed()
+    if (data.GetData(QStringLiteral("select referenceitem, restricted, loantype from tbllibitems where accessionid = '") + Safesql(accession.trimmed())
                      + QStringLiteral("'"))
         > 0) {
         ReferenceItem = data.rst->field(QStringLiteral("referenceitem")).toBool();
@@ -56,7 +57,7 @@ int RecordIssue(clsDataObject &data, const QString &accession, const QString &me
 {
     const QString today = SqlDate(Clock::today());
     data.ExecuteNonQuery(QStringLiteral("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('")
-                         + accession + QStringLiteral("','") + memberType + QStringLiteral("',") + QString::number(memberID)
+                         + Safesql(accession) + QStringLiteral("','") + memberType + QStringLiteral("',") + QString::number(memberID)
                          + QLatin1Char(',') + QString::number(itemID) + QStringLiteral(",#") + today + QStringLiteral("#,#")
                          + SqlDate(dueDate) + QStringLiteral("#)"));
     data.ExecuteNonQuery(QStringLiteral("Delete from tblLibreserves where itemid = ") + QString::number(itemID)

@@ -9,6 +9,7 @@
 #include "Money.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "mCombo.h"
 #include "mCommon.h"
@@ -32,6 +33,7 @@ double number(const QString &text)
 frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmFinePayment>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtmemberID, FillFinePaymentMembers, Location);
     connect(members_, &MemberPicker::memberChosen, this, &frmFinePayment::ClearSpreads);
     ui->fpSpreadFined->defineColumns({{"AccessionNo", 12}, {"Title", 34}, {"Due Date", 11}, {"Returned Date", 12}, {"Fine Amount", 10},

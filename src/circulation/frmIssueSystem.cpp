@@ -10,6 +10,7 @@
 #include "Recordset.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
 #include "mCombo.h"
@@ -33,6 +34,9 @@ frmIssueSystem::frmIssueSystem(QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::frmIssueSystem>()), rules_(IssueDeskState::desk().LoanType)
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtLoanAccession, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtAccessionReturn, "tblLibItems", "AccessionID");
     new ComboTypeAhead(ui->cboMember);
     SpreadGrid &loan = *ui->gridloan;
     loan.setMaxCols(12);
@@ -95,7 +99,8 @@ void frmIssueSystem::memberTypeChosen(const QString &type)
 
 QString frmIssueSystem::learnerFilter(QComboBox *combo) const
 {
-    return combo->currentIndex() < 0 ? All : combo->currentText();
+    // The chosen entry of the list, never what was typed over it.
+    return combo->currentIndex() < 0 ? All : Safesql(combo->itemText(combo->currentIndex()));
 }
 
 void frmIssueSystem::LoadComboBox()
@@ -178,7 +183,7 @@ void frmIssueSystem::cmdValidate_Click()
             return;
         }
         QString first = QStringLiteral(" => The item was not found, and ");
-        if (data_.GetData(clsTSQL().spCatalogue(accession)) > 0) {
+        if (data_.GetData(clsTSQL().spCatalogue(Safesql(accession))) > 0) {
             ui->txtTitle->setText(data_.rst->field(QStringLiteral("Title")).toString());
             first = QStringLiteral(" => Item found, and ");
         }

@@ -9,6 +9,7 @@
 #include "MemberLists.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "mCombo.h"
 #include "mCommon.h"
@@ -25,6 +26,9 @@ const QString ListHead = QStringLiteral(" SELECT r.ReserveID, i.AccessionID, i.T
 frmReservedItems::frmReservedItems(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmReservedItems>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
     members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtMemberID, FillReservationMembers, Location);
     ui->fpSpreadReserves->defineColumns({{"Item Accssn #", 14}, {"Title", 36}, {"Date Res", 11}, {"Member", 26}, {"Type", 6}, {"Cancel", 7}});
     ui->fpSpreadReserves->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
@@ -49,12 +53,12 @@ frmReservedItems::~frmReservedItems() = default;
 void frmReservedItems::cmdFind_Click()
 {
     try {
-        // Accession number and title go in as typed.
+        // Accession number and title go in as typed, their quotes doubled.
         QString criteria;
         if (!ui->txtAccessionNo->text().isEmpty())
-            criteria += QStringLiteral(" and i.AccessionID = '") + ui->txtAccessionNo->text() + QStringLiteral("'");
+            criteria += QStringLiteral(" and i.AccessionID = '") + Safesql(ui->txtAccessionNo->text()) + QStringLiteral("'");
         else if (!ui->txtTitle->text().isEmpty())
-            criteria += QStringLiteral(" and (i.Title Like '%") + ui->txtTitle->text() + QStringLiteral("%')");
+            criteria += QStringLiteral(" and (i.Title Like '%") + Safesql(ui->txtTitle->text()) + QStringLiteral("%')");
         if (!ui->txtMemberID->text().isEmpty()) {
             const QVariant member = GetMemberByIDNo(ui->txtMemberID->text(), members_->kind());
             criteria += QStringLiteral(" and (r.memberid = ") + QString::number(member.isNull() ? 0 : member.toInt())

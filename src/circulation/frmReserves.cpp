@@ -9,6 +9,7 @@
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "mCombo.h"
 #include "mCommon.h"
@@ -22,6 +23,9 @@ constexpr int ReserveColumn = 3, CancelColumn = 5;
 frmReserves::frmReserves(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmReserves>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
     members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtMemberID, FillReservationMembers, Location);
     ui->fpSpreadSearch->defineColumns({{"Item Accssn #", 14}, {"Title", 44}, {"Reserve", 9}});
     ui->fpSpreadSearch->setColumnType(ReserveColumn, SpreadModel::CellType::Button, QStringLiteral("Reserve"));
@@ -98,7 +102,7 @@ void frmReserves::cmdFind_Click()
 // The member of the typed number, read as the screen always has; nothing of it is shown.
 QVariant frmReserves::memberByNumber()
 {
-    const QVariant found = GetMemberByIDNo(Safesql(ui->txtMemberID->text()), members_->kind());
+    const QVariant found = GetMemberByIDNo(ui->txtMemberID->text(), members_->kind());
     const QString id = QString::number(found.isNull() ? 0 : found.toInt());
     const QString kind = members_->kind();
     const QString sql = kind == QLatin1String("L")
@@ -213,7 +217,7 @@ void frmReserves::reserve(int row)
         ui->txtMemberID->setFocus();
         return;
     }
-    const QVariant found = GetMemberByIDNo(Safesql(ui->txtMemberID->text()), kind_);
+    const QVariant found = GetMemberByIDNo(ui->txtMemberID->text(), kind_);
     const int member = found.isNull() ? 0 : found.toInt();
     OpenCentralDatabase();
     if (!MemberExists(member, kind_)) {

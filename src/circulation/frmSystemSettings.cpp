@@ -3,11 +3,14 @@
 
 #include "AppError.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
 #include <QRegularExpression>
+
+#include <vector>
 
 namespace {
 
@@ -32,11 +35,47 @@ QString numericPrefix(const QString &text)
     return QString::number(m.captured(1).toDouble(), 'g', 15);
 }
 
+// The cells a save writes, each with its caption: numbers of days and items are 16-bit whole
+// numbers in the database, the fine amount a currency amount.
+struct NumberCell {
+    int col, row;
+    QString caption;
+    bool amount;
+};
+
+std::vector<NumberCell> numberCells(const SpreadGrid &g)
+{
+    std::vector<NumberCell> cells;
+    for (const Section &section : Sections)
+        for (int row = section.learnersRow; row <= section.learnersRow + 1; ++row)
+            for (int col = 2; col <= 6; ++col)
+                cells.push_back({col, row, g.cellText(col, section.learnersRow - 1) + QStringLiteral(" (") + g.cellText(1, row) + QLatin1Char(')'), col == 4});
+    for (int row = 19; row <= 21; ++row)
+        cells.push_back({4, row, g.cellText(1, row), false});
+    return cells;
+}
+
+// The message for the first cell whose number the database cannot hold; empty when all fit.
+QString numberProblem(const SpreadGrid &g)
+{
+    for (const NumberCell &cell : numberCells(g)) {
+        if (cell.caption.trimmed().startsWith(QLatin1Char('(')))
+            continue; // no caption: a cell the sheet does not use
+        const double value = numericPrefix(g.cellText(cell.col, cell.row)).toDouble();
+        if (cell.amount && !(value >= 0 && value <= 922337203685477.0))
+            return cell.caption + QStringLiteral(" must be an amount from 0 to 922337203685477.");
+        if (!cell.amount && !(value >= 0 && value <= 32767))
+            return cell.caption + QStringLiteral(" must be a whole number from 0 to 32767.");
+    }
+    return QString();
+}
+
 } // namespace
 
 frmSystemSettings::frmSystemSettings(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmSystemSettings>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     layOutGrid();
     connect(ui->cmdSave, &QPushButton::clicked, this, &frmSystemSettings::cmdSave_Click);
     connect(ui->cmdprint, &QPushButton::clicked, this, &frmSystemSettings::cmdprint_Click);
@@ -121,6 +160,11 @@ void frmSystemSettings::cmdSave_Click()
 {
     try {
         const SpreadGrid &g = *ui->gridsettings;
+        // Checked before anything is deleted, so a number the table cannot hold leaves the old rules in place.
+        if (const QString problem = numberProblem(g); !problem.isEmpty()) {
+            UserMessage(problem);
+            return;
+        }
         data_.ExecuteNonQuery(QStringLiteral("Delete * from tblLibsettings"));
         const QString maxExt = numericPrefix(g.cellText(4, 19));
         const QString maxRes = numericPrefix(g.cellText(4, 20));

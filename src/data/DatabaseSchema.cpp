@@ -4,6 +4,9 @@
 #include "ConnectionPool.h"
 #include "DbConnection.h"
 
+#include <QHash>
+#include <QRegularExpression>
+
 namespace {
 
 QStringList libraryTables(bool olderRelease)
@@ -121,4 +124,24 @@ void DatabaseSchema::createDatabase(const QString &path, const QStringList &stat
         connection.Execute(sql);
     connection.CommitTrans();
     connection.Close();
+}
+
+int DatabaseSchema::textColumnSize(const QString &table, const QString &column)
+{
+    static const QHash<QString, int> sizes = [] {
+        QHash<QString, int> found;
+        static const QRegularExpression create(QStringLiteral("^CREATE TABLE (\\w+) \\((.*)\\)$"), QRegularExpression::CaseInsensitiveOption);
+        static const QRegularExpression text(QStringLiteral("(?:^|,)\\s*(\\w+) TEXT\\s*\\((\\d+)\\)"), QRegularExpression::CaseInsensitiveOption);
+        for (const QString &statement : libraryStatements()) {
+            const QRegularExpressionMatch t = create.match(statement);
+            if (!t.hasMatch())
+                continue;
+            for (auto it = text.globalMatch(t.captured(2)); it.hasNext();) {
+                const QRegularExpressionMatch c = it.next();
+                found.insert(t.captured(1).toLower() + QLatin1Char('.') + c.captured(1).toLower(), c.captured(2).toInt());
+            }
+        }
+        return found;
+    }();
+    return sizes.value(table.toLower() + QLatin1Char('.') + column.toLower());
 }

@@ -15,6 +15,9 @@ public:
     static QStringList olderReleaseLibraryStatements();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
+    /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the
+    /// column is not text or not known. Names are matched without regard to case.
+    static int textColumnSize(const QString &table, const QString &column);
     /// The central tables read by this program.
     static QStringList centralStatements();
 

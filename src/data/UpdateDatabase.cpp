@@ -68,7 +68,24 @@ void ReportError(const QString &location, const QString &description, const QStr
     ShowHookedBox(text, 0, QStringLiteral("Error : ") + NumberText(number), MessagePicture::picError);
 }
 
+QString TypedValueProblem(const AppError &error)
+{
+    const QString &d = error.description();
+    if (d.contains(QLatin1String("NUL character")))
+        return QStringLiteral("A text typed here holds a character that cannot be stored (code 0). Please type it again.");
+    if (d.contains(QLatin1String("field is too small")))
+        return QStringLiteral("A text typed here is longer than the library database can store. Please shorten it.");
+    return QString();
+}
+
 void ReportError(const QString &location, const QString &procedure, const AppError &error)
 {
+    // A value that a person typed and the database cannot hold is theirs to mend, not a fault
+    // of the system: it is said plainly, without engine text or error numbers.
+    const QString problem = TypedValueProblem(error);
+    if (!problem.isEmpty()) {
+        UserMessage(problem);
+        return;
+    }
     ReportError(location, error.description(), procedure, error.number());
 }

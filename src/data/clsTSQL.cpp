@@ -322,7 +322,7 @@ QString clsTSQL::spItemsUpdate(int itemID, const ItemDetails &it) const
 QString clsTSQL::spItemsUpdateRole(int itemID, bool restricted, const QString &loanType) const
 {
     return QStringLiteral(" update tblLibItems") + QStringLiteral(" set Restricted = ") + jetBool(restricted)
-           + QStringLiteral("   ,LoanType = '") + loanType + QStringLiteral("'") + QStringLiteral(" where ItemID = ") + n(qint64(itemID));
+           + QStringLiteral("   ,LoanType = '") + Safesql(loanType) + QStringLiteral("'") + QStringLiteral(" where ItemID = ") + n(qint64(itemID));
 }
 
 QString clsTSQL::spItemsPhasedOut(int itemID, const QDate &date, const QString &reason) const

@@ -7,6 +7,7 @@
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
@@ -31,6 +32,7 @@ const std::vector<std::pair<int, const char *>> StaffFields = {{1, "staffID"}, {
 frmLibraryUsers::frmLibraryUsers(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmLibraryUsers>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     ui->grdLearners->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Accession No", 12}, {"Grade", 10}, {"Class", 8},
                                     {"Fine", 6}, {"", 2}, {"", 2}});
     ui->grdEducators->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Identification Number", 18}, {"Register Class", 12},

@@ -7,7 +7,9 @@
 #include "LoanRules.h"
 #include "MemberLists.h"
 #include "Recordset.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
+#include "SqlText.h"
 #include "clsTSQL.h"
 #include "frmReportViewer.h"
 #include "mCombo.h"
@@ -25,6 +27,9 @@ const QString LearnerStatement = QStringLiteral(" SELECT Learner_Info.ID as Memb
 frmLibraryReport::frmLibraryReport(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmLibraryReport>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
+    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
+    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
     new ComboTypeAhead(ui->cboMember);
     for (QRadioButton *option : {ui->optIssuedItems, ui->optOSItems, ui->optOSFines, ui->optPaidFines, ui->optReservedItems})
         connect(option, &QRadioButton::clicked, this, &frmLibraryReport::reportChosen);
@@ -201,12 +206,12 @@ void frmLibraryReport::cmdView_Click()
         if (!ui->txtMemberID->text().isEmpty()) {
             const QVariant member = GetMemberByIDNo(ui->txtMemberID->text(), k);
             sql += QStringLiteral(" And ") + (reserves ? QStringLiteral("tblLibReserves.") : QStringLiteral("tblLibTransactions."))
-                   + QStringLiteral("MemberID = ") + member.toString();
+                   + QStringLiteral("MemberID = ") + QString::number(member.isNull() ? 0 : member.toInt()); // unknown: an empty report
         }
         if (!ui->txtAccessionNo->text().isEmpty())
-            sql += QStringLiteral(" And tblLibItems.AccessionID = '") + ui->txtAccessionNo->text() + QStringLiteral("'");
+            sql += QStringLiteral(" And tblLibItems.AccessionID = '") + Safesql(ui->txtAccessionNo->text()) + QStringLiteral("'");
         else if (!ui->txtTitle->text().isEmpty())
-            sql += QStringLiteral(" And tblLibItems.Title like '%") + ui->txtTitle->text() + QStringLiteral("%'");
+            sql += QStringLiteral(" And tblLibItems.Title like '%") + Safesql(ui->txtTitle->text()) + QStringLiteral("%'");
 
         // The members the report may name: learners currently in a school grade (and the chosen grade and class).
         QHash<int, std::pair<QString, QString>> members; // id -> name, class
@@ -224,8 +229,9 @@ void frmLibraryReport::cmdView_Click()
                 members.insert(id, {rs->field(QStringLiteral("mName")).toString(), rs->field(QStringLiteral("ClassName")).toString()});
             }
             // On the reservations' own member column for the reservations report (it has no loan to join).
+            // A grade or class without learners gives an empty report (no member has number 0).
             sql += (reserves ? QStringLiteral(" and tblLibReserves.MemberID in (") : QStringLiteral(" and tblLibTransactions.MemberID in ("))
-                   + ids.join(QLatin1Char(',')) + QStringLiteral(")");
+                   + (ids.isEmpty() ? QStringLiteral("0") : ids.join(QLatin1Char(','))) + QStringLiteral(")");
         }
         reportSql_ = sql;
         data_.GetData(sql);

@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -17,6 +18,14 @@ public:
 
     void add(const QString &name, Factory factory) { factories_.insert(name, std::move(factory)); }
     bool has(const QString &name) const { return factories_.contains(name); }
+    /// Every registered screen name, in name order.
+    QStringList names() const { return factories_.keys(); }
+    /// A new instance of a registered screen (null for an unknown name); the caller shows it.
+    QDialog *make(const QString &name, QWidget *parent) const
+    {
+        const auto it = factories_.constFind(name);
+        return it == factories_.constEnd() ? nullptr : (*it)(parent);
+    }
     /// Shows the screen modal and returns when it is closed.
     void open(const QString &name, const QString &caption, QWidget *parent) const;
 

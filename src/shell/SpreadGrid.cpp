@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QCompleter>
 #include <QDateEdit>
 #include <QEvent>
@@ -53,8 +54,12 @@ public:
             date->setDisplayFormat(QLatin1String(DateFormat));
             return date;
         }
-        default:
-            return QStyledItemDelegate::createEditor(parent, option, index);
+        default: {
+            QWidget *editor = QStyledItemDelegate::createEditor(parent, option, index);
+            if (auto *box = qobject_cast<QLineEdit *>(editor))
+                box->setMaxLength(grid_->model()->maxLength(index.column() + 1, index.row() + 1));
+            return editor;
+        }
         }
     }
 

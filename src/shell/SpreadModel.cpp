@@ -1,5 +1,7 @@
 #include "SpreadModel.h"
 
+#include <algorithm>
+
 namespace {
 
 const std::string Empty;
@@ -151,7 +153,33 @@ void SpreadModel::setCellList(int col, int row, const QStringList &items) { cell
 QStringList SpreadModel::cellList(int col, int row) const
 {
     const CellSetting *cell = cellSetting(col, row);
-    return cell ? cell->items : QStringList();
+    if (cell && !cell->items.isEmpty())
+        return cell->items;
+    return col >= 1 && col <= maxCols_ ? columns_[size_t(col)].codes : QStringList();
+}
+
+void SpreadModel::setColumnCodes(int col, const QStringList &codes)
+{
+    if (col < 1 || col > maxCols_)
+        return;
+    columns_[size_t(col)].codes = codes;
+    columns_[size_t(col)].type = CellType::Combo;
+}
+
+void SpreadModel::setColumnMaxLength(int col, int length)
+{
+    if (col >= 1 && col <= maxCols_)
+        columns_[size_t(col)].maxLength = length;
+}
+
+void SpreadModel::setCellMaxLength(int col, int row, int length) { cells_[{col, row}].maxLength = length; }
+
+int SpreadModel::maxLength(int col, int row) const
+{
+    const CellSetting *cell = cellSetting(col, row);
+    if (cell && cell->maxLength > 0)
+        return cell->maxLength;
+    return col >= 1 && col <= maxCols_ ? columns_[size_t(col)].maxLength : DefaultMaxLength;
 }
 
 void SpreadModel::beginBulk()
@@ -233,7 +261,19 @@ bool SpreadModel::setData(const QModelIndex &index, const QVariant &value, int r
         return true;
     }
     if (role == Qt::EditRole) {
-        setCellUtf8(col, row, value.toString().toStdString());
+        // What a person types or pastes: never a NUL, never more than the column holds, a code only from its list.
+        QString text = value.toString();
+        text.remove(QChar(0));
+        const QStringList codes = col >= 1 && col <= maxCols_ ? columns_[size_t(col)].codes : QStringList();
+        if (!codes.isEmpty()) {
+            const auto code = std::find_if(codes.begin(), codes.end(),
+                                           [&](const QString &c) { return c.compare(text.trimmed(), Qt::CaseInsensitive) == 0; });
+            if (code == codes.end())
+                return false;
+            text = *code;
+        }
+        text.truncate(maxLength(col, row));
+        setCellUtf8(col, row, text.toStdString());
         Q_EMIT userEdited(col, row);
         return true;
     }

@@ -45,6 +45,13 @@ public:
     bool cellLocked(int col, int row) const;
     void setCellList(int col, int row, const QStringList &items);
     QStringList cellList(int col, int row) const;
+    /// A column of codes: its cells are combos of these codes and take nothing else (what is typed
+    /// is matched without regard to case; any other text leaves the cell as it was).
+    void setColumnCodes(int col, const QStringList &codes);
+    /// The most characters a user may put into a cell (its database column's size); 255 unless set.
+    void setColumnMaxLength(int col, int length);
+    void setCellMaxLength(int col, int row, int length);
+    int maxLength(int col, int row) const;
 
     /// Deletes one data row (1-based); the rows below move up and the row count drops by one.
     void removeGridRow(int row);
@@ -70,13 +77,17 @@ private:
         CellType type = CellType::Text;
         QString buttonText;
         bool locked = true;
+        QStringList codes;
+        int maxLength = DefaultMaxLength;
     };
     struct CellSetting {
         bool hasType = false;
         CellType type = CellType::Text;
         int locked = -1; // -1: as the column
         QStringList items;
+        int maxLength = 0; // 0: as the column
     };
+    static constexpr int DefaultMaxLength = 255; // the widest text column of the library database
     void ensureRows(size_t rows);
     const CellSetting *cellSetting(int col, int row) const;
     void changed(int col, int row);

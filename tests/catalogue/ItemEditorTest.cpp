@@ -212,23 +212,31 @@ TEST_F(ItemEditor, UnusualInputIsConvertedOrRefusedWithNothingWritten)
     auto refused = [&](const char *why) {
         messages_->clear();
         click(bad, "cmdSave");
-        ASSERT_EQ(messages_->shown().size(), 1u);
-        EXPECT_TRUE(messages_->prompts()[0].contains(why)) << messages_->prompts()[0].left(300).toStdString();
-        EXPECT_TRUE(messages_->prompts()[0].contains("cmdSave"));
+        EXPECT_EQ(messages_->prompts(), QStringList{why});
+        EXPECT_EQ(messages_->shown().front().title, "User Message");
         EXPECT_EQ(libraryCount("select * from tblLibItems"), 1);
         EXPECT_TRUE(sheet(bad).isEnabled());
     };
     sheet(bad).setCellText(5, 11, "second"); // letters in Edition cannot be converted
-    refused("Type mismatch");
+    refused("Edition must be a whole number.");
+    sheet(bad).setCellText(5, 11, "-40000");
+    refused("Edition must be a whole number.");
     sheet(bad).setCellText(5, 11, "3");
     sheet(bad).setCellText(5, 10, "2026-02-30"); // no such day
-    refused("Type mismatch");
+    refused("Date Purchased must be a date, for example 2026-11-23.");
     sheet(bad).setCellText(5, 10, "");
-    sheet(bad).setCellText(2, 7, QString(10000, QChar(0x00EA))); // longer than a title can be
-    refused("The field is too small");
-    sheet(bad).setCellText(2, 7, "T");
     sheet(bad).setCellText(5, 4, "99999"); // not a year the column can hold
-    refused("Overflow");
+    refused("Year published must be a whole number up to 32767.");
+    sheet(bad).setCellText(5, 4, "2001");
+
+    // Typed into the title cell, a pasted page stops at the column's 255 characters (a NUL is dropped).
+    SpreadModel *model = sheet(bad).model();
+    ASSERT_TRUE(model->setData(model->index(6, 1), QString(10000, QChar(0x00EA)) + QChar(0) + "x", Qt::EditRole));
+    EXPECT_EQ(sheet(bad).cellText(2, 7), QString(255, QChar(0x00EA)));
+    messages_->clear();
+    click(bad, "cmdSave");
+    EXPECT_EQ(messages_->prompts(), QStringList{"Saved Successfully"});
+    EXPECT_EQ(libraryValue("select Title from tblLibItems where AccessionID = 'Q2'"), QString(255, QChar(0x00EA)));
 }
 
 TEST_F(ItemEditor, ADuplicateIsNamedByColumnAndRowAndNothingIsWritten)

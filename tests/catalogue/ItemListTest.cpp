@@ -167,3 +167,42 @@ TEST_F(ItemList, PrintsUnderStockItemList)
     EXPECT_TRUE(pdfText(path("stock.pdf")).contains("Hillview High - Stock Item List"));
     SchoolName.clear();
 }
+
+TEST_F(ItemList, TheLoanTypeIsAPickListAndTypedQuotesStayValues)
+{
+    library("Insert into tblLibItems (AccessionID, Title, Author1, ShelfNumber) values ('B''1', 'O''Brien''s Day', 3, 'F OBR')");
+    frmItemList screen(screens_);
+    click(screen, "cmdAll");
+    SpreadGrid *grid = child<SpreadGrid>(screen, "fpSpreadStock");
+    const int a2 = int(column(screen, "fpSpreadStock", 1).indexOf("A2")) + 1;
+    ASSERT_GT(a2, 0);
+    SpreadModel *model = grid->model();
+    const QModelIndex loanType = model->index(a2 - 1, 7);
+    EXPECT_EQ(grid->model()->cellType(8, a2), SpreadModel::CellType::Combo);
+    EXPECT_EQ(grid->model()->cellList(8, a2), (QStringList{"S", "N", "L"}));
+    // Anything but a code leaves the cell as it was; a code is taken in either case.
+    for (const char *typed : {"N', Title = 'INJECTED', Cost = '0", "x", "Short"})
+        EXPECT_FALSE(model->setData(loanType, QString::fromUtf8(typed), Qt::EditRole)) << typed;
+    EXPECT_EQ(grid->cellText(8, a2), "S");
+    EXPECT_TRUE(model->setData(loanType, "l", Qt::EditRole));
+    EXPECT_EQ(grid->cellText(8, a2), "L");
+    click(screen, "cmdprocess");
+    EXPECT_EQ(messages_->prompts(), QStringList{"Your data has been saved."});
+    EXPECT_EQ(libraryRows("select Title, LoanType, Cost from tblLibItems where AccessionID = 'A2'"), QStringList{"Anthology|L|80"});
+
+    // A name with a quote finds its book in every box; a crafted title finds nothing extra.
+    for (const auto &[box, text] : std::vector<std::pair<const char *, const char *>>{
+             {"txtTitle", "O'Brien"}, {"txtAccessionNo", "B'1"}, {"txtAuthorSurname", "Vanne"}, {"txtAuthorSurname", "O'"}}) {
+        messages_->clear();
+        for (const char *other : {"txtTitle", "txtAccessionNo", "txtAuthorSurname"})
+            type(screen, other, QString());
+        type(screen, box, QString::fromUtf8(text));
+        click(screen, "cmdSearch");
+        EXPECT_TRUE(messages_->shown().empty() || messages_->shown().front().title == "User Message") << text;
+        EXPECT_EQ(titles(screen), QString(text) == "O'" ? QStringList{} : QStringList{"O'Brien's Day"}) << box << " " << text;
+    }
+    type(screen, "txtAuthorSurname", QString());
+    type(screen, "txtTitle", "%' or i.PhasedOut=true or i.Title like '");
+    click(screen, "cmdSearch");
+    EXPECT_FALSE(titles(screen).contains("Gone"));
+}

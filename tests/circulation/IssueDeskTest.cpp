@@ -116,7 +116,7 @@ TEST_F(IssueDesk, EachRefusalShowsItsMessageAndWritesNothing)
         {"L100", "Z9", "This item accession number does not exist"},
         {"L100", "A1", "This item is still out on loan and must be returned before it can be issued again"},
         {"L100", "A4", "This item has been reserved for Ravi Naidoo and cannot be issued."},
-        {"L100", "A1'; delete * from tblLibItems; --", nullptr}, // no quote doubling at the desk: the engine refuses it
+        {"L100", "A1'; delete * from tblLibItems; --", "This item accession number does not exist"}, // typed text is only ever a value
     };
     for (const auto &c : cases) {
         messages_->clear();

@@ -1,0 +1,14 @@
+#pragma once
+
+class QLineEdit;
+class QWidget;
+
+/// What a person may type into a screen's boxes. No box takes a NUL (nothing can store it), and a
+/// box takes at most as many characters as its database column holds: the widest text column
+/// (255) unless the box is tied to a narrower one.
+///
+/// Every screen calls GuardTypedFields once its form is built; boxes that feed a column call
+/// LimitToColumn (before or after) with the column they end in.
+void GuardTypedFields(QWidget *screen);
+/// Ties a box to a library column ("tblLibAuthors", "AuthorSurname"): at most the column's size.
+void LimitToColumn(QLineEdit *box, const char *table, const char *column);
