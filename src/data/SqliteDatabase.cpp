@@ -61,12 +61,12 @@ QString jetMessage(const char *engineMessage, double *number)
 std::string quoteName(std::string_view name) { return SqliteDialect().quoteName(name); }
 
 // Whether the schema holds the library's catalogue table: only then is the file a library database.
-bool holdsLibraryTables(sqlite3 *db)
+bool holdsTable(sqlite3 *db, const char *table)
 {
     sqlite3_stmt *stmt = nullptr;
     bool found = false;
-    if (sqlite3_prepare_v2(db, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'tblLibItems' COLLATE NOCASE", -1, &stmt,
-                           nullptr) == SQLITE_OK)
+    if (sqlite3_prepare_v2(db, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE", -1, &stmt, nullptr) == SQLITE_OK
+        && sqlite3_bind_text(stmt, 1, table, -1, SQLITE_STATIC) == SQLITE_OK)
         found = sqlite3_step(stmt) == SQLITE_ROW;
     sqlite3_finalize(stmt);
     return found;
@@ -99,10 +99,13 @@ SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
     try {
         // Reading the schema proves the file is a database at all.
         exec("SELECT count(*) FROM sqlite_master");
+        // The school administration database is never written, whoever opens it and however.
+        if (!readOnly && holdsTable(db_, "Learner_Info"))
+            readOnly = true;
         if (!readOnly) {
             // Write-ahead logging is switched on only for a file known to be a library database:
             // opening any other file (the school's database picked by mistake) must not change it.
-            if (holdsLibraryTables(db_))
+            if (holdsTable(db_, "tblLibItems"))
                 exec("PRAGMA journal_mode=WAL");
             exec("PRAGMA synchronous=FULL");
         } else {

@@ -27,6 +27,7 @@
 namespace {
 
 const QString Location = QStringLiteral("frmMainMenu");
+const QString NotALibrary = QStringLiteral("The database you have selected is not an Veltrix Library database.");
 
 QGroupBox *frame(const char *name, const QString &caption, QWidget *parent)
 {
@@ -160,6 +161,13 @@ void frmMainMenu::Form_Load()
             enableMenu(false);
             return;
         }
+        data_.ConClose();
+        // However the path came in (settings file, --library), only a library database is used.
+        if (!isLibraryDatabase()) {
+            UserMessage(NotALibrary);
+            enableMenu(false);
+            return;
+        }
         enableMenu(true);
         upgradeStructure();
     } catch (const AppError &e) {
@@ -255,14 +263,8 @@ void frmMainMenu::upgradeClassificationNumbers()
     }
 }
 
-void frmMainMenu::cmdBrowse_Click()
+bool frmMainMenu::isLibraryDatabase()
 {
-    const QString file = ShowOpenFileDialog(this, QStringLiteral("Browse for Library Database"),
-                                            QStringLiteral("Database Files (*.db *.sqlite *.sqlite3 *.mdb);;All Files (*)"));
-    if (file.isEmpty())
-        return;
-    // The path is taken before the test, and kept even when the file is refused.
-    LibraryDatabasePath = file;
     bool isLibrary = true;
     // Read only: finding out what the file is must not change it.
     OpenLibraryDatabase(true);
@@ -272,8 +274,19 @@ void frmMainMenu::cmdBrowse_Click()
         isLibrary = false;
     }
     CloseLibraryDatabase();
-    if (!isLibrary) {
-        UserMessage(QStringLiteral("The database you have selected is not an Veltrix Library database."));
+    return isLibrary;
+}
+
+void frmMainMenu::cmdBrowse_Click()
+{
+    const QString file = ShowOpenFileDialog(this, QStringLiteral("Browse for Library Database"),
+                                            QStringLiteral("Database Files (*.db *.sqlite *.sqlite3 *.mdb);;All Files (*)"));
+    if (file.isEmpty())
+        return;
+    // The path is taken before the test, and kept even when the file is refused.
+    LibraryDatabasePath = file;
+    if (!isLibraryDatabase()) {
+        UserMessage(NotALibrary);
         return;
     }
     settings_.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), file);

@@ -61,6 +61,8 @@ protected:
 private:
     QPushButton *menuButton(QGroupBox *frame, const char *name, const QString &caption, const QString &screen);
     void readSchoolName();
+    /// Whether LibraryDatabasePath names a library database (looked at read only).
+    bool isLibraryDatabase();
     void enableMenu(bool enabled);
     void upgradeStructure();
     void upgrade(const QString &probe, const QStringList &repairs);

@@ -9,6 +9,7 @@
 #include "SettingsStore.h"
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
+#include "clsDataObject.h"
 #include "frmMainMenu.h"
 
 #include <QCryptographicHash>
@@ -179,11 +180,28 @@ TEST_F(MainMenuTest, TheSchoolDatabaseIsNeverWrittenWhicheverWayItIsOpened)
     child<QPushButton>(*menu, "cmdBrowse")->click();
     EXPECT_EQ(messages_->prompts().last(), "The database you have selected is not an Veltrix Library database.");
 
-    // A start with the library path naming the school's database runs no upgrade on it.
+    // A start with the library path naming the school's database refuses it as Browse does and
+    // offers only browsing.
+    messages_->clear();
     SettingsStore(settingsFile_).setValue("LibraryDatabase", centralPath_);
     settings_ = std::make_unique<SettingsStore>(settingsFile_);
     frmMainMenu second(*settings_, screens_);
     second.Form_Load();
+    EXPECT_EQ(messages_->prompts(), (QStringList{"The database you have selected is not an Veltrix Library database.",
+                                                 "Please browse for your Library Database."}));
+    EXPECT_FALSE(child<QGroupBox>(second, "Frame7")->isEnabled());
+    EXPECT_TRUE(child<QPushButton>(second, "cmdBrowse")->isEnabled());
+
+    // Opened for writing by any object, the school's file still refuses every write.
+    DbConnection writer;
+    writer.DataSource = centralPath_;
+    writer.Open();
+    EXPECT_THROW(writer.Execute("Insert into general_info(schoolname) values ('Changed')"), AppError);
+    writer.Close();
+    clsDataObject data;
+    LibraryDatabasePath = centralPath_;
+    EXPECT_THROW(data.ExecuteNonQuery("Delete * from general_info"), AppError);
+    EXPECT_EQ(rowsIn(centralPath_, "select schoolname from general_info"), QStringList{"Hillview High"});
     menu.reset();
     ConnectionPool::shared().clear();
 
