@@ -164,6 +164,21 @@ TEST_F(IssueDesk, ReturnsAreFinedPerStartedInterval)
     EXPECT_EQ(messages_->prompts(), (QStringList{"This item accession number is not on loan and cannot be returned.",
                                                  "This item accession number does not exist."}));
     EXPECT_EQ(child<QLineEdit>(*desk, "txtAccessionReturn")->selectedText(), "nope"); // ready for the next scan
+
+    // A crafted number is only a number: it closes no other loan.
+    lend("A1", 1, "L", 14, QDate(2026, 12, 1));
+    const QStringList before = loans();
+    messages_->clear();
+    scan(*desk, "txtAccessionReturn", "zzz' or '1'='1");
+    EXPECT_EQ(messages_->prompts(), QStringList{"This item accession number does not exist."});
+    EXPECT_EQ(loans(), before);
+    // And a quote in a real accession number is no obstacle.
+    library("Insert into tblLibItems(AccessionID, Title, LoanType) values ('O''B1', 'Quoted', 'N')");
+    lend("O''B1", 12, "L", 12, QDate(2026, 12, 1)); // the fixture writes SQL: the quote doubled by hand
+    messages_->clear();
+    scan(*desk, "txtAccessionReturn", "O'B1");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
+    EXPECT_EQ(libraryValue("select Returned from tblLibTransactions where AccessionID = 'O''B1'"), "True");
 }
 
 TEST_F(IssueDesk, RenewalsCountFromTodayUpToTheLimit)
