@@ -1,6 +1,7 @@
 #include "ItemCriteria.h"
 
 #include "SqlText.h"
+#include "TypedFields.h"
 #include "clsDataObject.h"
 
 #include <QAbstractButton>
@@ -36,6 +37,17 @@ QString ItemCriteria::condition() const
     if (shortLoan && shortLoan->isChecked())
         terms << QStringLiteral(" i.Loantype = 'S'");
     return terms.join(QStringLiteral(" and "));
+}
+
+void ItemCriteria::limitToColumns() const
+{
+    const std::pair<QLineEdit *, const char *> items[] = {
+        {accession, "AccessionID"}, {title, "Title"}, {classification, "ClassificationNo"}, {isbn, "ISBN"}, {shelf, "ShelfNumber"}};
+    for (const auto &[box, column] : items)
+        if (box)
+            LimitToColumn(box, "tblLibItems", column);
+    if (authorSurname)
+        LimitToColumn(authorSurname, "tblLibAuthors", "AuthorSurname");
 }
 
 QString ItemListOrder::clause() const

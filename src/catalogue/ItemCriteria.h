@@ -11,17 +11,19 @@ class QAbstractButton;
 struct ItemCriteria {
     const QComboBox *category = nullptr;
     const QComboBox *subCategory = nullptr;
-    const QLineEdit *accession = nullptr;
-    const QLineEdit *authorSurname = nullptr;
-    const QLineEdit *title = nullptr;
-    const QLineEdit *classification = nullptr;
-    const QLineEdit *isbn = nullptr;
-    const QLineEdit *shelf = nullptr; // the label list only
+    QLineEdit *accession = nullptr;
+    QLineEdit *authorSurname = nullptr;
+    QLineEdit *title = nullptr;
+    QLineEdit *classification = nullptr;
+    QLineEdit *isbn = nullptr;
+    QLineEdit *shelf = nullptr; // the label list only
     const QAbstractButton *restricted = nullptr;
     const QAbstractButton *shortLoan = nullptr;
 
     /// The condition; empty when no criterion is given.
     QString condition() const;
+    /// Each box takes no more than the column it searches.
+    void limitToColumns() const;
 };
 
 /// The order of an item list: by title and accession number until a column caption is clicked,

@@ -29,6 +29,14 @@ constexpr Label Labels[] = {
     {4, 9, "Reference Item:"},    {1, 10, "Classification No.:"}, {4, 10, "Date Purchased:"}, {1, 11, "Series:"}, {4, 11, "Edition:"},
     {1, 12, "For multiple copies of the same text, enter a separate Accession number for each copy."}};
 
+// The free-text cells and the item columns they show and are saved to.
+struct TextCell {
+    int col, row;
+    const char *column;
+};
+constexpr TextCell TextCells[] = {{2, 7, "Title"}, {2, 8, "ByLine"}, {2, 9, "MainSubject"}, {2, 10, "ClassificationNo"},
+                                  {5, 2, "ISBN"},  {5, 6, "ShelfNumber"}};
+
 // A number typed in a cell, as the old IsNumeric saw it; false for text, blanks and infinities.
 bool numeric(const QString &text, double *value)
 {
@@ -115,12 +123,8 @@ void ItemSheet::layOut()
     const auto limit = [this](int col, int row, const char *column) {
         grid_.setCellMaxLength(col, row, DatabaseSchema::textColumnSize(QStringLiteral("tblLibItems"), QLatin1String(column)));
     };
-    limit(2, 7, "Title");
-    limit(2, 8, "ByLine");
-    limit(2, 9, "MainSubject");
-    limit(2, 10, "ClassificationNo");
-    limit(5, 2, "ISBN");
-    limit(5, 6, "ShelfNumber");
+    for (const TextCell &cell : TextCells)
+        limit(cell.col, cell.row, cell.column);
     for (int row = FirstAccessionRow; row <= LastAccessionRow; ++row) {
         limit(2, row, "AccessionID");
         limit(5, row, "AccessionID");
@@ -161,16 +165,12 @@ void ItemSheet::show(const Recordset &item, bool withAccession)
     put(2, 4, "strAuthor1");
     put(2, 5, "strAuthor2");
     put(2, 6, "strAuthor3");
-    put(2, 7, "Title");
-    put(2, 8, "ByLine");
-    put(2, 9, "MainSubject");
-    put(2, 10, "ClassificationNo");
+    for (const TextCell &cell : TextCells)
+        put(cell.col, cell.row, cell.column);
     put(2, SeriesRow, "Series");
-    put(5, 2, "ISBN");
     put(5, 3, "strPublisher");
     put(5, 4, "YearPublished");
     put(5, 5, "ItemLanguage");
-    put(5, 6, "ShelfNumber");
     put(5, 8, "Cost");
     grid_.setChecked(5, ReferenceRow, item.field(QStringLiteral("ReferenceItem")).toBool());
     put(5, PurchasedRow, "DatePurchased");

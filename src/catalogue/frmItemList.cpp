@@ -57,11 +57,9 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
 {
     ui->setupUi(this);
     GuardTypedFields(this);
-    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
-    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
-    LimitToColumn(ui->txtAuthorSurname, "tblLibAuthors", "AuthorSurname");
-    LimitToColumn(ui->txtClassificationNo, "tblLibItems", "ClassificationNo");
-    LimitToColumn(ui->txtISBN, "tblLibItems", "ISBN");
+    criteria_ = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
+                             ui->txtClassificationNo, ui->txtISBN, nullptr, ui->chRestricted, ui->chShortLoan};
+    criteria_.limitToColumns();
     SpreadGrid &grid = *ui->fpSpreadStock;
     grid.defineColumns({{"Accession No", 12}, {"Shelf No", 10}, {"Class", 9}, {"Authors", 28}, {"Title", 34}, {"", 3}, {"Restricted", 9},
                         {"Loan Type", 8}, {"ISBN", 14}, {"Price", 8}, {"Purchased", 11}});
@@ -181,9 +179,7 @@ void frmItemList::cmdSearch_Click()
         ui->cmdSearch->setPalette(QPalette());
         if (ui->fpSpreadStock->maxRows() > 0)
             ui->fpSpreadStock->clearRows();
-        const QString criteria = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
-                                              ui->txtClassificationNo, ui->txtISBN, nullptr, ui->chRestricted, ui->chShortLoan}
-                                     .condition();
+        const QString criteria = criteria_.condition();
         QString where;
         if (ui->chRemoved->isChecked()) {
             where = QStringLiteral(" Where i.PhasedOut = True "); // every phased-out item, whatever else was entered

@@ -52,5 +52,6 @@ private:
     clsDataObject data_;
     QString mode_; // "All", "Search", "Subject" or "Keyword": what a refresh re-runs
     QString listStatement_;
+    ItemCriteria criteria_;
     ItemListOrder order_;
 };

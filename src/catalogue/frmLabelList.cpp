@@ -40,12 +40,9 @@ frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
 {
     ui->setupUi(this);
     GuardTypedFields(this);
-    LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
-    LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
-    LimitToColumn(ui->txtAuthorSurname, "tblLibAuthors", "AuthorSurname");
-    LimitToColumn(ui->txtClassificationNo, "tblLibItems", "ClassificationNo");
-    LimitToColumn(ui->txtISBN, "tblLibItems", "ISBN");
-    LimitToColumn(ui->txtShelf, "tblLibItems", "ShelfNumber");
+    criteria_ = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
+                             ui->txtClassificationNo, ui->txtISBN, ui->txtShelf, ui->chRestricted, ui->chShortLoan};
+    criteria_.limitToColumns();
     ui->fpSpreadStock->defineColumns({{"Accession No", 12}, {"Shelf No", 12}, {"Class", 10}, {"Authors", 30}, {"Title", 36}, {"ISBN", 14}, {"Print", 6}});
     ui->fpSpreadStock->setColumnType(PrintColumn, SpreadModel::CellType::CheckBox);
     for (const LabelStock &stock : templates_.stocks())
@@ -112,9 +109,7 @@ void frmLabelList::cmdAll_Click()
 void frmLabelList::cmdSearch_Click()
 {
     try {
-        const QString terms = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
-                                           ui->txtClassificationNo, ui->txtISBN, ui->txtShelf, ui->chRestricted, ui->chShortLoan}
-                                  .condition();
+        const QString terms = criteria_.condition();
         if (terms.isEmpty()) {
             UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
             return;

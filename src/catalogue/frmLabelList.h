@@ -46,5 +46,6 @@ private:
     LabelTemplates templates_;
     clsDataObject data_;
     QString listStatement_; // the last list, without its order
+    ItemCriteria criteria_;
     ItemListOrder order_;
 };
