@@ -1,9 +1,8 @@
 #include "ItemSheet.h"
 
-#include "DatabaseSchema.h"
-
 #include "AppError.h"
 #include "Clock.h"
+#include "DatabaseSchema.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
 #include "clsDataObject.h"
@@ -45,19 +44,18 @@ bool numeric(const QString &text, double *value)
     return ok && std::isfinite(*value);
 }
 
-// The old 16-bit conversion (rounding half to even); Overflow outside its range.
-int toInt16(double value)
-{
-    const double rounded = std::nearbyint(value);
-    if (rounded < -32768 || rounded > 32767)
-        throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
-    return int(rounded);
-}
-
 bool fitsInt16(double value)
 {
     const double rounded = std::nearbyint(value);
     return rounded >= -32768 && rounded <= 32767;
+}
+
+// The old 16-bit conversion (rounding half to even); Overflow outside its range.
+int toInt16(double value)
+{
+    if (!fitsInt16(value))
+        throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
+    return int(std::nearbyint(value));
 }
 
 // The purchase date typed (today when empty); false when the text is no date.

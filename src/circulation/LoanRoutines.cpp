@@ -1,11 +1,10 @@
 #include "LoanRoutines.h"
 
-#include "SqlText.h"
-
 #include "AppError.h"
 #include "DbConnection.h"
 #include "IssueDeskState.h"
 #include "Recordset.h"
+#include "SqlText.h"
 #include "UpdateDatabase.h"
 #include "modExtendedMsgBox.h"
 

@@ -10,8 +10,6 @@
 
 #include <QRegularExpression>
 
-#include <vector>
-
 namespace {
 
 const QString Location = QStringLiteral("frmSystemSettings");
@@ -24,6 +22,7 @@ struct Section {
 };
 const Section Sections[] = {{"S", 6, "MaxUSerRes"}, {"N", 10, "MaxUserRes"}, {"L", 14, "MaxUserRes"}};
 constexpr int NormalLearnersRow = 10;
+constexpr int FineAmountColumn = 4, RestrictionColumn = 4; // the restriction rows keep their numbers in column 4
 
 // The old runtime's Val: the number at the start of the text, 0 when there is none.
 QString numericPrefix(const QString &text)
@@ -35,38 +34,26 @@ QString numericPrefix(const QString &text)
     return QString::number(m.captured(1).toDouble(), 'g', 15);
 }
 
-// The cells a save writes, each with its caption: numbers of days and items are 16-bit whole
-// numbers in the database, the fine amount a currency amount.
-struct NumberCell {
-    int col, row;
-    QString caption;
-    bool amount;
-};
-
-std::vector<NumberCell> numberCells(const SpreadGrid &g)
-{
-    std::vector<NumberCell> cells;
-    for (const Section &section : Sections)
-        for (int row = section.learnersRow; row <= section.learnersRow + 1; ++row)
-            for (int col = 2; col <= 6; ++col)
-                cells.push_back({col, row, g.cellText(col, section.learnersRow - 1) + QStringLiteral(" (") + g.cellText(1, row) + QLatin1Char(')'), col == 4});
-    for (int row = 19; row <= 21; ++row)
-        cells.push_back({4, row, g.cellText(1, row), false});
-    return cells;
-}
-
-// The message for the first cell whose number the database cannot hold; empty when all fit.
+// The message for the first cell a save writes whose number the database cannot hold (days and
+// items are 16-bit whole numbers, the fine amount a currency amount); empty when all fit.
 QString numberProblem(const SpreadGrid &g)
 {
-    for (const NumberCell &cell : numberCells(g)) {
-        if (cell.caption.trimmed().startsWith(QLatin1Char('(')))
-            continue; // no caption: a cell the sheet does not use
-        const double value = numericPrefix(g.cellText(cell.col, cell.row)).toDouble();
-        if (cell.amount && !(value >= 0 && value <= 922337203685477.0))
-            return cell.caption + QStringLiteral(" must be an amount from 0 to 922337203685477.");
-        if (!cell.amount && !(value >= 0 && value <= 32767))
-            return cell.caption + QStringLiteral(" must be a whole number from 0 to 32767.");
-    }
+    const auto outOfRange = [&](int col, int row) {
+        const double value = numericPrefix(g.cellText(col, row)).toDouble();
+        return !(value >= 0 && value <= (col == FineAmountColumn ? 922337203685477.0 : 32767));
+    };
+    const auto message = [](int col, const QString &caption) {
+        return caption + (col == FineAmountColumn ? QStringLiteral(" must be an amount from 0 to 922337203685477.")
+                                                  : QStringLiteral(" must be a whole number from 0 to 32767."));
+    };
+    for (const Section &section : Sections)
+        for (int row = section.learnersRow; row <= section.learnersRow + 1; ++row)
+            for (int col = 2; col <= (section.learnersRow == NormalLearnersRow ? 6 : 5); ++col)
+                if (outOfRange(col, row))
+                    return message(col, g.cellText(col, section.learnersRow - 1) + QStringLiteral(" (") + g.cellText(1, row) + QLatin1Char(')'));
+    for (int row = 19; row <= 21; ++row)
+        if (outOfRange(RestrictionColumn, row))
+            return message(RestrictionColumn, g.cellText(1, row));
     return QString();
 }
 

@@ -68,7 +68,10 @@ void ReportError(const QString &location, const QString &description, const QStr
     ShowHookedBox(text, 0, QStringLiteral("Error : ") + NumberText(number), MessagePicture::picError);
 }
 
-QString TypedValueProblem(const AppError &error)
+namespace {
+
+// A plain sentence for an error that only a typed value causes; empty for every other error.
+QString typedValueProblem(const AppError &error)
 {
     const QString &d = error.description();
     if (d.contains(QLatin1String("NUL character")))
@@ -78,11 +81,13 @@ QString TypedValueProblem(const AppError &error)
     return QString();
 }
 
+} // namespace
+
 void ReportError(const QString &location, const QString &procedure, const AppError &error)
 {
     // A value that a person typed and the database cannot hold is theirs to mend, not a fault
     // of the system: it is said plainly, without engine text or error numbers.
-    const QString problem = TypedValueProblem(error);
+    const QString problem = typedValueProblem(error);
     if (!problem.isEmpty()) {
         UserMessage(problem);
         return;

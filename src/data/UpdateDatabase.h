@@ -32,11 +32,9 @@ void CloseLibraryDatabase();
 
 /// The one error report of the system: an OK box titled "Error : " + number.
 void ReportError(const QString &location, const QString &description, const QString &procedure, double number);
-/// A plain sentence for an error that only a typed value causes (a text too long for its column,
-/// a NUL character); empty for every other error. Numbers are checked by the screens' fields.
-QString TypedValueProblem(const AppError &error);
-/// The same for an error caught by a handler's trap; an error that a typed value caused is told
-/// in a plain user message instead.
+/// The same for an error caught by a handler's trap. An error that only a typed value causes (a
+/// text too long for its column, a NUL character) is told in a plain user message instead;
+/// numbers are checked by the screens' fields.
 void ReportError(const QString &location, const QString &procedure, const AppError &error);
 /// The old runtime's number-to-text conversion: a leading blank for non-negative numbers.
 QString NumberText(double number);

@@ -54,8 +54,7 @@ public:
     void setCellList(int col, int row, const QStringList &items) { model_->setCellList(col, row, items); }
     /// A column whose cells take only these codes (a pick list; typing a code works in either case).
     void setColumnCodes(int col, const QStringList &codes) { model_->setColumnCodes(col, codes); }
-    /// The most characters a user may type into a column's or one cell's text (the database column's size).
-    void setColumnMaxLength(int col, int length) { model_->setColumnMaxLength(col, length); }
+    /// The most characters a user may type into one cell (the database column's size; 255 unless set).
     void setCellMaxLength(int col, int row, int length) { model_->setCellMaxLength(col, row, length); }
     /// Opens the in-place editor of a cell (a combo cell's list, a date cell's date editor), as a
     /// double click or F2 does; returns it, or null when the cell is not editable.

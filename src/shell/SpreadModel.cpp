@@ -166,20 +166,12 @@ void SpreadModel::setColumnCodes(int col, const QStringList &codes)
     columns_[size_t(col)].type = CellType::Combo;
 }
 
-void SpreadModel::setColumnMaxLength(int col, int length)
-{
-    if (col >= 1 && col <= maxCols_)
-        columns_[size_t(col)].maxLength = length;
-}
-
 void SpreadModel::setCellMaxLength(int col, int row, int length) { cells_[{col, row}].maxLength = length; }
 
 int SpreadModel::maxLength(int col, int row) const
 {
     const CellSetting *cell = cellSetting(col, row);
-    if (cell && cell->maxLength > 0)
-        return cell->maxLength;
-    return col >= 1 && col <= maxCols_ ? columns_[size_t(col)].maxLength : DefaultMaxLength;
+    return cell && cell->maxLength > 0 ? cell->maxLength : DefaultMaxLength;
 }
 
 void SpreadModel::beginBulk()

@@ -49,7 +49,6 @@ public:
     /// is matched without regard to case; any other text leaves the cell as it was).
     void setColumnCodes(int col, const QStringList &codes);
     /// The most characters a user may put into a cell (its database column's size); 255 unless set.
-    void setColumnMaxLength(int col, int length);
     void setCellMaxLength(int col, int row, int length);
     int maxLength(int col, int row) const;
 
@@ -78,14 +77,13 @@ private:
         QString buttonText;
         bool locked = true;
         QStringList codes;
-        int maxLength = DefaultMaxLength;
     };
     struct CellSetting {
         bool hasType = false;
         CellType type = CellType::Text;
         int locked = -1; // -1: as the column
         QStringList items;
-        int maxLength = 0; // 0: as the column
+        int maxLength = 0; // 0: the default
     };
     static constexpr int DefaultMaxLength = 255; // the widest text column of the library database
     void ensureRows(size_t rows);
