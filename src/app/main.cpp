@@ -49,6 +49,8 @@ bool runsWithoutWindow(int argc, char *argv[])
         const QByteArray arg(argv[i]);
         if (arg == "--make-demo" || arg.startsWith("--make-demo=") || arg == "-make-demo" || arg.startsWith("-make-demo="))
             return true;
+        if (arg == "--help" || arg == "-h" || arg == "-?" || arg == "--help-all" || arg == "--version" || arg == "-v")
+            return true; // printed and done
     }
     return false;
 }

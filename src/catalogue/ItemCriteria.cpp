@@ -73,3 +73,12 @@ void FillItemSubCategories(clsDataObject &data, const QComboBox *categories, QCo
     data.CloseCompact();
     subCategories->setCurrentIndex(-1);
 }
+
+std::vector<QLineEdit *> ItemCriteria::boxes() const
+{
+    std::vector<QLineEdit *> typed;
+    for (QLineEdit *box : {accession, authorSurname, title, classification, isbn, shelf})
+        if (box)
+            typed.push_back(box);
+    return typed;
+}

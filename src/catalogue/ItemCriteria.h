@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <vector>
+
 class QComboBox;
 class QLineEdit;
 class QAbstractButton;
@@ -24,6 +26,8 @@ struct ItemCriteria {
     QString condition() const;
     /// Each box takes no more than the column it searches.
     void limitToColumns() const;
+    /// The typed criteria, for Enter to run the search.
+    std::vector<QLineEdit *> boxes() const;
 };
 
 /// The order of an item list: by title and accession number until a column caption is clicked,

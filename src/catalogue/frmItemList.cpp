@@ -67,6 +67,8 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     grid.setColumnLocked(LoanTypeColumn, false);
     grid.setColumnCodes(LoanTypeColumn, {QStringLiteral("S"), QStringLiteral("N"), QStringLiteral("L")});
     connect(ui->cmdSearch, &QPushButton::clicked, this, &frmItemList::cmdSearch_Click);
+    for (QLineEdit *box : criteria_.boxes())
+        connect(box, &QLineEdit::returnPressed, this, &frmItemList::cmdSearch_Click);
     connect(ui->cmdAll, &QPushButton::clicked, this, &frmItemList::cmdAll_Click);
     connect(ui->cmbCategory, &QComboBox::activated, this, &frmItemList::cmbCategory_Click);
     for (QCheckBox *box : {ui->chRestricted, ui->chShortLoan, ui->chRemoved})

@@ -52,6 +52,8 @@ frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
     ui->cboLabelStock->setCurrentIndex(ui->cboLabelStock->findData(settings_.value(QLatin1String(LabelStockKey))));
     connect(ui->cmdAll, &QPushButton::clicked, this, &frmLabelList::cmdAll_Click);
     connect(ui->cmdSearch, &QPushButton::clicked, this, &frmLabelList::cmdSearch_Click);
+    for (QLineEdit *box : criteria_.boxes())
+        connect(box, &QLineEdit::returnPressed, this, &frmLabelList::cmdSearch_Click);
     connect(ui->cmbCategory, &QComboBox::activated, this, &frmLabelList::cmbCategory_Click);
     connect(ui->chkAll, &QCheckBox::clicked, this, &frmLabelList::chkAll_Click);
     connect(ui->fpSpreadStock, &SpreadGrid::headerClicked, this, &frmLabelList::OrderItems);

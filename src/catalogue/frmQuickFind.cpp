@@ -11,6 +11,13 @@
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
 
+#include <QHash>
+#include <QSet>
+
+namespace {
+constexpr size_t ItemsPerStatement = 2000; // copies per look-up of their loans
+}
+
 frmQuickFind::frmQuickFind(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmQuickFind>())
 {
     ui->setupUi(this);
@@ -51,15 +58,25 @@ void frmQuickFind::cmdFind_Click()
             }
             const std::shared_ptr<Recordset> found = data_.rst;
             data_.CloseCompact();
+            grid.beginFill();
             grid.setMaxRows(rows);
+            std::vector<int> items;
+            items.reserve(size_t(rows));
             int row = 0;
             for (; !found->atEnd(); found->MoveNext()) {
                 ++row;
                 grid.setCellText(1, row, found->field(QStringLiteral("accessionID")).toString());
                 grid.setCellText(5, row, found->field(QStringLiteral("title")).toString());
                 grid.setCellText(4, row, found->field(QStringLiteral("shelfnumber")).toString());
-                showAvailability(row, found->field(QStringLiteral("itemid")).toInt());
+                items.push_back(found->field(QStringLiteral("itemid")).toInt());
             }
+            try {
+                showAvailability(items);
+            } catch (...) {
+                grid.endFill();
+                throw;
+            }
+            grid.endFill();
         } catch (const AppError &e) {
             data_.CloseCompact();
             ReportError(QStringLiteral("frmQuickFind"), QStringLiteral("Find by ") + label, e);
@@ -68,27 +85,56 @@ void frmQuickFind::cmdFind_Click()
     }
 }
 
-void frmQuickFind::showAvailability(int row, int itemID)
+void frmQuickFind::showAvailability(const std::vector<int> &items)
 {
     SpreadGrid &grid = *ui->gridLocation;
-    const clsTSQL sql;
-    for (const char *kind : {"L", "E", "S"}) {
-        const int loans = data_.GetData(sql.spQSTransactions(itemID, QLatin1String(kind)));
-        if (loans < 1) {
-            data_.CloseCompact();
+    // The open loans of every copy found in one statement, then each borrower kind's names in one
+    // more: a long list costs a few statements, not three a row.
+    struct Loan {
+        QString kind;
+        int member = 0;
+        QString due;
+    };
+    QHash<int, Loan> loans;
+    for (size_t first = 0; first < items.size(); first += ItemsPerStatement) {
+        QStringList ids;
+        for (size_t i = first; i < items.size() && i < first + ItemsPerStatement; ++i)
+            ids << QString::number(items[i]);
+        if (data_.GetData(clsTSQL().spQSOpenLoans(ids)) > 0)
+            for (const auto &rs = data_.rst; !rs->atEnd(); rs->MoveNext()) {
+                const QString kind = rs->field(QStringLiteral("MemberType")).toString();
+                if (kind == QLatin1String("L") || kind == QLatin1String("E") || kind == QLatin1String("S"))
+                    loans.insert(rs->field(QStringLiteral("ItemID")).toInt(),
+                                 Loan{kind, rs->field(QStringLiteral("Memberid")).toInt(), rs->field(QStringLiteral("DueDate")).toString()});
+            }
+        data_.CloseCompact();
+    }
+    QHash<QString, QSet<int>> borrowers;
+    for (const Loan &loan : std::as_const(loans))
+        borrowers[loan.kind].insert(loan.member);
+    QHash<QString, QHash<int, QString>> names; // kind -> member -> "Surname, First Class"
+    for (auto it = borrowers.cbegin(); it != borrowers.cend(); ++it) {
+        QStringList ids;
+        for (int member : it.value())
+            ids << QString::number(member);
+        const QString list = ids.join(QLatin1Char(','));
+        const QString who = it.key() == QLatin1String("L")
+                                ? QStringLiteral("select Learner_Info.ID as member, Learner_Info.SName, (Learner_Info.FName & ' ' & Classes.ClassName) as fname from Learner_info LEFT JOIN Classes ON Learner_Info.Class = Classes.ClassId where learner_info.id in (") + list + QStringLiteral(")")
+                            : it.key() == QLatin1String("E") ? QStringLiteral("select edid as member, sname, FName from Educators where edid in (") + list + QStringLiteral(")")
+                                                             : QStringLiteral("select staffid as member, sname, FName from Staffmembers where staffid in (") + list + QStringLiteral(")");
+        QHash<int, QString> &named = names[it.key()];
+        for (const auto rs = CentralQuery(who); !rs->atEnd(); rs->MoveNext())
+            named.insert(rs->field(QStringLiteral("member")).toInt(),
+                         rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString());
+    }
+    for (int row = 1; row <= int(items.size()); ++row) {
+        const auto loan = loans.constFind(items[size_t(row - 1)]);
+        if (loan == loans.cend()) {
+            grid.setCellText(2, row, QStringLiteral("Available"));
             continue;
         }
-        const QString member = QString::number(data_.rst->field(QStringLiteral("Memberid")).toInt());
         grid.setCellText(2, row, QStringLiteral("Out"));
-        grid.setCellText(3, row, data_.rst->field(QStringLiteral("DueDate")).toString());
-        data_.CloseCompact();
-        const QString who = kind[0] == 'L' ? QStringLiteral("select Learner_Info.SName, (Learner_Info.FName & ' ' & Classes.ClassName) as fname from Learner_info LEFT JOIN Classes ON Learner_Info.Class = Classes.ClassId where learner_info.id = ") + member
-                            : kind[0] == 'E' ? QStringLiteral("select sname, FName from Educators where edid = ") + member
-                                             : QStringLiteral("select sname, FName from Staffmembers where staffid = ") + member;
-        const auto borrower = CentralQuery(who);
-        if (!borrower->atEnd())
-            grid.setCellText(6, row, borrower->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + borrower->field(QStringLiteral("fname")).toString());
-        return;
+        grid.setCellText(3, row, loan->due);
+        grid.setCellText(6, row, names.value(loan->kind).value(loan->member));
     }
-    grid.setCellText(2, row, QStringLiteral("Available"));
 }

@@ -5,6 +5,7 @@
 #include <QDialog>
 
 #include <memory>
+#include <vector>
 
 namespace Ui {
 class frmQuickFind;
@@ -23,7 +24,8 @@ public Q_SLOTS:
     void cmdFind_Click();
 
 private:
-    void showAvailability(int row, int itemID);
+    /// Fills Status, Due Date and User of rows 1.. for the copies found (item numbers in row order).
+    void showAvailability(const std::vector<int> &items);
 
     std::unique_ptr<Ui::frmQuickFind> ui;
     clsDataObject data_;

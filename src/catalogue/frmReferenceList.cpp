@@ -42,6 +42,9 @@ frmReferenceList::frmReferenceList(const Definition &definition, QWidget *parent
     connect(ui->cmdSeach, &QPushButton::clicked, this, &frmReferenceList::cmdSeach_Click);
     connect(ui->txtSearch, &QLineEdit::returnPressed, this, &frmReferenceList::cmdSeach_Click);
     connect(ui->cmdAdd, &QPushButton::clicked, this, &frmReferenceList::cmdAdd_Click);
+    // Enter in an entry box saves it: a change to the entry chosen from the list, else a new one.
+    for (QLineEdit *box : {ui->txtField1, ui->txtField2, ui->txtField3})
+        connect(box, &QLineEdit::returnPressed, this, [this] { selectedID_ != 0 ? cmdModify_Click() : cmdAdd_Click(); });
     connect(ui->cmdModify, &QPushButton::clicked, this, &frmReferenceList::cmdModify_Click);
     connect(ui->cmdDelete, &QPushButton::clicked, this, &frmReferenceList::cmdDelete_Click);
     connect(ui->cmdClear, &QPushButton::clicked, this, &frmReferenceList::cmdClear_Click);

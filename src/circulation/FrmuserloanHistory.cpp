@@ -4,6 +4,7 @@
 #include "AppError.h"
 #include "Clock.h"
 #include "LoanRoutines.h"
+#include "MemberSummary.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
@@ -44,6 +45,17 @@ void FrmuserloanHistory::setMember(const QString &memberType, int memberID, cons
     ui->txtUsr->setText(displayName);
     ui->optCurrent->setChecked(true);
     LoadLoanHistory(QStringLiteral("C"));
+    showMember();
+}
+
+void FrmuserloanHistory::showMember()
+{
+    try {
+        ui->memberPanel->showMember(MemberSummary::load(data_, memberType_, memberID_, Clock::today()));
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(Location, QStringLiteral("Load Member Routine"), e);
+    }
 }
 
 void FrmuserloanHistory::LoadLoanHistory(const QString &mode)
@@ -111,6 +123,7 @@ void FrmuserloanHistory::actionDone(const QString &message)
     UserMessage(message);
     ui->optCurrent->setChecked(true);
     LoadLoanHistory(QStringLiteral("C"));
+    showMember();
 }
 
 void FrmuserloanHistory::cmdissue_Click()
@@ -185,6 +198,7 @@ void FrmuserloanHistory::cmdFine_Click()
 {
     frmFinePayment fines(this);
     fines.exec();
+    showMember(); // a payment changes what the member owes
 }
 
 void FrmuserloanHistory::cmdPrint_Click()

@@ -38,6 +38,7 @@ public Q_SLOTS:
     void cmdPrint_Click();
 
 private:
+    void showMember();
     bool GetLoanDefaults(const QString &accession);
     /// The copy exists and is out on loan ("renewed"/"returned" name the refusal), and its rules are loaded.
     bool readyForLoanAction(const QString &accession, const QString &action);

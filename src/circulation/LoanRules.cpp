@@ -22,7 +22,7 @@ void LoanRules::load(clsDataObject &data, const QString &accession, const QStrin
         < 1) {
         data.CloseCompact();
         // Period 1 day, 1 item, no fine, interval 1, extension 1.
-        shown = {LoanType, QStringLiteral("1"), QStringLiteral("1"), QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("1")};
+        shown = {LoanType, QStringLiteral("1"), QStringLiteral("1"), Money().toDisplayText(), QStringLiteral("1"), QStringLiteral("1")};
         LoanPeriod = 1;
         FineAmount = Money();
         FineInterval = 1;
@@ -36,7 +36,7 @@ void LoanRules::load(clsDataObject &data, const QString &accession, const QStrin
     FineInterval = interval > 0 ? interval : qint16(1);
     ExtensionDays = row.field(QStringLiteral("extdays")).toInt16();
     shown = {LoanType, row.field(QStringLiteral("loanperiod")).toString(), row.field(QStringLiteral("maxitems")).toString(),
-             row.field(QStringLiteral("fineamount")).toString(), QString::number(FineInterval), row.field(QStringLiteral("extdays")).toString()};
+             FineAmount.toDisplayText(), QString::number(FineInterval), row.field(QStringLiteral("extdays")).toString()};
     data.CloseCompact();
 }
 

@@ -12,6 +12,9 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <QStandardItemModel>
+
+#include <vector>
 
 std::shared_ptr<Recordset> CentralQuery(const QString &sql)
 {
@@ -27,15 +30,27 @@ std::shared_ptr<Recordset> CentralQuery(const QString &sql)
 void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idField, const QStringList &textFields)
 {
     const QSignalBlocker quiet(combo);
-    combo->clear();
     const auto rs = CentralQuery(sql);
-    QStringList parts;
+    // A school's learners run into thousands: the entries are built in a model of their own and
+    // handed to the combo at once, instead of one insertion (and one relayout) per entry.
+    auto *entries = new QStandardItemModel(combo);
+    const int name = rs->fieldIndex(idField);
+    std::vector<int> fields;
+    for (const QString &field : textFields)
+        fields.push_back(rs->fieldIndex(field));
+    QString text;
     for (; !rs->atEnd(); rs->MoveNext()) {
-        parts.clear();
-        for (const QString &field : textFields)
-            parts << rs->field(field).toString();
-        combo->addItem(parts.join(QLatin1Char(' ')), rs->field(idField).toInt());
+        text.clear();
+        for (size_t i = 0; i < fields.size(); ++i) {
+            if (i > 0)
+                text += QLatin1Char(' ');
+            text += rs->field(fields[i]).toString();
+        }
+        auto *entry = new QStandardItem(text);
+        entry->setData(rs->field(name).toInt(), Qt::UserRole);
+        entries->appendRow(entry);
     }
+    combo->setModel(entries); // the combo deletes the list it owned
     combo->setCurrentIndex(-1);
 }
 

@@ -41,6 +41,8 @@ frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_
     ui->fpSpreadFined->setColumnType(PaymentColumn, SpreadModel::CellType::CheckBox);
     ui->fpSpreadFined->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
     ui->fpSpreadPayCancel->defineColumns({{"AccessionNo", 12}, {"Amount", 10}, {"Payment Date", 12}, {"Cancel", 7}});
+    ui->fpSpreadFined->setColumnMoney(5);
+    ui->fpSpreadPayCancel->setColumnMoney(2);
     connect(ui->cmdFind, &QPushButton::clicked, this, &frmFinePayment::cmdFind_Click);
     connect(ui->txtmemberID, &QLineEdit::returnPressed, this, &frmFinePayment::cmdFind_Click);
     connect(ui->fpSpreadFined, &SpreadGrid::cellEdited, this, &frmFinePayment::GetTicked);

@@ -7,6 +7,7 @@
 #include "IssueDeskState.h"
 #include "LoanRoutines.h"
 #include "MemberLists.h"
+#include "MemberSummary.h"
 #include "Recordset.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
@@ -18,6 +19,10 @@
 #include "modExtendedMsgBox.h"
 
 #include <QDir>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QStyle>
 #include <QFileInfo>
 #include <QPixmap>
 #include <QTableView>
@@ -47,8 +52,14 @@ frmIssueSystem::frmIssueSystem(QWidget *parent)
         loan.setColWidth(2 * i + 1, 11);
         loan.setColWidth(2 * i + 2, 5);
     }
+    loan.setColumnMoney(8);
+    // One row of rules under its captions, at any font size.
+    QTableView *rules = loan.view();
+    loan.setFixedHeight(rules->horizontalHeader()->sizeHint().height() + rules->verticalHeader()->defaultSectionSize()
+                        + rules->horizontalScrollBar()->sizeHint().height() + 2 * rules->frameWidth() + 2);
     ui->gridtransactions->defineColumns({{"AccessionNo", 12}, {"Item Title", 34}, {"Transaction", 11}, {"User ID", 8}, {"User", 28},
                                          {"Fine", 8}, {"Date", 11}, {"Due Date", 11}, {"Renewals", 8}});
+    ui->gridtransactions->setColumnMoney(6);
 
     connect(ui->optLearner, &QRadioButton::clicked, this, &frmIssueSystem::optLearner_Click);
     connect(ui->optEducator, &QRadioButton::clicked, this, &frmIssueSystem::optEducator_Click);
@@ -66,6 +77,13 @@ frmIssueSystem::frmIssueSystem(QWidget *parent)
     // A barcode scanner types the number and presses Enter.
     connect(ui->txtLoanAccession, &QLineEdit::returnPressed, this, &frmIssueSystem::cmdLoanProcess_Click);
     connect(ui->txtAccessionReturn, &QLineEdit::returnPressed, this, &frmIssueSystem::cmdProcess_Click);
+    connect(ui->txtmemberID, &QLineEdit::returnPressed, this, &frmIssueSystem::txtmemberID_Enter);
+    // A number scanned into the member list by mistake never replaces the member chosen there.
+    connect(ui->cboMember->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+        if (ui->cboMember->findText(ui->cboMember->currentText()) < 0)
+            ui->cboMember->setEditText(ui->cboMember->currentIndex() < 0 ? QString() : ui->cboMember->itemText(ui->cboMember->currentIndex()));
+    });
+    ui->txtmemberID->setFocus();
 
     ui->dtreturnDate->setDate(Clock::today());
     try {
@@ -141,8 +159,7 @@ void frmIssueSystem::cboGrade_Click()
         ui->cboClass->clear();
         ui->cboClass->addItem(All);
         const auto classes = CentralQuery(clsTSQL().spClassesListSpesific(learnerFilter(ui->cboGrade), CurrentYear()));
-        for (; !classes->atEnd(); classes->MoveNext())
-            ui->cboClass->addItem(classes->field(QStringLiteral("ClassName")).toString(), classes->field(QStringLiteral("ClassID")).toInt());
+        AddClassesInNaturalOrder(ui->cboClass, *classes, QStringLiteral("ClassName"), QStringLiteral("ClassID"));
         ui->cboClass->setCurrentIndex(-1);
         ui->cboClass->setEditText(QStringLiteral("Optional Class Filter"));
         loadLearners();
@@ -168,9 +185,45 @@ void frmIssueSystem::cboMember_Click()
         return;
     try {
         ui->txtmemberID->setText(GetMemberIDNo(ui->cboMember->currentData().toInt(), memberType_).toString());
+        showMember();
     } catch (const AppError &e) {
         ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
     }
+}
+
+void frmIssueSystem::txtmemberID_Enter()
+{
+    showMember();
+    readyForScan(ui->txtLoanAccession);
+}
+
+void frmIssueSystem::showMember()
+{
+    const QString number = ui->txtmemberID->text().trimmed();
+    if (number.isEmpty()) {
+        ui->memberPanel->clearMember();
+        return;
+    }
+    try {
+        const QString kind = MemberKind(ui->optLearner, ui->optEducator);
+        const QVariant member = GetMemberByIDNo(number, kind);
+        const MemberSummary summary = MemberSummary::load(data_, kind, member.isNull() ? 0 : member.toInt(), Clock::today());
+        if (summary.found)
+            ui->memberPanel->showMember(summary);
+        else
+            ui->memberPanel->showUnknown(number);
+    } catch (const AppError &e) {
+        data_.CloseCompact();
+        ReportError(IssueLocation, QStringLiteral("Load Member Routine"), e);
+    }
+}
+
+void frmIssueSystem::showStatus(const QString &text, bool attention)
+{
+    ui->lblStatus->setText(text);
+    ui->lblStatus->setProperty("state", attention ? QStringLiteral("attention") : QStringLiteral("done"));
+    ui->lblStatus->style()->unpolish(ui->lblStatus);
+    ui->lblStatus->style()->polish(ui->lblStatus);
 }
 
 void frmIssueSystem::cmdValidate_Click()
@@ -314,7 +367,9 @@ void frmIssueSystem::cmdLoanProcess_Click()
         desk.ReturnTransaction = RecordIssue(data_, accession, type, desk.MemberID, desk.ItemID, due,
                                              QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
         action_ = QStringLiteral("Issue");
+        reservedFor_.clear();
         LoadLoanGrid();
+        showMember();
         ui->txtLoanAccession->clear();
         ui->txtLoanAccession->setFocus();
     } catch (const AppError &e) {
@@ -351,7 +406,9 @@ void frmIssueSystem::cmdProcess_Click()
         QVariant holder;
         GetItemHolder(desk.ItemID, &holderType, &holder);
         const bool renew = ui->optRenew->isChecked();
+        reservedFor_.clear();
         if (GetNextReservation(desk.ItemID, holder.toInt(), desk.UserReturnType, &desk)) {
+            reservedFor_ = desk.ReserveMember;
             UserMessage(QStringLiteral("This item has been reserved for ") + desk.ReserveMember + QStringLiteral(" and must be kept aside."));
             if (renew) {
                 readyForScan(ui->txtAccessionReturn);
@@ -376,6 +433,7 @@ void frmIssueSystem::cmdProcess_Click()
         ui->txtAccessionReturn->clear();
         ui->txtAccessionReturn->setFocus();
         LoadLoanGrid();
+        showMember();
     } catch (const AppError &e) {
         ReportError(ReturnLocation, QStringLiteral("Return/Renew Item Routine"), e);
         readyForScan(ui->txtAccessionReturn);
@@ -435,9 +493,22 @@ void frmIssueSystem::LoadLoanGrid()
                 user = rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString();
         }
         grid.setCellText(5, row, user);
+        QString fine;
         if (data_.GetData(QStringLiteral("Select fineamount from tbllibtransactionfines where transactionid = ") + QString::number(transaction)) > 0)
-            grid.setCellText(6, row, data_.rst->field(QStringLiteral("fineamount")).toMoney().toDisplayText());
+            fine = data_.rst->field(QStringLiteral("fineamount")).toMoney().toDisplayText();
+        grid.setCellText(6, row, fine);
         data_.CloseCompact();
+
+        const QString item = grid.cellText(1, row) + QLatin1Char(' ') + grid.cellText(2, row);
+        const QString due = QStringLiteral(", due ") + grid.cellText(8, row);
+        QString status = action_ == QLatin1String("Issue")     ? QStringLiteral("Issued ") + item + QStringLiteral(" to ") + user + due
+                         : action_ == QLatin1String("Renewal") ? QStringLiteral("Renewed ") + item + QStringLiteral(" for ") + user + due
+                                                               : QStringLiteral("Returned ") + item + QStringLiteral(" from ") + user;
+        if (!fine.isEmpty() && action_ != QLatin1String("Issue"))
+            status += QStringLiteral(" - fine ") + fine;
+        if (!reservedFor_.isEmpty())
+            status += QStringLiteral(" - keep aside: reserved for ") + reservedFor_;
+        showStatus(status, (!fine.isEmpty() && action_ != QLatin1String("Issue")) || !reservedFor_.isEmpty());
         grid.view()->scrollToBottom();
     } catch (const AppError &e) {
         data_.CloseCompact();

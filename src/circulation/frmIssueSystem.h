@@ -39,6 +39,8 @@ public Q_SLOTS:
     void optRenew_Click();
     void cmdPrint_Click();
     void cmdDone_Click();
+    /// Enter in Member Number: shows who it is and moves on to the book box.
+    void txtmemberID_Enter();
 
 private:
     void memberTypeChosen(const QString &type);
@@ -50,10 +52,15 @@ private:
     void LoadPhoto(const QString &path);
     void readyForScan(class QLineEdit *box);
     QString learnerFilter(class QComboBox *combo) const;
+    /// Shows the member whose number is in Member Number in the member panel.
+    void showMember();
+    /// The one line that confirms the last transaction; attention colours a fine or a reservation.
+    void showStatus(const QString &text, bool attention);
 
     std::unique_ptr<Ui::frmIssueSystem> ui;
     clsDataObject data_;
     LoanRules rules_;
     QString memberType_ = QStringLiteral("L");
     QString action_; // "Issue", "Return" or "Renewal": the grid's Transaction column
+    QString reservedFor_; // the member a returned copy is to be kept for, or empty
 };

@@ -78,11 +78,14 @@ void frmSystemSettings::layOutGrid()
     SpreadGrid &g = *ui->gridsettings;
     g.setMaxCols(6);
     g.setMaxRows(21);
-    g.setColWidth(1, 48);
+    // Narrower than the old sheet's columns, with the long labels wrapped, so the whole sheet is in view.
+    g.setColWidth(1, 36);
     for (int c = 2; c <= 6; ++c) {
-        g.setColWidth(c, 36);
+        g.setColWidth(c, 12);
         g.setColumnLocked(c, false);
     }
+    g.setSheetEditing();
+    g.setWrapText();
     for (int c = 1; c <= 6; ++c)
         g.setCellText(c, 0, QString());
     g.setCellText(1, 1, QStringLiteral("LIBRARY SYSTEM SETTINGS"));

@@ -322,12 +322,14 @@ void SchoolGenerator::writeLibrary(const QString &path)
         }
     }
 
-    // Loan and fine settings for every loan type and member category.
+    // Loan and fine settings for every loan type and member category, written as the settings
+    // screen saves them (learners, then staff and educators with the same rules), so the screen
+    // shows what the desk applies.
     struct Setting { const char *loanType; const char *category; int period; double fine; int interval; int maxItems; int maxExt; };
     const Setting settings[] = {
-        {"S", "L", 3, 1.00, 1, 1, 0},  {"S", "E", 7, 1.00, 1, 3, 1},  {"S", "S", 3, 1.00, 1, 1, 0},
-        {"N", "L", 14, 0.50, 7, 2, 2}, {"N", "E", 28, 0.50, 7, 5, 0}, {"N", "S", 14, 0.50, 7, 3, 2},
-        {"L", "L", 42, 0.50, 7, 3, 1}, {"L", "E", 56, 0.50, 7, 8, 0}, {"L", "S", 42, 0.50, 7, 4, 1}};
+        {"S", "L", 3, 1.00, 1, 1, 0},  {"S", "S", 7, 1.00, 1, 3, 1},  {"S", "E", 7, 1.00, 1, 3, 1},
+        {"N", "L", 14, 0.50, 7, 2, 2}, {"N", "S", 28, 0.50, 7, 5, 0}, {"N", "E", 28, 0.50, 7, 5, 0},
+        {"L", "L", 42, 0.50, 7, 3, 1}, {"L", "S", 56, 0.50, 7, 8, 0}, {"L", "E", 56, 0.50, 7, 8, 0}};
     for (const Setting &s : settings)
         run(QStringLiteral("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)"
                            "VALUES('%1','%2',%3,%4,%5,%6,7,%7,3,2)")
@@ -351,7 +353,7 @@ void SchoolGenerator::writeLibrary(const QString &path)
     for (int i = 0; i < size_.historicLoans; ++i) {
         const Copy &c = *lendable[size_t(pick(int(lendable.size())))];
         const Member m = member();
-        const QDate issued = today.addDays(-40 - pick(3 * 365));
+        const QDate issued = today.addDays(-45 - pick(3 * 365)); // returned (at most 44 days on) before today
         const QDate due = issued.addDays(14);
         const int lateness = pick(10) < 8 ? -pick(10) : 1 + pick(30);
         const QDate returned = due.addDays(lateness);
@@ -363,7 +365,7 @@ void SchoolGenerator::writeLibrary(const QString &path)
         if (lateness > 0) {
             const double fine = 0.50 * ((lateness + 6) / 7);
             const int state = pick(10);
-            const QString payment = state < 6 ? QStringLiteral("%1, %2, false").arg(money(fine), d(returned.addDays(pick(30))))
+            const QString payment = state < 6 ? QStringLiteral("%1, %2, false").arg(money(fine), d(std::min(today, returned.addDays(pick(30)))))
                                     : state < 7 ? QStringLiteral("0, Null, true")
                                                 : QStringLiteral("0, Null, false");
             run(QStringLiteral("Insert into tblLibTransactionFines(TransactionID, MemberID, MemberType, FineAmount, DateFined, PaymentAmount, PaymentDate, FineCancelled) "

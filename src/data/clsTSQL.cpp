@@ -678,6 +678,13 @@ QString clsTSQL::spQSTransactions(int itemID, const QString &memberKind) const
            + QStringLiteral(" and tblLibTransactions.MemberType = '") + memberKind + QStringLiteral("' and returned = false");
 }
 
+QString clsTSQL::spQSOpenLoans(const QStringList &itemIDs) const
+{
+    return QStringLiteral("SELECT tblLibTransactions.MemberType, tblLibTransactions.Memberid, tblLibTransactions.ItemID, tblLibTransactions.DueDate"
+                          " FROM tblLibTransactions Where returned = false and tblLibTransactions.itemid in (")
+           + itemIDs.join(QLatin1Char(',')) + QStringLiteral(")");
+}
+
 QString clsTSQL::spQSItemsFind(const QString &searchKind, const QString &text) const
 {
     QString part;

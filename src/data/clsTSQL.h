@@ -161,6 +161,8 @@ public:
     QString spKeywordsInsert(const QString &english, const QString &afrikaans) const;
     // Quick search, generic selects, labels.
     QString spQSTransactions(int itemID, const QString &memberKind) const;
+    /// The open loans of many items at once (quick find of a long list): member kind, member, item, due date.
+    QString spQSOpenLoans(const QStringList &itemIDs) const;
     QString spQSItemsFind(const QString &searchKind, const QString &text) const;
     QString spGetAID(const QString &columns, const QString &table) const;
     QString spBarSpine(const QString &clause) const;

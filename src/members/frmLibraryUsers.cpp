@@ -1,4 +1,5 @@
 #include "frmLibraryUsers.h"
+#include "mCombo.h"
 #include "ui_frmLibraryUsers.h"
 
 #include "AppError.h"
@@ -37,14 +38,15 @@ frmLibraryUsers::frmLibraryUsers(QWidget *parent) : QDialog(parent), ui(std::mak
                                     {"Fine", 6}, {"", 2}, {"", 2}});
     ui->grdEducators->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Identification Number", 18}, {"Register Class", 12},
                                      {"Fine", 6}, {"", 2}, {"", 2}});
+    ui->grdLearners->setColumnMoney(7);
+    ui->grdEducators->setColumnMoney(6);
     ui->gridStaff->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Identification Number", 18}});
     for (char letter = 'A'; letter <= 'Z'; ++letter)
         ui->cboFilter->addItem(QString(QLatin1Char(letter)));
     ui->cboFilter->setCurrentIndex(-1);
     try {
         const auto classes = CentralQuery(QStringLiteral("Select classname,classid from classes order by grade,classname"));
-        for (; !classes->atEnd(); classes->MoveNext())
-            ui->cboClass->addItem(classes->field(QStringLiteral("classname")).toString(), classes->field(QStringLiteral("classid")).toInt());
+        AddClassesInNaturalOrder(ui->cboClass, *classes, QStringLiteral("classname"), QStringLiteral("classid"));
         const auto grades = CentralQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
         for (; !grades->atEnd(); grades->MoveNext())
             ui->cboGrade->addItem(grades->field(QStringLiteral("name")).toString(), grades->field(QStringLiteral("id")).toInt());

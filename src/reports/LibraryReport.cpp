@@ -1,5 +1,7 @@
 #include "LibraryReport.h"
 
+#include "Money.h"
+#include "NaturalOrder.h"
 #include "Recordset.h"
 
 #include <QFontMetricsF>
@@ -69,7 +71,11 @@ void LibraryReport::addRow(const Recordset &rs, const QString &memberName, const
             continue;
         }
         const int index = rs.fieldIndex(field);
-        row.cells << (index < 0 ? QString() : rs.field(index).toString());
+        QString text = index < 0 ? QString() : rs.field(index).toString();
+        Money amount;
+        if (field == QLatin1String("FineAmount") && Money::parse(text, &amount))
+            text = amount.toDisplayText();
+        row.cells << text;
     }
     rows_.push_back(std::move(row));
 }
@@ -77,7 +83,7 @@ void LibraryReport::addRow(const Recordset &rs, const QString &memberName, const
 void LibraryReport::finish()
 {
     if (definition_.byClass)
-        std::stable_sort(rows_.begin(), rows_.end(), [](const Row &a, const Row &b) { return a.className < b.className; });
+        std::stable_sort(rows_.begin(), rows_.end(), [](const Row &a, const Row &b) { return NaturalLess(a.className, b.className); });
     layOut();
 }
 
@@ -86,6 +92,7 @@ void LibraryReport::layOut()
     std::vector<Line> &out = lines_;
     out.clear();
     out.reserve(rows_.size() + 16);
+    const bool fines = moneyColumn() >= 0;
     for (int i = 0; i < rowCount();) {
         if (!definition_.byClass) {
             out.push_back({Line::Detail, i++, 0});
@@ -98,8 +105,60 @@ void LibraryReport::layOut()
         for (int k = i; k < end; ++k)
             out.push_back({Line::Detail, k, 0});
         out.push_back({Line::ClassCount, i, end - i});
+        if (fines)
+            out.push_back({Line::ClassTotal, i, end - i});
         i = end;
     }
+    if (fines)
+        out.push_back({Line::ReportTotal, 0, rowCount()});
+}
+
+int LibraryReport::moneyColumn() const
+{
+    for (size_t c = 0; c < definition_.columns.size(); ++c)
+        if (definition_.columns[c].second == QLatin1String("FineAmount"))
+            return int(c);
+    return -1;
+}
+
+QString LibraryReport::total(int first, int count) const
+{
+    const int column = moneyColumn();
+    Money sum;
+    for (int k = first; k < first + count; ++k) {
+        Money amount;
+        if (Money::parse(rows_[size_t(k)].cells.value(column), &amount))
+            sum += amount;
+    }
+    return sum.toDisplayText();
+}
+
+QString LibraryReport::summaryText(const Line &l) const
+{
+    const QString cls = l.kind == Line::ReportTotal ? QString() : rows_[size_t(l.index)].className;
+    const QString name = cls.isEmpty() ? QStringLiteral("(none)") : cls;
+    switch (l.kind) {
+    case Line::ClassHeading:
+        return QStringLiteral("Class: ") + name;
+    case Line::ClassCount:
+        return QStringLiteral("Learners' items in ") + name + QStringLiteral(": ") + QString::number(l.count);
+    case Line::ClassTotal:
+        return QStringLiteral("Total fines in ") + name + QStringLiteral(": ") + total(l.index, l.count);
+    case Line::ReportTotal:
+        return QStringLiteral("Total fines: ") + total(l.index, l.count);
+    case Line::Detail:
+        break;
+    }
+    return QString();
+}
+
+QStringList LibraryReport::summaryLines() const
+{
+    QStringList lines;
+    for (const Line &l : lines_)
+        if (l.kind != Line::Detail)
+            lines << summaryText(l);
+    return lines;
 }
 
 // Layout in points: 12 pt lines; the header takes 5 lines (school, title, period, gap, captions), the foot 2.
@@ -148,12 +207,14 @@ void LibraryReport::paintPage(QPainter &painter, const QRectF &page, int pageNum
             widths[size_t(c)] *= 2;
     const QFontMetricsF plainMetrics(font, painter.device());
     const QFontMetricsF boldMetrics(bold, painter.device());
+    const int money = moneyColumn();
     auto drawCells = [&](const QStringList &cells) {
         double x = page.left();
         const QFontMetricsF &fm = painter.font().bold() ? boldMetrics : plainMetrics;
         for (int c = 0; c < columns; ++c) {
             const QRectF cell(x, y, widths[size_t(c)] - 4, line);
-            painter.drawText(cell, Qt::AlignLeft | Qt::AlignVCenter, fm.elidedText(cells.value(c), Qt::ElideRight, cell.width()));
+            const Qt::Alignment align = c == money ? Qt::AlignRight : Qt::AlignLeft;
+            painter.drawText(cell, align | Qt::AlignVCenter, fm.elidedText(cells.value(c), Qt::ElideRight, cell.width()));
             x += widths[size_t(c)];
         }
         y += line;
@@ -172,11 +233,7 @@ void LibraryReport::paintPage(QPainter &painter, const QRectF &page, int pageNum
             drawCells(rows_[size_t(l.index)].cells);
         } else {
             painter.setFont(bold);
-            const QString cls = rows_[size_t(l.index)].className;
-            const QString text = l.kind == Line::ClassHeading ? QStringLiteral("Class: ") + (cls.isEmpty() ? QStringLiteral("(none)") : cls)
-                                                              : QStringLiteral("Learners' items in ") + (cls.isEmpty() ? QStringLiteral("(none)") : cls)
-                                                                    + QStringLiteral(": ") + QString::number(l.count);
-            painter.drawText(QRectF(page.left(), y, page.width(), line), Qt::AlignLeft | Qt::AlignVCenter, text);
+            painter.drawText(QRectF(page.left(), y, page.width(), line), Qt::AlignLeft | Qt::AlignVCenter, summaryText(l));
             y += line;
         }
     }

@@ -25,7 +25,8 @@ struct ReportDefinition {
 /// A report ready to show: its definition, headings and rows (grouped by class when the definition
 /// does so), laid out on pages and drawn by Qt: a page header with the school's name and the
 /// report's title, the period heading where the definition has one, a table of the fields with the
-/// member's name, a count per class in the by-class reports, and "Page n of m" at the foot.
+/// member's name, a count per class in the by-class reports, and "Page n of m" at the foot. Money
+/// shows two decimals, right-aligned; the fines reports total each class and the whole report.
 class LibraryReport {
 public:
     LibraryReport() = default;
@@ -43,6 +44,8 @@ public:
     /// A row's cells as shown, in column order.
     const QStringList &row(int index) const { return rows_[size_t(index)].cells; }
     const QString &classOf(int index) const { return rows_[size_t(index)].className; }
+    /// The report's lines after the rows' own: class headings, counts and totals, in print order.
+    QStringList summaryLines() const;
 
     /// Pages needed for a page area (device units of the painter's device at that resolution).
     int pageCount(const QRectF &page, double dpi) const;
@@ -56,11 +59,16 @@ private:
     };
     // One line of the laid-out report: a class heading, a row, or a class count.
     struct Line {
-        enum Kind { ClassHeading, Detail, ClassCount } kind;
+        enum Kind { ClassHeading, Detail, ClassCount, ClassTotal, ReportTotal } kind;
         int index; // row index, or the class's first row for headings and counts
         int count;
     };
     void layOut();
+    /// The column holding a money amount, or -1.
+    int moneyColumn() const;
+    /// The sum of the money column over rows [first, first + count).
+    QString total(int first, int count) const;
+    QString summaryText(const Line &line) const;
     int linesPerPage(const QRectF &page, double dpi) const;
 
     ReportDefinition definition_;

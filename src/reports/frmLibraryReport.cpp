@@ -118,8 +118,7 @@ void frmLibraryReport::FillClasses()
                                 : QStringLiteral("Select classname,classid from classes where Grade = ") + QString::number(ui->cboGrade->currentData().toInt())
                                       + QStringLiteral("  order by grade,classname");
         const auto rs = CentralQuery(sql);
-        for (; !rs->atEnd(); rs->MoveNext())
-            ui->cboClass->addItem(rs->field(QStringLiteral("classname")).toString(), rs->field(QStringLiteral("classid")).toInt());
+        AddClassesInNaturalOrder(ui->cboClass, *rs, QStringLiteral("classname"), QStringLiteral("classid"));
         ui->cboClass->setCurrentIndex(-1);
     } catch (const AppError &e) {
         ReportError(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), e);

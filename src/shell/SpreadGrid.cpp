@@ -106,9 +106,34 @@ private:
     SpreadGrid *grid_;
 };
 
+// The grid's table. On a sheet, Tab and Shift+Tab (and an editor closed with them) step over the
+// cells that cannot be edited: the labels and the spacer column of a form.
+class GridView : public QTableView {
+public:
+    using QTableView::QTableView;
+    bool sheet = false;
+
+protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override
+    {
+        if (!sheet || (action != MoveNext && action != MovePrevious) || !model())
+            return QTableView::moveCursor(action, modifiers);
+        const int rows = model()->rowCount(), cols = model()->columnCount();
+        const QModelIndex current = currentIndex();
+        int at = current.isValid() ? current.row() * cols + current.column() : -1;
+        for (int step = 0; step < rows * cols; ++step) {
+            at = action == MoveNext ? (at + 1) % (rows * cols) : (at - 1 + rows * cols) % (rows * cols);
+            const QModelIndex index = model()->index(at / cols, at % cols);
+            if (model()->flags(index) & (Qt::ItemIsEditable | Qt::ItemIsUserCheckable))
+                return index;
+        }
+        return current;
+    }
+};
+
 } // namespace
 
-SpreadGrid::SpreadGrid(QWidget *parent) : QWidget(parent), model_(new SpreadModel(this)), view_(new QTableView(this))
+SpreadGrid::SpreadGrid(QWidget *parent) : QWidget(parent), model_(new SpreadModel(this)), view_(new GridView(this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -125,6 +150,7 @@ SpreadGrid::SpreadGrid(QWidget *parent) : QWidget(parent), model_(new SpreadMode
     view_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     view_->verticalHeader()->setDefaultSectionSize(QFontMetrics(font()).height() + 6);
     widths_.assign(1, DefaultWidth);
+    widest_.assign(1, Widest{});
     measureFont();
 
     connect(view_, &QTableView::clicked, this, [this](const QModelIndex &index) { clickCell(index.column() + 1, index.row() + 1); });
@@ -144,23 +170,179 @@ void SpreadGrid::measureFont()
 
 void SpreadGrid::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::FontChange) {
         measureFont();
+        view_->verticalHeader()->setDefaultSectionSize(QFontMetrics(view_->font()).height() + 6);
+        for (int c = 1; c <= maxCols(); ++c) {
+            measureColumn(c);
+            applyWidth(c);
+        }
+    }
     QWidget::changeEvent(event);
+}
+
+double SpreadGrid::cellTextWidth(int col, int row) const
+{
+    if (model_->columnMoney(col)) {
+        const QByteArray shown = model_->shownText(col, row).toUtf8();
+        return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_;
+    }
+    const SpreadModel::CellType type = model_->cellType(col, row);
+    if (type == SpreadModel::CellType::CheckBox)
+        return view_->style()->pixelMetric(QStyle::PM_IndicatorWidth) + 4;
+    if (type == SpreadModel::CellType::Button && model_->cellUtf8(col, row).empty()) {
+        const QByteArray shown = model_->shownText(col, row).toUtf8();
+        return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_ + CellPadding;
+    }
+    const std::string &text = model_->cellUtf8(col, row);
+    if (!wrap_)
+        return textWidthUtf8(text) * charWidth_;
+    double widest = 0; // wrapped: the longest word
+    size_t start = 0;
+    while (start <= text.size()) {
+        const size_t end = std::min(text.find(' ', start), text.size());
+        widest = std::max(widest, textWidthUtf8(std::string_view(text).substr(start, end - start)));
+        start = end + 1;
+    }
+    return widest * charWidth_;
+}
+
+void SpreadGrid::measureColumn(int col)
+{
+    Widest widest;
+    for (int row = 1; row <= maxRows(); ++row) {
+        const double px = cellTextWidth(col, row);
+        if (px > widest.px)
+            widest = {px, row};
+    }
+    widest_[size_t(col)] = widest;
+}
+
+void SpreadGrid::measureCell(int col, int row)
+{
+    if (col < 1 || col > maxCols() || row < 1 || row > maxRows())
+        return;
+    Widest &widest = widest_[size_t(col)];
+    const double px = cellTextWidth(col, row);
+    if (px > widest.px) {
+        widest = {px, row};
+        applyWidth(col);
+    } else if (widest.row == row && px < widest.px) {
+        measureColumn(col); // the widest value got shorter
+        applyWidth(col);
+    }
+}
+
+int SpreadGrid::captionWidth(int col) const
+{
+    const QHeaderView *header = view_->horizontalHeader();
+    const QString caption = model_->cellText(col, 0);
+    if (caption.isEmpty())
+        return 0;
+    QFont bold = header->font();
+    bold.setBold(true); // some styles draw captions bold: leave room for it
+    return int(std::ceil(QFontMetricsF(bold).horizontalAdvance(caption))) + 2 * header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header)
+           + CellPadding;
+}
+
+int SpreadGrid::valueWidth(int col) const
+{
+    if (col < 1 || col > maxCols())
+        return 0;
+    const Widest &widest = widest_[size_t(col)];
+    if (widest.row < 1)
+        return 0;
+    // The widest value measured exactly, whatever the quick estimate was.
+    const QString text = model_->shownText(col, widest.row);
+    int textPx = int(std::ceil(widest.px));
+    if (!text.isEmpty()) {
+        const QFontMetricsF fm(view_->font());
+        textPx = 0;
+        for (const QString &word : wrap_ ? text.split(QLatin1Char(' ')) : QStringList{text})
+            textPx = std::max(textPx, int(std::ceil(fm.horizontalAdvance(word))));
+    }
+    return textPx + 2 * (view_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view_) + 1) + CellPadding;
+}
+
+int SpreadGrid::shownWidth(int col) const
+{
+    return std::max({int(std::lround(colWidth(col) * charWidth_)) + CellPadding, captionWidth(col), valueWidth(col)});
+}
+
+void SpreadGrid::setCellUtf8(int col, int row, std::string_view text)
+{
+    model_->setCellUtf8(col, row, text);
+    if (filling_)
+        return;
+    if (row == 0 && col >= 1 && col <= maxCols())
+        applyWidth(col);
+    else
+        measureCell(col, row);
+}
+
+void SpreadGrid::setSheetEditing()
+{
+    static_cast<GridView *>(view_)->sheet = true;
+    view_->setSelectionBehavior(QAbstractItemView::SelectItems);
+    view_->setEditTriggers(QAbstractItemView::CurrentChanged | QAbstractItemView::SelectedClicked | QAbstractItemView::DoubleClicked
+                           | QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+}
+
+void SpreadGrid::setWrapText()
+{
+    wrap_ = true;
+    view_->setWordWrap(true);
+    view_->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    for (int c = 1; c <= maxCols(); ++c) {
+        measureColumn(c);
+        applyWidth(c);
+    }
+}
+
+void SpreadGrid::setColumnMoney(int col)
+{
+    model_->setColumnMoney(col);
+    if (col >= 1 && col <= maxCols()) {
+        measureColumn(col);
+        applyWidth(col);
+    }
 }
 
 void SpreadGrid::setMaxCols(int cols)
 {
     model_->setMaxCols(cols);
     widths_.resize(size_t(std::max(0, cols)) + 1, DefaultWidth);
+    widest_.resize(widths_.size());
     for (int c = 1; c <= cols; ++c)
         applyWidth(c);
+}
+
+void SpreadGrid::setMaxRows(int rows)
+{
+    const int old = maxRows();
+    model_->setMaxRows(rows);
+    if (filling_ || rows >= old)
+        return;
+    for (int c = 1; c <= maxCols(); ++c)
+        if (widest_[size_t(c)].row > rows) {
+            measureColumn(c);
+            applyWidth(c);
+        }
+}
+
+void SpreadGrid::removeRow(int row)
+{
+    model_->removeGridRow(row);
+    for (int c = 1; c <= maxCols(); ++c) {
+        measureColumn(c);
+        applyWidth(c);
+    }
 }
 
 void SpreadGrid::setCellText(int col, int row, const QString &text)
 {
     const QByteArray utf8 = text.toUtf8();
-    model_->setCellUtf8(col, row, std::string_view(utf8.constData(), size_t(utf8.size())));
+    setCellUtf8(col, row, std::string_view(utf8.constData(), size_t(utf8.size())));
 }
 
 double SpreadGrid::colWidth(int col) const
@@ -180,7 +362,7 @@ void SpreadGrid::applyWidth(int col)
 {
     if (filling_ || col < 1)
         return; // column 0 holds keys; the row header shows row numbers at its own width
-    view_->setColumnWidth(col - 1, int(std::lround(widths_[size_t(col)] * charWidth_)) + CellPadding);
+    view_->setColumnWidth(col - 1, shownWidth(col));
 }
 
 double SpreadGrid::textWidthUtf8(std::string_view text) const
@@ -213,8 +395,10 @@ void SpreadGrid::endFill()
 {
     model_->endBulk();
     filling_ = false;
-    for (int c = 1; c <= maxCols(); ++c)
+    for (int c = 1; c <= maxCols(); ++c) {
+        measureColumn(c);
         applyWidth(c);
+    }
 }
 
 void SpreadGrid::setColumnType(int col, SpreadModel::CellType type, const QString &buttonText)
@@ -280,8 +464,19 @@ SpreadGrid::PageLayout SpreadGrid::pageLayout(const QRectF &area, QPaintDevice *
     const double charWidth = std::max(1.0, fm.averageCharWidth());
     layout.rowHeight = fm.height() * 1.5;
     double total = 0;
+    QFont boldFont(view_->font(), device);
+    boldFont.setBold(true);
+    const QFontMetricsF bold(boldFont, device);
     for (int c = 1; c <= maxCols(); ++c) {
-        layout.widths.push_back(colWidth(c) * charWidth + fm.height() * 0.6);
+        // On paper as on screen: never narrower than the caption (printed bold) or the widest value.
+        const Widest &widest = widest_[size_t(c)];
+        double text = std::max(colWidth(c) * charWidth, bold.horizontalAdvance(model_->cellText(c, 0)));
+        if (wrap_) // paper does not wrap: every text on one line
+            for (int row = 1; row <= maxRows(); ++row)
+                text = std::max(text, fm.horizontalAdvance(model_->shownText(c, row)));
+        else if (widest.row > 0)
+            text = std::max(text, fm.horizontalAdvance(model_->shownText(c, widest.row)));
+        layout.widths.push_back(text + fm.height() * 0.8);
         total += layout.widths.back();
     }
     layout.scale = total > area.width() && total > 0 ? area.width() / total : 1.0;
@@ -323,10 +518,10 @@ void SpreadGrid::printPage(QPainter &painter, const QRectF &area, int page) cons
                     painter.drawLine(square.topRight(), square.bottomLeft());
                 }
             } else {
-                const QString text = cellText(c, row);
+                const QString text = caption ? cellText(c, 0) : model_->shownText(c, row);
                 const QRectF inner = cell.adjusted(pad, 0, -pad, 0);
-                painter.drawText(inner, Qt::AlignVCenter | Qt::AlignLeft,
-                                 painter.fontMetrics().elidedText(text, Qt::ElideRight, int(inner.width())));
+                const Qt::Alignment align = !caption && model_->columnMoney(c) ? Qt::AlignRight : Qt::AlignLeft;
+                painter.drawText(inner, Qt::AlignVCenter | align, text);
             }
             x += cell.width();
         }

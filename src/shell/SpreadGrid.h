@@ -27,8 +27,8 @@ public:
     int maxCols() const override { return model_->maxCols(); }
     void setMaxCols(int cols) override;
     int maxRows() const override { return model_->maxRows(); }
-    void setMaxRows(int rows) override { model_->setMaxRows(rows); }
-    void setCellUtf8(int col, int row, std::string_view text) override { model_->setCellUtf8(col, row, text); }
+    void setMaxRows(int rows) override;
+    void setCellUtf8(int col, int row, std::string_view text) override;
     void setCellText(int col, int row, const QString &text) override;
     QString cellText(int col, int row) const override { return model_->cellText(col, row); }
     double colWidth(int col) const override;
@@ -54,6 +54,8 @@ public:
     void setCellList(int col, int row, const QStringList &items) { model_->setCellList(col, row, items); }
     /// A column whose cells take only these codes (a pick list; typing a code works in either case).
     void setColumnCodes(int col, const QStringList &codes) { model_->setColumnCodes(col, codes); }
+    /// A column of money amounts: shown and printed with two decimals, right-aligned.
+    void setColumnMoney(int col);
     /// The most characters a user may type into one cell (the database column's size; 255 unless set).
     void setCellMaxLength(int col, int row, int length) { model_->setCellMaxLength(col, row, length); }
     /// Opens the in-place editor of a cell (a combo cell's list, a date cell's date editor), as a
@@ -61,7 +63,7 @@ public:
     QWidget *editCell(int col, int row);
     void clearRows() { setMaxRows(0); }
     /// Deletes one data row; the rows below move up.
-    void removeRow(int row) { model_->removeGridRow(row); }
+    void removeRow(int row);
     /// What a click on a check-box cell does: toggles it and reports cellEdited.
     void toggleCheck(int col, int row);
 
@@ -82,6 +84,20 @@ public:
     int pageCount(const QRectF &area, QPaintDevice *device) const;
     /// Draws one page (1-based) of the grid into area.
     void printPage(QPainter &painter, const QRectF &area, int page) const;
+
+    /// A fixed sheet (a form laid out in cells): one cell is selected rather than a row, a single
+    /// click or typing starts editing, and Tab moves between the cells that can be edited only.
+    void setSheetEditing();
+    /// Long texts wrap onto more lines and rows grow to hold them, so a wide sheet fits its window;
+    /// a column is then never narrower than its longest word.
+    void setWrapText();
+
+    /// The width a column is shown at, in pixels: its set width, but never narrower than its
+    /// caption or its widest value.
+    int shownWidth(int col) const;
+    /// The widths a column needs, in pixels of the screen: its caption and its widest value.
+    int captionWidth(int col) const;
+    int valueWidth(int col) const;
 
     QTableView *view() const { return view_; }
     SpreadModel *model() const { return model_; }
@@ -111,13 +127,24 @@ private:
     PageLayout pageLayout(const QRectF &area, QPaintDevice *device) const;
     void applyWidth(int col);
     void measureFont();
+    /// Widest value of a column (screen pixels) and the row holding it; measured after a fill
+    /// and grown as single cells change.
+    void measureColumn(int col);
+    void measureCell(int col, int row);
+    double cellTextWidth(int col, int row) const;
 
     SpreadModel *model_;
     QTableView *view_;
     std::vector<double> widths_; // characters, index = grid column
+    struct Widest {
+        double px = 0;
+        int row = 0;
+    };
+    std::vector<Widest> widest_; // index = grid column
     std::array<double, 128> advance_{};
     double charWidth_ = 7;
     int activeCol_ = 0;
     int activeRow_ = 0;
     bool filling_ = false;
+    bool wrap_ = false;
 };

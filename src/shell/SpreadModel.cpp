@@ -166,6 +166,29 @@ void SpreadModel::setColumnCodes(int col, const QStringList &codes)
     columns_[size_t(col)].type = CellType::Combo;
 }
 
+void SpreadModel::setColumnMoney(int col)
+{
+    if (col >= 1 && col <= maxCols_)
+        columns_[size_t(col)].money = true;
+}
+
+QString SpreadModel::shownText(int col, int row) const
+{
+    const CellType type = cellType(col, row);
+    if (type == CellType::CheckBox)
+        return QString();
+    if (type == CellType::Button && cellUtf8(col, row).empty())
+        return columns_[size_t(col)].buttonText;
+    QString text = cellText(col, row);
+    if (row > 0 && columnMoney(col)) {
+        bool number = false;
+        const double amount = text.toDouble(&number);
+        if (number)
+            text = QString::number(amount, 'f', 2);
+    }
+    return text;
+}
+
 void SpreadModel::setCellMaxLength(int col, int row, int length) { cells_[{col, row}].maxLength = length; }
 
 int SpreadModel::maxLength(int col, int row) const
@@ -227,9 +250,9 @@ QVariant SpreadModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         if (type == CellType::CheckBox)
             return QVariant();
-        if (type == CellType::Button && cellUtf8(col, row).empty())
-            return c.buttonText;
-        return cellText(col, row);
+        return shownText(col, row);
+    case Qt::TextAlignmentRole:
+        return c.money ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
     case Qt::EditRole:
         return cellText(col, row);
     case Qt::CheckStateRole:

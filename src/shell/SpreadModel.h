@@ -48,6 +48,12 @@ public:
     /// A column of codes: its cells are combos of these codes and take nothing else (what is typed
     /// is matched without regard to case; any other text leaves the cell as it was).
     void setColumnCodes(int col, const QStringList &codes);
+    /// A column of money amounts: a number is shown with two decimals and right-aligned; the
+    /// stored text stays as written.
+    void setColumnMoney(int col);
+    bool columnMoney(int col) const { return col >= 1 && col <= maxCols_ && columns_[size_t(col)].money; }
+    /// The text a cell shows (a money amount with two decimals); empty for check boxes.
+    QString shownText(int col, int row) const;
     /// The most characters a user may put into a cell (its database column's size); 255 unless set.
     void setCellMaxLength(int col, int row, int length);
     int maxLength(int col, int row) const;
@@ -77,6 +83,7 @@ private:
         QString buttonText;
         bool locked = true;
         QStringList codes;
+        bool money = false;
     };
     struct CellSetting {
         bool hasType = false;

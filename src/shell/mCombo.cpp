@@ -1,9 +1,16 @@
 #include "mCombo.h"
 
+#include "NaturalOrder.h"
+#include "Recordset.h"
+
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QAbstractItemView>
 #include <QLineEdit>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 void ComboDropDown(QComboBox *combo) { combo->showPopup(); }
 
@@ -62,4 +69,14 @@ bool ComboTypeAhead::eventFilter(QObject *watched, QEvent *event)
         }
     }
     return QObject::eventFilter(watched, event);
+}
+
+void AddClassesInNaturalOrder(QComboBox *combo, Recordset &classes, const QString &nameField, const QString &idField)
+{
+    std::vector<std::pair<QString, int>> entries;
+    for (; !classes.atEnd(); classes.MoveNext())
+        entries.emplace_back(classes.field(nameField).toString(), classes.field(idField).toInt());
+    std::stable_sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return NaturalLess(a.first, b.first); });
+    for (const auto &[name, id] : entries)
+        combo->addItem(name, id);
 }

@@ -4,6 +4,7 @@
 #include <QVariant>
 
 class QComboBox;
+class Recordset;
 
 /// Opens the combo's list.
 void ComboDropDown(QComboBox *combo);
@@ -13,6 +14,9 @@ void ComboDropDown(QComboBox *combo);
 void ComboAutoComplete(QComboBox *combo, int &keyCode);
 /// Selects the first entry whose item data equals a numeric value, or whose text equals any other value.
 void ComboSelect(QComboBox *combo, const QVariant &value);
+
+/// Adds the classes of a recordset (text and id fields) in natural order: 1A, 1B, 2A … 10A.
+void AddClassesInNaturalOrder(QComboBox *combo, Recordset &classes, const QString &nameField, const QString &idField);
 
 /// Gives an editable combo type-ahead completion as the user types.
 class ComboTypeAhead : public QObject {

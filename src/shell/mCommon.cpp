@@ -27,25 +27,38 @@ void PrintGridWithHeading(int orientation, const QString &heading, SpreadGrid &g
     PrintJob job;
     QPrinter &printer = job.printer();
     printer.setPageOrientation(orientation == PrintLandscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+    // The grid's area: 300 twips in, 800 down, to the right edge and 1000 twips short of the bottom.
+    const auto gridArea = [&] {
+        const QRectF page = printer.pageLayout().paintRectPixels(printer.resolution());
+        return QRectF(job.twips(300), job.twips(800), page.width() - job.twips(300), page.height() - job.twips(1000) - job.twips(800));
+    };
+    // The length is asked before the print dialog, so a long list is not sent by mistake.
+    if (!UserQuestion(QStringLiteral("Your printout is ") + QString::number(grid.pageCount(gridArea(), &printer))
+                      + QStringLiteral(" page/s long. Do you want to continue?")))
+        return;
     if (!job.choose(grid.window()))
         return;
-    // The grid's area: 300 twips in, 800 down, to the right edge and 1000 twips short of the bottom.
-    const QRectF page = printer.pageLayout().paintRectPixels(printer.resolution());
-    const QRectF area(job.twips(300), job.twips(800), page.width() - job.twips(300), page.height() - job.twips(1000) - job.twips(800));
+    const QRectF area = gridArea(); // the paper chosen in the dialog
     const int pages = grid.pageCount(area, &printer);
-    if (!UserQuestion(QStringLiteral("Your printout is ") + QString::number(pages) + QStringLiteral(" page/s long. Do you want to continue?")))
-        return;
     QPainter painter;
     if (!painter.begin(&printer))
         throw AppError(482, QStringLiteral("Printer error"));
     QFont font = grid.font();
     font.setPointSize(10);
     font.setBold(true);
-    painter.setFont(QFont(font, &printer));
-    painter.drawText(QPointF(job.twips(500), job.twips(50) + painter.fontMetrics().ascent()), SchoolName + QStringLiteral(" - ") + heading);
+    const QFont headingFont(font, &printer);
+    font.setBold(false);
+    const QFont footFont(font, &printer);
+    const QRectF page = printer.pageLayout().paintRectPixels(printer.resolution());
     for (int p = 1; p <= pages; ++p) {
         if (p > 1)
             printer.newPage();
+        // Every sheet names the school and the list and counts its pages, so a dropped pile sorts again.
+        painter.setFont(headingFont);
+        painter.drawText(QPointF(job.twips(500), job.twips(50) + painter.fontMetrics().ascent()), SchoolName + QStringLiteral(" - ") + heading);
+        painter.setFont(footFont);
+        painter.drawText(QRectF(0, page.height() - job.twips(700), page.width(), job.twips(400)), Qt::AlignRight | Qt::AlignVCenter,
+                         QStringLiteral("Page %1 of %2").arg(p).arg(pages));
         grid.printPage(painter, area, p);
     }
     painter.end();

@@ -4,8 +4,12 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
+
+#include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -31,6 +35,13 @@ int ShowHookedBox(const QString &prompt, int style, const QString &title, Messag
 {
     if (MessageScript *script = MessageScript::active())
         return script->answer(prompt, style, title, picture);
+    if (QGuiApplication::platformName() == QLatin1String("offscreen") || QGuiApplication::platformName() == QLatin1String("minimal")) {
+        // Nobody can see or answer a box without a screen: say it where a log catches it and stop
+        // rather than wait for ever (committed work is already in the database).
+        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(prompt));
+        std::fflush(stderr);
+        std::exit(3);
+    }
 
     QMessageBox box(QApplication::activeWindow());
     box.setWindowTitle(title);

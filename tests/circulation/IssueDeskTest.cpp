@@ -76,7 +76,7 @@ TEST_F(IssueDesk, ADayAtTheDesk)
     EXPECT_EQ(transactions(*desk), QStringList{"A1|Book 1|Issue|L12|Botha, Anna 8A||2026-11-23|2026-12-07|0"});
     EXPECT_EQ(child<QLineEdit>(*desk, "txtLoanAccession")->text(), "");
     EXPECT_EQ(desk->focusWidget(), child<QLineEdit>(*desk, "txtLoanAccession"));
-    EXPECT_EQ(rows(*desk, "gridloan"), QStringList{"Type of loan|N|Loan Period|14|Max Items|2|Fine Amount|0.5|Fine Interval|7|Extension|7"});
+    EXPECT_EQ(rows(*desk, "gridloan"), QStringList{"Type of loan|N|Loan Period|14|Max Items|2|Fine Amount|0.50|Fine Interval|7|Extension|7"});
 
     // An educator by ID number, then a staff member.
     click(*desk, "optEducator");
@@ -249,7 +249,7 @@ TEST_F(IssueDesk, WithoutASettingsRowTheDeskUsesItsDefaults)
     auto desk = open();
     issue(*desk, "L100", "S1");
     EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
-    EXPECT_EQ(rows(*desk, "gridloan"), QStringList{"Type of loan|S|Loan Period|1|Max Items|1|Fine Amount|0|Fine Interval|1|Extension|1"});
+    EXPECT_EQ(rows(*desk, "gridloan"), QStringList{"Type of loan|S|Loan Period|1|Max Items|1|Fine Amount|0.00|Fine Interval|1|Extension|1"});
     EXPECT_EQ(loans().last(), "S1|L|12|2026-11-23|2026-11-24|False|0");
 }
 

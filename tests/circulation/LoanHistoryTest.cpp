@@ -37,7 +37,8 @@ TEST_F(LoanHistory, ShowsCurrentLoansOrTheWholeHistory)
     auto screen = open("L", 12, "Botha, Anna");
     EXPECT_EQ(screen->windowTitle(), "User Loan History");
     EXPECT_EQ(child<QLineEdit>(*screen, "txtUsr")->text(), "Botha, Anna");
-    EXPECT_EQ(sent_, QStringList{"SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Author1, tblLibItems.Title FROM tblLibTransactions INNER JOIN tblLibItems ON tblLibTransactions.ItemID = tblLibItems.ItemID where returned = false and memberid = 12 and membertype = 'L'"});
+    ASSERT_FALSE(sent_.isEmpty()); // the member panel's look-ups follow the list's statement
+    EXPECT_EQ(sent_.first(), "SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Author1, tblLibItems.Title FROM tblLibTransactions INNER JOIN tblLibItems ON tblLibTransactions.ItemID = tblLibItems.ItemID where returned = false and memberid = 12 and membertype = 'L'");
     EXPECT_EQ(rows(*screen, "gridLoans"), QStringList{"2026-11-16||Book 1|A1|2026-11-30|"});
     sent_.clear();
     click(*screen, "optHistory");

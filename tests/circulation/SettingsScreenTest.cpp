@@ -116,8 +116,11 @@ TEST_F(SettingsScreen, LeavingWithUnsavedChangesAsksFirst)
     click(screen, "cmdDone");
     EXPECT_EQ(messages_->prompts(), QStringList{"You have not saved your settings. Are you sure you want to Exit without saving?"});
     EXPECT_TRUE(screen.isVisible());
+    QTest::keyClick(&screen, Qt::Key_Escape); // Escape keeps the work: no question, still open
+    EXPECT_TRUE(screen.isVisible());
+    EXPECT_EQ(messages_->prompts().size(), 1);
     messages_->queueAnswer(MessageScript::Yes);
-    QTest::keyClick(&screen, Qt::Key_Escape);
+    screen.close(); // the window's close box asks as Done does
     EXPECT_FALSE(screen.isVisible());
     EXPECT_EQ(libraryValue("select LoanPeriod from tblLibSettings where LoanType = 'N' and UserCat = 'L'"), "14");
 }

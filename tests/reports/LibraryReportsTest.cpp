@@ -125,9 +125,9 @@ TEST_F(LibraryReports, FinesByWhenTheyArose)
 {
     frmLibraryReport screen;
     click(screen, "optPaidFines");
-    EXPECT_EQ(view(screen), QStringList{"8A: A3|Book 3|12|Botha, Anna|L|2|2026-10-01|2026-11-20|False"});
+    EXPECT_EQ(view(screen), QStringList{"8A: A3|Book 3|12|Botha, Anna|L|2.00|2026-10-01|2026-11-20|False"});
     click(screen, "optOSFines");
-    EXPECT_EQ(view(screen), QStringList{"9B: A2|Book 2|14|Dlamini, Sipho|L|2|2026-10-12"});
+    EXPECT_EQ(view(screen), QStringList{"9B: A2|Book 2|14|Dlamini, Sipho|L|2.00|2026-10-12"});
     // The member filter is the loan's member.
     child<QLineEdit>(screen, "txtMemberID")->setText("L100");
     view(screen);

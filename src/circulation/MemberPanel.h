@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QGroupBox>
+
+#include <memory>
+
+struct MemberSummary;
+
+namespace Ui {
+class MemberPanel;
+}
+
+/// The member in view at the desk and in the loan history: who it is (name, class or kind, photo)
+/// and what they have out, overdue, owe and have reserved. Counts that need attention are drawn
+/// in colour, not only in words.
+class MemberPanel : public QGroupBox {
+    Q_OBJECT
+public:
+    explicit MemberPanel(QWidget *parent = nullptr);
+    ~MemberPanel() override;
+
+    void showMember(const MemberSummary &member);
+    /// A member number that names nobody.
+    void showUnknown(const QString &number);
+    void clearMember();
+
+private:
+    void mark(QWidget *label, bool attention);
+
+    std::unique_ptr<Ui::MemberPanel> ui;
+};
