@@ -13,6 +13,11 @@
 #include "LoanRoutines.h"
 #include "MessageScript.h"
 #include "Recordset.h"
+#include "CatalogueScreens.h"
+#include "MemberScreens.h"
+#include "ReportScreens.h"
+#include "CirculationScreens.h"
+#include "ScreenRegistry.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "SqliteDatabase.h"
@@ -20,6 +25,7 @@
 #include "clsDataObject.h"
 #include "clsTSQL.h"
 
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QApplication>
@@ -30,6 +36,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <random>
 
 namespace {
@@ -230,6 +237,29 @@ void benchStartUp(const QString &workFolder)
     startUp.report("start-up");
 }
 
+// Every screen the main menu opens: constructed, shown and painted once.
+void benchOpeningEveryScreen(const QString &workFolder)
+{
+    std::printf("Opening every registered screen (constructed, shown, first paint events; member lists of the whole school)\n");
+    SettingsStore settings(QDir(workFolder).filePath(QStringLiteral("screens.ini")));
+    ScreenRegistry screens;
+    registerCirculationScreens(screens);
+    registerCatalogueScreens(screens, settings);
+    registerMemberScreens(screens);
+    registerReportScreens(screens);
+    IssueDeskState::desk().LoanType = QStringLiteral("N");
+    for (const QString &name : screens.names()) {
+        Samples open;
+        for (int run = 0; run < 10; ++run)
+            open.time([&] {
+                std::unique_ptr<QDialog> screen(screens.make(name, nullptr));
+                screen->show();
+                QApplication::processEvents();
+            });
+        open.report(qPrintable(name));
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -254,7 +284,8 @@ int main(int argc, char *argv[])
             {"translation", benchTranslation},          {"getdata", benchGetData},   {"fillspread", benchFillSpread},
             {"loans", benchLoanEngine},                 {"circulation", benchCirculationScreens},
             {"references", benchCatalogueScreens},      {"labels", benchLabels},     {"items", benchItemScreens},
-            {"members", benchMembersAndReports},        {"startup", [&work] { benchStartUp(work.path()); }}};
+            {"members", benchMembersAndReports},        {"startup", [&work] { benchStartUp(work.path()); }},
+            {"screens", [&work] { benchOpeningEveryScreen(work.path()); }}};
         // An optional third argument runs only the groups whose names contain it.
         const QString only = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
         for (const auto &[name, run] : groups)

@@ -73,7 +73,11 @@ frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, QWidget *paren
     Form_Load();
 }
 
-frmItemAddModify::~frmItemAddModify() = default;
+frmItemAddModify::~frmItemAddModify()
+{
+    // An editor still open on the sheet commits as the window goes; the sheet behind it is gone by then.
+    ui->griditems->blockSignals(true);
+}
 
 void frmItemAddModify::report(const char *routine, const AppError &error)
 {

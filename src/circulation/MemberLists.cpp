@@ -51,6 +51,7 @@ void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idFiel
         entries->appendRow(entry);
     }
     combo->setModel(entries); // the combo deletes the list it owned
+    combo->setInsertPolicy(QComboBox::NoInsert); // a stray scan is never made into a member
     combo->setCurrentIndex(-1);
 }
 

@@ -53,6 +53,11 @@ frmIssueSystem::frmIssueSystem(QWidget *parent)
         loan.setColWidth(2 * i + 2, 5);
     }
     loan.setColumnMoney(8);
+    // The filters' prompts ("Optional Grade Filter") show whole.
+    for (QComboBox *filter : {ui->cboGrade, ui->cboClass}) {
+        filter->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        filter->setMinimumContentsLength(24);
+    }
     // One row of rules under its captions, at any font size.
     QTableView *rules = loan.view();
     loan.setFixedHeight(rules->horizontalHeader()->sizeHint().height() + rules->verticalHeader()->defaultSectionSize()

@@ -71,7 +71,10 @@ frmSystemSettings::frmSystemSettings(QWidget *parent) : QDialog(parent), ui(std:
     connect(ui->gridsettings, &SpreadGrid::cellEdited, this, [this] { unsaved_ = true; });
 }
 
-frmSystemSettings::~frmSystemSettings() = default;
+frmSystemSettings::~frmSystemSettings()
+{
+    ui->gridsettings->blockSignals(true); // an editor still open commits as the window goes
+}
 
 void frmSystemSettings::layOutGrid()
 {

@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -283,6 +284,8 @@ void SpreadGrid::setCellUtf8(int col, int row, std::string_view text)
 void SpreadGrid::setSheetEditing()
 {
     static_cast<GridView *>(view_)->sheet = true;
+    view_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    fitSheet();
     view_->setSelectionBehavior(QAbstractItemView::SelectItems);
     view_->setEditTriggers(QAbstractItemView::CurrentChanged | QAbstractItemView::SelectedClicked | QAbstractItemView::DoubleClicked
                            | QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
@@ -363,6 +366,17 @@ void SpreadGrid::applyWidth(int col)
     if (filling_ || col < 1)
         return; // column 0 holds keys; the row header shows row numbers at its own width
     view_->setColumnWidth(col - 1, shownWidth(col));
+    if (static_cast<GridView *>(view_)->sheet)
+        fitSheet();
+}
+
+void SpreadGrid::fitSheet()
+{
+    // A sheet is a form: all of its columns in view, never behind a horizontal scroll bar.
+    int width = 2 * view_->frameWidth() + view_->verticalHeader()->sizeHint().width() + view_->verticalScrollBar()->sizeHint().width();
+    for (int c = 0; c < maxCols(); ++c)
+        width += view_->columnWidth(c);
+    setMinimumWidth(width);
 }
 
 double SpreadGrid::textWidthUtf8(std::string_view text) const

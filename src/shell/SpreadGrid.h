@@ -127,6 +127,7 @@ private:
     PageLayout pageLayout(const QRectF &area, QPaintDevice *device) const;
     void applyWidth(int col);
     void measureFont();
+    void fitSheet();
     /// Widest value of a column (screen pixels) and the row holding it; measured after a fill
     /// and grown as single cells change.
     void measureColumn(int col);

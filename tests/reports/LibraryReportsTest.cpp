@@ -126,6 +126,8 @@ TEST_F(LibraryReports, FinesByWhenTheyArose)
     frmLibraryReport screen;
     click(screen, "optPaidFines");
     EXPECT_EQ(view(screen), QStringList{"8A: A3|Book 3|12|Botha, Anna|L|2.00|2026-10-01|2026-11-20|False"});
+    EXPECT_EQ(screen.lastReport().summaryLines(),
+              (QStringList{"Class: 8A", "Learners' items in 8A: 1", "Total fines in 8A: 2.00", "Total fines: 2.00"}));
     click(screen, "optOSFines");
     EXPECT_EQ(view(screen), QStringList{"9B: A2|Book 2|14|Dlamini, Sipho|L|2.00|2026-10-12"});
     // The member filter is the loan's member.
@@ -232,4 +234,36 @@ TEST_F(LibraryReports, TypedQuotesAreValuesNotStatements)
     child<QLineEdit>(screen, "txtAccessionNo")->setText("x' OR '1'='1");
     EXPECT_TRUE(view(screen).isEmpty());
     EXPECT_TRUE(messages_->shown().empty());
+}
+
+TEST_F(LibraryReports, ClassesComeInCountingOrderAndEachClassIsTotalled)
+{
+    // Classes 10A and 1B besides 8A and 9B: 1B first, 10A last, never 10A before 1B.
+    central("Insert into SchoolGrades(ID, Name, schoolgrade) values (1, 'Grade 1', 'Yes')");
+    central("Insert into SchoolGrades(ID, Name, schoolgrade) values (10, 'Grade 10', 'Yes')");
+    central("Insert into Classes(ClassID, ClassName, Grade) values (4, '10A', 10)");
+    central("Insert into Classes(ClassID, ClassName, Grade) values (5, '1B', 1)");
+    central("Insert into Learner_Info(ID, AccessionNo, SName, FName, Grade, Class, Status) values (15, 'L103', 'Cele', 'Zola', 10, 4, 'C')");
+    central("Insert into Learner_Info(ID, AccessionNo, SName, FName, Grade, Class, Status) values (16, 'L104', 'Adams', 'Lee', 1, 5, 'C')");
+    library("Insert into tblLibItems(AccessionID, Title, ShelfNumber) values ('A7', 'Book 7', 'F7')");
+    library("Insert into tblLibItems(AccessionID, Title, ShelfNumber) values ('A8', 'Book 8', 'F8')");
+    loan("A7", 7, "L", 15, "2026-09-01", true);
+    loan("A8", 8, "L", 16, "2026-09-01", true);
+    fine(7, 15, "2026-10-01", "", 0, false); // each fine is 2.00, unpaid
+    fine(8, 16, "2026-10-02", "", 0, false);
+    frmLibraryReport screen;
+    QComboBox *classes = child<QComboBox>(screen, "cboClass");
+    QStringList names;
+    for (int i = 0; i < classes->count(); ++i)
+        names << classes->itemText(i);
+    EXPECT_EQ(names, (QStringList{"1B", "8A", "9B", "9C", "10A"}));
+    click(screen, "optOSFines");
+    const QStringList rows = view(screen);
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_TRUE(rows[0].startsWith("1B: ")) << rows.join('/').toStdString();
+    EXPECT_TRUE(rows[2].startsWith("10A: ")) << rows.join('/').toStdString();
+    const QStringList summary = screen.lastReport().summaryLines();
+    EXPECT_TRUE(summary.contains("Total fines in 1B: 2.00"));
+    EXPECT_TRUE(summary.contains("Total fines in 10A: 2.00"));
+    EXPECT_EQ(summary.last(), "Total fines: 6.00");
 }

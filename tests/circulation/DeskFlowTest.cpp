@@ -1,0 +1,132 @@
+// The desk as a busy counter works it from the keyboard: member first, then books, the member in
+// view, one status line per transaction, and no key that throws the day's work away.
+#include "SchoolDeskFixture.h"
+
+#include "FrmuserloanHistory.h"
+#include "frmIssueSystem.h"
+
+#include <QApplication>
+#include <QLabel>
+
+namespace {
+
+class DeskFlow : public SchoolDesk {
+protected:
+    std::unique_ptr<frmIssueSystem> open()
+    {
+        IssueDeskState::desk().LoanType = QStringLiteral("N");
+        auto desk = std::make_unique<frmIssueSystem>();
+        desk->show();
+        QApplication::setActiveWindow(desk.get());
+        return desk;
+    }
+    static QString label(QWidget &screen, const char *name) { return child<QLabel>(screen, name)->text(); }
+    static bool attention(QWidget &screen, const char *name) { return child<QLabel>(screen, name)->property("attention").toBool(); }
+};
+
+} // namespace
+
+TEST_F(DeskFlow, MemberFirstThenBooksWithTheMemberInView)
+{
+    lend("A2", 2, "L", 12, QDate(2026, 11, 20)); // overdue since three days
+    library("Insert into tblLibTransactionFines(TransactionID, MemberID, MemberType, FineAmount, DateFined, PaymentAmount, FineCancelled) "
+            "values (1, 12, 'L', 1.5, #2026-11-01#, 0, false)");
+    library("Insert into tblLibReserves(MemberType, MemberID, ItemID, ReserveDate) values ('L', 12, 4, #2026-11-01#)");
+    auto desk = open();
+    QLineEdit *member = child<QLineEdit>(*desk, "txtmemberID");
+    QLineEdit *book = child<QLineEdit>(*desk, "txtLoanAccession");
+    EXPECT_EQ(desk->focusWidget(), member);
+    QTest::keyClick(member, Qt::Key_Tab);
+    EXPECT_EQ(desk->focusWidget(), book);
+    QTest::keyClick(book, Qt::Key_Tab);
+    EXPECT_EQ(desk->focusWidget(), child<QWidget>(*desk, "cmdLoanProcess"));
+
+    scan(*desk, "txtmemberID", "L100");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
+    EXPECT_EQ(desk->focusWidget(), book);
+    EXPECT_EQ(label(*desk, "lblMemberName"), "Botha, Anna");
+    EXPECT_EQ(label(*desk, "lblMemberStanding"), "Grade Grade 8, class 8A");
+    EXPECT_EQ(label(*desk, "lblItemsOut"), "Items out: 1");
+    EXPECT_EQ(label(*desk, "lblOverdue"), "Overdue: 1");
+    EXPECT_TRUE(attention(*desk, "lblOverdue"));
+    EXPECT_EQ(label(*desk, "lblFines"), "Open fines: 1 (1.50)");
+    EXPECT_EQ(label(*desk, "lblReservations"), "Reservations: 1, 1 ready to collect"); // A4 is on the shelf
+    EXPECT_TRUE(attention(*desk, "lblReservations"));
+
+    scan(*desk, "txtLoanAccession", "A1");
+    EXPECT_EQ(label(*desk, "lblStatus"), "Issued A1 Book 1 to Botha, Anna 8A, due 2026-12-07");
+    EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "done");
+    EXPECT_EQ(label(*desk, "lblItemsOut"), "Items out: 2"); // the panel follows every transaction
+
+    // A return with a fine is named and coloured.
+    Clock::setFixed(QDateTime(QDate(2026, 12, 15), QTime(9, 0)));
+    child<QDateEdit>(*desk, "dtreturnDate")->setDate(QDate(2026, 12, 15));
+    scan(*desk, "txtAccessionReturn", "A1");
+    EXPECT_EQ(label(*desk, "lblStatus"), "Returned A1 Book 1 from Botha, Anna 8A - fine 1.00");
+    EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "attention");
+    EXPECT_EQ(label(*desk, "lblFines"), "Open fines: 2 (2.50)");
+
+    // An unknown number says so in the panel, without a box, and the scan goes on to the book box.
+    messages_->clear();
+    scan(*desk, "txtmemberID", "X999");
+    EXPECT_TRUE(messages_->shown().empty());
+    EXPECT_EQ(label(*desk, "lblMemberName"), "No member with number X999");
+    EXPECT_EQ(desk->focusWidget(), book);
+}
+
+TEST_F(DeskFlow, AReturnKeptForAnotherMemberCannotBeMissed)
+{
+    lend("A1", 1, "L", 12, QDate(2026, 11, 30));
+    library("Insert into tblLibReserves(MemberType, MemberID, ItemID, ReserveDate) values ('E', 21, 1, #2026-11-01#)");
+    auto desk = open();
+    scan(*desk, "txtAccessionReturn", "A1");
+    EXPECT_EQ(messages_->prompts(), QStringList{"This item has been reserved for Ravi Naidoo and must be kept aside."});
+    EXPECT_EQ(label(*desk, "lblStatus"), "Returned A1 Book 1 from Botha, Anna 8A - keep aside: reserved for Ravi Naidoo");
+    EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "attention");
+}
+
+TEST_F(DeskFlow, NeitherAStrayScanNorEscapeThrowsWorkAway)
+{
+    auto desk = open();
+    choose(*desk, "cboMember", "Botha Anna L100 8A");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtmemberID")->text(), "L100");
+    EXPECT_EQ(label(*desk, "lblMemberName"), "Botha, Anna");
+    scan(*desk, "txtLoanAccession", "A1");
+    ASSERT_EQ(rows(*desk, "gridtransactions").size(), 1);
+
+    // A book scanned into the member list by mistake.
+    QComboBox *members = child<QComboBox>(*desk, "cboMember");
+    members->setFocus();
+    members->lineEdit()->clear();
+    QTest::keyClicks(members->lineEdit(), "A2");
+    QTest::keyClick(members->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(members->currentText(), "Botha Anna L100 8A");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtmemberID")->text(), "L100");
+
+    // Escape in a box clears only that box; anywhere else it does nothing; the desk stays open.
+    QLineEdit *book = child<QLineEdit>(*desk, "txtLoanAccession");
+    book->setFocus();
+    book->setText("A3");
+    QTest::keyClick(book, Qt::Key_Escape);
+    EXPECT_EQ(book->text(), "");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtmemberID")->text(), "L100");
+    child<QWidget>(*desk, "cmdPrint")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_TRUE(desk->isVisible());
+    EXPECT_EQ(rows(*desk, "gridtransactions").size(), 1);
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
+}
+
+TEST_F(DeskFlow, TheLoanHistoryShowsItsMemberAndFollowsItsTransactions)
+{
+    lend("A2", 2, "L", 12, QDate(2026, 11, 30));
+    FrmuserloanHistory history;
+    history.setMember(QStringLiteral("L"), 12, QStringLiteral("Botha, Anna"));
+    EXPECT_EQ(label(history, "lblMemberName"), "Botha, Anna");
+    EXPECT_EQ(label(history, "lblItemsOut"), "Items out: 1");
+    EXPECT_EQ(label(history, "lblOverdue"), "Overdue: 0");
+    EXPECT_FALSE(attention(history, "lblOverdue"));
+    type(history, "txtAccNo", "A1");
+    click(history, "cmdissue");
+    EXPECT_EQ(label(history, "lblItemsOut"), "Items out: 2");
+}
