@@ -112,6 +112,7 @@ void ItemSheet::layOut()
     grid_.setColumnLocked(2, false);
     grid_.setColumnLocked(5, false);
     grid_.setSheetEditing();
+    grid_.spanToEnd(1, 12); // the note on multiple copies
     for (auto [col, row] : {std::pair{2, 1}, {5, 1}, {2, 12}, {5, 7}, {5, 12}})
         grid_.setCellLocked(col, row, true);
     for (auto [col, row] : {std::pair{2, CategoryRow}, {2, SubCategoryRow}, {2, 4}, {2, 5}, {2, 6}, {2, SeriesRow}, {5, 3}, {5, 5}})

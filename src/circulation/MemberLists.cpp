@@ -50,6 +50,9 @@ void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idFiel
         entry->setData(rs->field(name).toInt(), Qt::UserRole);
         entries->appendRow(entry);
     }
+    // Sized by a typical entry, not by measuring thousands of names each time the form is laid out.
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(30);
     combo->setModel(entries); // the combo deletes the list it owned
     combo->setInsertPolicy(QComboBox::NoInsert); // a stray scan is never made into a member
     combo->setCurrentIndex(-1);

@@ -136,7 +136,7 @@ void frmSystemSettings::GetSettings()
                 continue;
             g.setCellText(2, row, rs.field(QStringLiteral("loanperiod")).toString());
             g.setCellText(3, row, rs.field(QStringLiteral("maxitems")).toString());
-            g.setCellText(4, row, rs.field(QStringLiteral("fineamount")).toString());
+            g.setCellText(4, row, rs.field(QStringLiteral("fineamount")).toMoney().toDisplayText());
             g.setCellText(5, row, rs.field(QStringLiteral("fineinterval")).toString());
             if (row == NormalLearnersRow || row == NormalLearnersRow + 1)
                 g.setCellText(6, row, rs.field(QStringLiteral("extdays")).toString());

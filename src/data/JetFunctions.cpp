@@ -33,11 +33,13 @@ QDateTime argDate(sqlite3_value *v, bool *ok)
     if (sqlite3_value_type(v) != SQLITE_TEXT)
         return QDateTime();
     const QString s = argText(v).trimmed();
-    QDateTime dt;
-    if (s.size() <= 10)
-        dt = QDateTime(QDate::fromString(s, Qt::ISODate), QTime(0, 0));
-    else
-        dt = QDateTime::fromString(s, QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    // Stored dates are wall-clock values without a zone: read them as UTC, which has no daylight
+    // saving to skip or repeat and needs no time-zone look-up per row.
+    const QDate date = QDate::fromString(s.left(10), Qt::ISODate);
+    QTime time(0, 0);
+    if (s.size() > 10)
+        time = s.size() == 19 && s[10] == QLatin1Char(' ') ? QTime::fromString(s.mid(11), QStringLiteral("HH:mm:ss")) : QTime();
+    const QDateTime dt = date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
     *ok = dt.isValid();
     return dt;
 }

@@ -15,6 +15,7 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -184,6 +185,8 @@ void SpreadGrid::changeEvent(QEvent *event)
 
 double SpreadGrid::cellTextWidth(int col, int row) const
 {
+    if (!spans_.empty() && std::find(spans_.begin(), spans_.end(), std::pair{col, row}) != spans_.end())
+        return 0; // laid across the columns to its right
     if (model_->columnMoney(col)) {
         const QByteArray shown = model_->shownText(col, row).toUtf8();
         return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_;
@@ -289,6 +292,14 @@ void SpreadGrid::setSheetEditing()
     view_->setSelectionBehavior(QAbstractItemView::SelectItems);
     view_->setEditTriggers(QAbstractItemView::CurrentChanged | QAbstractItemView::SelectedClicked | QAbstractItemView::DoubleClicked
                            | QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+}
+
+void SpreadGrid::spanToEnd(int col, int row)
+{
+    spans_.emplace_back(col, row);
+    view_->setSpan(row - 1, col - 1, 1, maxCols() - col + 1);
+    measureColumn(col);
+    applyWidth(col);
 }
 
 void SpreadGrid::setWrapText()
@@ -517,7 +528,12 @@ void SpreadGrid::printPage(QPainter &painter, const QRectF &area, int page) cons
     auto drawRow = [&](double y, int row, bool caption) {
         double x = 0;
         for (int c = 1; c <= maxCols(); ++c) {
-            const QRectF cell(x, y, layout.widths[size_t(c - 1)], layout.rowHeight);
+            double width = layout.widths[size_t(c - 1)];
+            const bool spans = !caption && std::find(spans_.begin(), spans_.end(), std::pair{c, row}) != spans_.end();
+            if (spans) // a note across the rest of the row, as on screen
+                for (int k = c + 1; k <= maxCols(); ++k)
+                    width += layout.widths[size_t(k - 1)];
+            const QRectF cell(x, y, width, layout.rowHeight);
             if (caption)
                 painter.fillRect(cell, QColor(230, 230, 230));
             painter.setPen(gridPen);
@@ -538,6 +554,8 @@ void SpreadGrid::printPage(QPainter &painter, const QRectF &area, int page) cons
                 painter.drawText(inner, Qt::AlignVCenter | align, text);
             }
             x += cell.width();
+            if (spans)
+                break;
         }
     };
     QFont bold = painter.font();

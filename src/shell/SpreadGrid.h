@@ -92,6 +92,10 @@ public:
     /// a column is then never narrower than its longest word.
     void setWrapText();
 
+    /// A note that runs across columns of a sheet (from col to the last column): it is shown whole
+    /// without widening the column it starts in.
+    void spanToEnd(int col, int row);
+
     /// The width a column is shown at, in pixels: its set width, but never narrower than its
     /// caption or its widest value.
     int shownWidth(int col) const;
@@ -142,6 +146,7 @@ private:
         int row = 0;
     };
     std::vector<Widest> widest_; // index = grid column
+    std::vector<std::pair<int, int>> spans_; // (col, row) of cells drawn across to the last column
     std::array<double, 128> advance_{};
     double charWidth_ = 7;
     int activeCol_ = 0;

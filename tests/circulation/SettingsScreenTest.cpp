@@ -38,9 +38,9 @@ TEST_F(SettingsScreen, LaysOutTheGridAndLoadsEveryRule)
     EXPECT_EQ(cell(screen, 3, 13), "Maximum items on long loan");
     EXPECT_EQ(cell(screen, 1, 15), "Staff");
     EXPECT_EQ(cell(screen, 1, 21), "Maximum number of reservations per user");
-    EXPECT_EQ(values(screen, 10), (QStringList{"14", "2", "0.5", "7", "7"}));
+    EXPECT_EQ(values(screen, 10), (QStringList{"14", "2", "0.50", "7", "7"}));
     EXPECT_EQ(values(screen, 11), (QStringList{"21", "5", "1.25", "1", "7"}));
-    EXPECT_EQ(values(screen, 14), (QStringList{"30", "3", "1", "7", ""}));
+    EXPECT_EQ(values(screen, 14), (QStringList{"30", "3", "1.00", "7", ""}));
     EXPECT_EQ(values(screen, 6), (QStringList{"", "", "", "", ""}));
     EXPECT_EQ(cell(screen, 4, 19) + cell(screen, 4, 20) + cell(screen, 4, 21), "212");
 }
@@ -51,7 +51,7 @@ TEST_F(SettingsScreen, AnEducatorRowLandsOnTheRowReadBeforeIt)
     library("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)VALUES('N','L',14,0.5,7,2,7,2,1,2)");
     library("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)VALUES('N','E',99,9,9,9,9,3,4,5)");
     frmSystemSettings screen;
-    EXPECT_EQ(values(screen, 10), (QStringList{"99", "9", "9", "9", "9"}));
+    EXPECT_EQ(values(screen, 10), (QStringList{"99", "9", "9.00", "9", "9"}));
     EXPECT_EQ(values(screen, 11), (QStringList{"", "", "", "", ""}));
     EXPECT_EQ(cell(screen, 4, 19) + cell(screen, 4, 20) + cell(screen, 4, 21), "345");
 }
@@ -78,8 +78,8 @@ TEST_F(SettingsScreen, SavingRewritesTheTableNineRowsWhenEveryPeriodIsFilled)
 
     // A round trip: a fresh screen shows what was saved.
     frmSystemSettings again;
-    EXPECT_EQ(values(again, 6), (QStringList{"3", "1", "2", "1", ""}));
-    EXPECT_EQ(values(again, 7), (QStringList{"3", "1", "2", "1", ""}));
+    EXPECT_EQ(values(again, 6), (QStringList{"3", "1", "2.00", "1", ""}));
+    EXPECT_EQ(values(again, 7), (QStringList{"3", "1", "2.00", "1", ""}));
     EXPECT_EQ(values(again, 11), (QStringList{"21", "5", "1.25", "1", "7"}));
     EXPECT_EQ(cell(again, 4, 19), "4");
 }
