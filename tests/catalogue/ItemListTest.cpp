@@ -7,6 +7,7 @@
 #include "UpdateDatabase.h"
 #include "frmItemList.h"
 
+#include <QTest>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialog>
@@ -205,4 +206,14 @@ TEST_F(ItemList, TheLoanTypeIsAPickListAndTypedQuotesStayValues)
     type(screen, "txtTitle", "%' or i.PhasedOut=true or i.Title like '");
     click(screen, "cmdSearch");
     EXPECT_FALSE(titles(screen).contains("Gone"));
+}
+
+TEST_F(ItemList, EnterInACriterionBoxSearches)
+{
+    frmItemList screen(screens_);
+    QLineEdit *title = child<QLineEdit>(screen, "txtTitle");
+    title->setText("r");
+    QTest::keyClick(title, Qt::Key_Return);
+    EXPECT_EQ(titles(screen), (QStringList{"Orphan"}));
+    EXPECT_TRUE(messages_->shown().empty());
 }

@@ -7,6 +7,7 @@
 #include "TestDatabases.h"
 #include "frmLabelList.h"
 
+#include <QTest>
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
@@ -145,4 +146,18 @@ TEST_F(LabelList, PrintingNeedsTickedItemsAndAKnownStock)
     EXPECT_FALSE(QFile::exists(path("app/libdata1.txt")));
     EXPECT_TRUE(pdfText(path("labels.pdf")).contains("A1"));
     EXPECT_EQ(settings_->value(frmLabelList::LabelStockKey), "Avery L7160");
+}
+
+TEST_F(LabelList, EnterSearchesAndEscapeKeepsTheTicks)
+{
+    frmLabelList screen(*settings_);
+    screen.show();
+    QLineEdit *title = child<QLineEdit>(screen, "txtTitle");
+    title->setText("Dune");
+    QTest::keyClick(title, Qt::Key_Return);
+    ASSERT_EQ(grid(screen), QStringList{"A1|F HER|813|Herbert, Frank; Brink, Andre|Dune|978-1|0"});
+    tick(screen, 1);
+    QTest::keyClick(&screen, Qt::Key_Escape);
+    EXPECT_TRUE(screen.isVisible());
+    EXPECT_EQ(grid(screen), QStringList{"A1|F HER|813|Herbert, Frank; Brink, Andre|Dune|978-1|1"});
 }

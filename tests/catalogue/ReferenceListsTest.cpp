@@ -9,6 +9,7 @@
 #include "UpdateDatabase.h"
 #include "frmReferenceList.h"
 
+#include <QTest>
 #include <QAbstractButton>
 #include <QLineEdit>
 
@@ -223,4 +224,19 @@ TEST_F(ReferenceLists, EveryListOpensFromTheMenuRegistryAndPrints)
     const QString text = pdfText(path("publishers.pdf"));
     EXPECT_TRUE(text.contains("Hillview High - Publishers")) << text.toStdString();
     EXPECT_TRUE(text.contains("Tafelberg"));
+}
+
+TEST_F(ReferenceLists, EnterInAnEntryBoxAddsOrSavesTheChosenEntry)
+{
+    frmSeries screen;
+    QLineEdit *series = child<QLineEdit>(screen, "txtSeries");
+    series->setText("Jong Lesers");
+    QTest::keyClick(series, Qt::Key_Return);
+    EXPECT_EQ(messages_->prompts(), QStringList{"Saved Successfully."});
+    click(screen, "cmdAll");
+    select(screen, "Jong Lesers");
+    series->setText("Jong Lesers II");
+    QTest::keyClick(series, Qt::Key_Return);
+    click(screen, "cmdAll");
+    EXPECT_EQ(libraryRows("select Series from tblLibSeries where PhasedOut = false"), QStringList{"Jong Lesers II"});
 }
