@@ -6,7 +6,6 @@
 #include "Clock.h"
 #include "DbConnection.h"
 #include "FrmuserloanHistory.h"
-#include "IssueDeskState.h"
 #include "LoanRules.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
@@ -103,7 +102,6 @@ void benchDesk()
                                                            "and Restricted = false and LoanType = 'N' and not exists (select * from tblLibTransactions t "
                                                            "where t.ItemID = i.ItemID and t.Returned = false) and not exists (select * from tblLibReserves r "
                                                            "where r.ItemID = i.ItemID) order by ItemID"));
-    IssueDeskState::desk().LoanType = QStringLiteral("N");
     frmIssueSystem desk;
     desk.show();
     QApplication::processEvents();
@@ -201,7 +199,6 @@ void benchCirculationScreens()
     benchDesk();
     benchLoanHistory();
     std::printf("Opening each circulation screen (constructed, shown, first paint events)\n");
-    IssueDeskState::desk().LoanType = QStringLiteral("N");
     timeOpening<frmIssueSystem>("frmIssueSystem");
     timeOpening<frmSystemSettings>("frmSystemSettings");
     timeOpening<frmReserves>("frmReserves");

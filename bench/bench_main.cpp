@@ -9,7 +9,6 @@
 #include "Clock.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
-#include "IssueDeskState.h"
 #include "LoanRoutines.h"
 #include "MessageScript.h"
 #include "Recordset.h"
@@ -141,15 +140,13 @@ void benchLoanEngine()
     library.DataSource = LibraryDatabasePath;
     library.Open();
     auto items = library.Execute(QStringLiteral("select top 400 AccessionID from tblLibItems where PhasedOut = false order by ItemID desc"));
-    IssueDeskState &desk = IssueDeskState::desk();
     std::mt19937 rng(7);
     for (; !items->atEnd(); items->MoveNext()) {
         const QString accession = items->field(0).toString();
         const QString admission = admissions[rng() % admissions.size()];
         checks.time([&] {
             const int member = GetMemberByIDNo(admission, QStringLiteral("L")).toInt();
-            if (MemberCanBorrow(member, QStringLiteral("L"), 2) && GetItemByAccession(accession, &desk) && ItemAvailable(accession))
-                GetNextReservation(desk.ItemID, member, QStringLiteral("L"), &desk);
+            CheckIssue(member, QStringLiteral("L"), 2, accession);
         });
     }
     returns.report("return of an overdue loan");
@@ -247,7 +244,6 @@ void benchOpeningEveryScreen(const QString &workFolder)
     registerCatalogueScreens(screens, settings);
     registerMemberScreens(screens);
     registerReportScreens(screens);
-    IssueDeskState::desk().LoanType = QStringLiteral("N");
     for (const QString &name : screens.names()) {
         Samples open;
         for (int run = 0; run < 10; ++run)

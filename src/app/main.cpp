@@ -9,6 +9,7 @@
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
 #include "frmMainMenu.h"
+#include "modExtendedMsgBox.h"
 
 #include <QApplication>
 #include <QGuiApplication>
@@ -97,6 +98,8 @@ int main(int argc, char *argv[])
     }
 
     QApplication app(argc, argv);
+    MessageBoxes boxes;
+    InstallMessageReporter(&boxes);
     nameApplication();
     QCommandLineParser parser;
     Options options;

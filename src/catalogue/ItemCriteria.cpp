@@ -1,3 +1,4 @@
+#include "mCombo.h"
 #include "ItemCriteria.h"
 
 #include "SqlText.h"
@@ -59,7 +60,7 @@ QString ItemListOrder::clause() const
 
 void FillItemCategories(clsDataObject &data, QComboBox *categories)
 {
-    data.Fillcombo(categories, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
+    Fillcombo(data, categories, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false order by Category"), 0, 1);
     data.CloseCompact();
     categories->setCurrentIndex(-1);
 }
@@ -67,7 +68,7 @@ void FillItemCategories(clsDataObject &data, QComboBox *categories)
 void FillItemSubCategories(clsDataObject &data, const QComboBox *categories, QComboBox *subCategories)
 {
     subCategories->clear();
-    data.Fillcombo(subCategories, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
+    Fillcombo(data, subCategories, QStringLiteral("select subcategoryId, subcategory from tbllibsubcategories where categoryId = ")
                                       + QString::number(categories->currentData().toInt()) + QStringLiteral(" order by subcategory"),
                    0, 1);
     data.CloseCompact();

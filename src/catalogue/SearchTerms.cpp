@@ -1,3 +1,4 @@
+#include "mCombo.h"
 #include "SearchTerms.h"
 
 #include "SpreadGrid.h"
@@ -28,7 +29,7 @@ void FillSubjectCombo(clsDataObject &data, QComboBox *combo, const QString &star
 void FillKeywordCombo(clsDataObject &data, QComboBox *combo, const QString &startText)
 {
     combo->clear();
-    data.Fillcombo(combo, clsTSQL().spKeywordList(Safesql(startText)), 0, 1);
+    Fillcombo(data, combo, clsTSQL().spKeywordList(Safesql(startText)), 0, 1);
     combo->setCurrentIndex(-1);
 }
 

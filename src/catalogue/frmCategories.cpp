@@ -1,3 +1,4 @@
+#include "mCombo.h"
 #include "frmCategories.h"
 #include "ui_frmCategories.h"
 
@@ -74,7 +75,7 @@ void frmCategories::LoadTree()
     try {
         fillTree(QStringLiteral("Select * from tblLibCategories where phasedout = false Order By Category"),
                  QStringLiteral("Select * from tblLibSubCategories where PhasedOut = false order by CategoryID, SubCategory"));
-        data_.Fillcombo(ui->cboCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false"), 0, 1);
+        Fillcombo(data_, ui->cboCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false"), 0, 1);
         data_.CloseCompact();
         ui->cboCategory->setCurrentIndex(-1);
     } catch (const AppError &e) {

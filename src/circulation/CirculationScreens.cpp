@@ -9,7 +9,9 @@
 
 void registerCirculationScreens(ScreenRegistry &screens)
 {
-    screens.add(QStringLiteral("frmIssueSystem"), [](QWidget *parent) { return new frmIssueSystem(parent); });
+    screens.addWithOptions(QStringLiteral("frmIssueSystem"), [](QWidget *parent, const ScreenOptions &options) {
+        return new frmIssueSystem(parent, options.holidayPeriod ? QStringLiteral("L") : QStringLiteral("N"));
+    });
     screens.add(QStringLiteral("frmSystemSettings"), [](QWidget *parent) { return new frmSystemSettings(parent); });
     screens.add(QStringLiteral("frmReserves"), [](QWidget *parent) { return new frmReserves(parent); });
     screens.add(QStringLiteral("frmReservedItems"), [](QWidget *parent) { return new frmReservedItems(parent); });

@@ -16,6 +16,20 @@
 namespace {
 const QString Location = QStringLiteral("FrmUserLoanHistory");
 constexpr int AccessionColumn = 4;
+
+// This screen's words for each refusal of the issue check (they differ from the desk's).
+QString historyRefusal(const IssueCheck &check)
+{
+    switch (check.refusal) {
+    case IssueRefusal::UnknownMember: return QStringLiteral("This member number does not exist");
+    case IssueRefusal::LoanLimit: return QStringLiteral("This member already has the maximum number of items on loan");
+    case IssueRefusal::UnknownItem: return QStringLiteral("This accession number does not exist");
+    case IssueRefusal::OnLoan: return QStringLiteral("This accession number is still out on loan and must be returned before it can be issued again");
+    case IssueRefusal::ReservedForAnother: return QStringLiteral("This item has been reserved for ") + check.reservedFor + QStringLiteral(" and cannot be issued.");
+    case IssueRefusal::None: break;
+    }
+    return QString();
+}
 } // namespace
 
 FrmuserloanHistory::FrmuserloanHistory(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::FrmuserloanHistory>())
@@ -107,7 +121,7 @@ bool FrmuserloanHistory::GetLoanDefaults(const QString &accession)
 
 bool FrmuserloanHistory::readyForLoanAction(const QString &accession, const QString &action)
 {
-    if (!GetItemByAccession(accession, this)) {
+    if (!GetItemByAccession(accession, &ItemID)) {
         UserMessage(QStringLiteral("This accession number does not exist"));
         return false;
     }
@@ -137,21 +151,10 @@ void FrmuserloanHistory::cmdissue_Click()
             return;
         }
         const QDate due = Clock::today().addDays(rules_.LoanPeriod);
-        const char *refusal = nullptr;
-        if (!MemberExists(memberID_, memberType_))
-            refusal = "This member number does not exist";
-        else if (!MemberCanBorrow(memberID_, memberType_, maxItems_))
-            refusal = "This member already has the maximum number of items on loan";
-        else if (!GetItemByAccession(accession, this))
-            refusal = "This accession number does not exist";
-        else if (!ItemAvailable(accession))
-            refusal = "This accession number is still out on loan and must be returned before it can be issued again";
-        if (refusal) {
-            UserMessage(QString::fromLatin1(refusal));
-            return;
-        }
-        if (GetNextReservation(ItemID, memberID_, memberType_, this)) {
-            UserMessage(QStringLiteral("This item has been reserved for ") + ReserveMember + QStringLiteral(" and cannot be issued."));
+        const IssueCheck check = CheckIssue(memberID_, memberType_, maxItems_, accession);
+        ItemID = check.itemID;
+        if (check.refusal != IssueRefusal::None) {
+            UserMessage(historyRefusal(check));
             return;
         }
         RecordIssue(data_, accession, memberType_, memberID_, ItemID, due, QStringLiteral("select transactionid from tblLibTransactions where memberid =  "));
@@ -186,8 +189,9 @@ void FrmuserloanHistory::cmdReturn_Click()
         if (!ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), 0, QStringLiteral("return"), QDate(), rules_.FineAmount, rules_.FineInterval))
             return;
         // The reservation is looked at once the loan is closed.
-        if (GetNextReservation(ItemID, memberID_, memberType_, this))
-            UserMessage(QStringLiteral("This item has been reserved for ") + ReserveMember + QStringLiteral(" and must be kept aside."));
+        QString reservedFor;
+        if (GetNextReservation(ItemID, memberID_, memberType_, &reservedFor))
+            UserMessage(QStringLiteral("This item has been reserved for ") + reservedFor + QStringLiteral(" and must be kept aside."));
         actionDone(QStringLiteral("Your item has been returned"));
     } catch (const AppError &e) {
         ReportError(Location, QStringLiteral("Return Item Routine"), e);

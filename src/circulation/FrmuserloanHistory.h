@@ -15,8 +15,6 @@ class FrmuserloanHistory;
 /// renewal and return for that member without going to the desk.
 class FrmuserloanHistory : public QDialog {
     Q_OBJECT
-    Q_PROPERTY(int ItemID MEMBER ItemID)
-    Q_PROPERTY(QString ReserveMember MEMBER ReserveMember)
 public:
     explicit FrmuserloanHistory(QWidget *parent = nullptr);
     ~FrmuserloanHistory() override;
@@ -25,8 +23,8 @@ public:
     /// Shows the current loans.
     void setMember(const QString &memberType, int memberID, const QString &displayName);
 
+    /// The copy of the last transaction (its internal number).
     int ItemID = 0;
-    QString ReserveMember;
 
 public Q_SLOTS:
     void LoadLoanHistory(const QString &mode);

@@ -4,7 +4,6 @@
 #include "AppError.h"
 #include "Clock.h"
 #include "DbConnection.h"
-#include "IssueDeskState.h"
 #include "LoanRoutines.h"
 #include "MemberLists.h"
 #include "MemberSummary.h"
@@ -35,8 +34,8 @@ const QString All = QStringLiteral("All");
 
 } // namespace
 
-frmIssueSystem::frmIssueSystem(QWidget *parent)
-    : QDialog(parent), ui(std::make_unique<Ui::frmIssueSystem>()), rules_(IssueDeskState::desk().LoanType)
+frmIssueSystem::frmIssueSystem(QWidget *parent, const QString &loanType)
+    : QDialog(parent), ui(std::make_unique<Ui::frmIssueSystem>()), rules_(loanType)
 {
     ui->setupUi(this);
     GuardTypedFields(this);
@@ -294,7 +293,6 @@ bool frmIssueSystem::LoadLoanDefaults(const QString &accession, const QString &c
 {
     try {
         rules_.load(data_, accession, category);
-        IssueDeskState::desk().LoanType = rules_.LoanType;
         for (int i = 0; i < 6; ++i)
             ui->gridloan->setCellText(2 * i + 2, 1, rules_.shown.value(i));
         return true;
@@ -311,9 +309,26 @@ void frmIssueSystem::readyForScan(QLineEdit *box)
     box->selectAll();
 }
 
+namespace {
+
+// The desk's words for each refusal of the issue check.
+QString deskRefusal(const IssueCheck &check)
+{
+    switch (check.refusal) {
+    case IssueRefusal::UnknownMember: return QStringLiteral("This member ID does not exist");
+    case IssueRefusal::LoanLimit: return QStringLiteral("This member already has the maximum number of items on loan");
+    case IssueRefusal::UnknownItem: return QStringLiteral("This item accession number does not exist");
+    case IssueRefusal::OnLoan: return QStringLiteral("This item is still out on loan and must be returned before it can be issued again");
+    case IssueRefusal::ReservedForAnother: return QStringLiteral("This item has been reserved for ") + check.reservedFor + QStringLiteral(" and cannot be issued.");
+    case IssueRefusal::None: break;
+    }
+    return QString();
+}
+
+} // namespace
+
 void frmIssueSystem::cmdLoanProcess_Click()
 {
-    IssueDeskState &desk = IssueDeskState::desk();
     try {
         const QString accession = ui->txtLoanAccession->text().trimmed();
         if (accession.isEmpty()) {
@@ -348,29 +363,16 @@ void frmIssueSystem::cmdLoanProcess_Click()
             UserMessage(QStringLiteral("Please enter a member ID to continue"));
             return;
         }
-        const QVariant member = GetMemberByIDNo(number, type);
-        desk.MemberID = member.isNull() ? 0 : member.toInt();
-        const char *refusal = nullptr;
-        if (!MemberExists(desk.MemberID, type))
-            refusal = "This member ID does not exist";
-        else if (!MemberCanBorrow(desk.MemberID, type, maxItems))
-            refusal = "This member already has the maximum number of items on loan";
-        else if (!GetItemByAccession(accession, &desk))
-            refusal = "This item accession number does not exist";
-        else if (!ItemAvailable(accession))
-            refusal = "This item is still out on loan and must be returned before it can be issued again";
-        if (refusal) {
-            UserMessage(QString::fromLatin1(refusal));
+        const QVariant found = GetMemberByIDNo(number, type);
+        const int member = found.isNull() ? 0 : found.toInt();
+        const IssueCheck check = CheckIssue(member, type, maxItems, accession);
+        if (check.refusal != IssueRefusal::None) {
+            UserMessage(deskRefusal(check));
             readyForScan(ui->txtLoanAccession);
             return;
         }
-        if (GetNextReservation(desk.ItemID, desk.MemberID, type, &desk)) {
-            UserMessage(QStringLiteral("This item has been reserved for ") + desk.ReserveMember + QStringLiteral(" and cannot be issued."));
-            readyForScan(ui->txtLoanAccession);
-            return;
-        }
-        desk.ReturnTransaction = RecordIssue(data_, accession, type, desk.MemberID, desk.ItemID, due,
-                                             QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
+        transaction_ = RecordIssue(data_, accession, type, member, check.itemID, due,
+                                   QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
         action_ = QStringLiteral("Issue");
         reservedFor_.clear();
         LoadLoanGrid();
@@ -386,7 +388,6 @@ void frmIssueSystem::cmdLoanProcess_Click()
 
 void frmIssueSystem::cmdProcess_Click()
 {
-    IssueDeskState &desk = IssueDeskState::desk();
     try {
         const QString accession = ui->txtAccessionReturn->text().trimmed();
         if (accession.isEmpty()) {
@@ -394,47 +395,51 @@ void frmIssueSystem::cmdProcess_Click()
             readyForScan(ui->txtAccessionReturn);
             return;
         }
-        if (!GetItemByAccession(accession, &desk)) {
+        int itemID = 0;
+        if (!GetItemByAccession(accession, &itemID)) {
             UserMessage(QStringLiteral("This item accession number does not exist."));
             readyForScan(ui->txtAccessionReturn);
             return;
         }
-        if (ItemAvailable(accession)) {
+        QString borrowerType;
+        if (ItemAvailable(accession, &borrowerType)) {
             UserMessage(QStringLiteral("This item accession number is not on loan and cannot be returned."));
             readyForScan(ui->txtAccessionReturn);
             return;
         }
-        if (!LoadLoanDefaults(accession, desk.UserReturnType))
+        if (!LoadLoanDefaults(accession, borrowerType))
             return;
         // The borrower's own reservation of the copy is not another member's claim.
         QString holderType;
         QVariant holder;
-        GetItemHolder(desk.ItemID, &holderType, &holder);
+        GetItemHolder(itemID, &holderType, &holder);
         const bool renew = ui->optRenew->isChecked();
         reservedFor_.clear();
-        if (GetNextReservation(desk.ItemID, holder.toInt(), desk.UserReturnType, &desk)) {
-            reservedFor_ = desk.ReserveMember;
-            UserMessage(QStringLiteral("This item has been reserved for ") + desk.ReserveMember + QStringLiteral(" and must be kept aside."));
+        if (GetNextReservation(itemID, holder.toInt(), borrowerType, &reservedFor_)) {
+            UserMessage(QStringLiteral("This item has been reserved for ") + reservedFor_ + QStringLiteral(" and must be kept aside."));
             if (renew) {
                 readyForScan(ui->txtAccessionReturn);
                 return;
             }
         }
         bool done;
+        LoanHandled handled;
         if (!renew) {
-            done = ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), 0, QStringLiteral("return"), QDate(), rules_.FineAmount, rules_.FineInterval);
+            done = ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), 0, QStringLiteral("return"), QDate(), rules_.FineAmount, rules_.FineInterval,
+                                     &handled);
             action_ = QStringLiteral("Return");
         } else {
             const QDate due = Clock::today().addDays(rules_.ExtensionDays);
             ui->txtDueDate->setText(SqlDate(due));
             done = ReturnOrRenewLoan(accession, ui->dtreturnDate->date(), MaxRenewals, QStringLiteral("renewal"), due, rules_.FineAmount,
-                                     rules_.FineInterval);
+                                     rules_.FineInterval, &handled);
             action_ = QStringLiteral("Renewal");
         }
         if (!done) {
             readyForScan(ui->txtAccessionReturn);
             return;
         }
+        transaction_ = handled.transactionID;
         ui->txtAccessionReturn->clear();
         ui->txtAccessionReturn->setFocus();
         LoadLoanGrid();
@@ -460,7 +465,7 @@ void frmIssueSystem::optRenew_Click()
 void frmIssueSystem::LoadLoanGrid()
 {
     try {
-        const int transaction = IssueDeskState::desk().ReturnTransaction;
+        const int transaction = transaction_;
         if (data_.GetData(QStringLiteral("SELECT tLT.AccessionID, tLI.Title, tLT.MemberID, tLT.membertype,tLT.DueDate,tLT.Extensions, tLT.ReturnDate")
                           + QStringLiteral(" FROM tblLibTransactions as tLT INNER JOIN tblLibItems as tLI on tLT.AccessionID = tLI.AccessionID ")
                           + QStringLiteral(" where transactionid =") + QString::number(transaction))

@@ -13,13 +13,15 @@ class frmIssueSystem;
 
 /// "Issue System": the circulation counter. Issues an item to a learner, educator or staff
 /// member, returns or renews a scanned item, shows the loan rules in force and a learner's
-/// photo, and lists the transactions done since it was opened. Its public values (the loan in
-/// hand, the borrower, the item, a reservation holder's name) are the process-wide
-/// IssueDeskState, which the loan routines write.
+/// photo, and lists the transactions done since it was opened. It starts on the loan type it is
+/// given (long loans in the holiday period, else normal) and keeps the one last looked up.
 class frmIssueSystem : public QDialog {
     Q_OBJECT
 public:
-    explicit frmIssueSystem(QWidget *parent = nullptr);
+    explicit frmIssueSystem(QWidget *parent = nullptr, const QString &loanType = QStringLiteral("N"));
+
+    /// The loan type of the rules last looked up ("S", "N" or "L").
+    QString loanType() const { return rules_.LoanType; }
     ~frmIssueSystem() override;
 
     /// The renewal limit the desk uses for every renewal (maxext of the last settings row).
@@ -63,4 +65,5 @@ private:
     QString memberType_ = QStringLiteral("L");
     QString action_; // "Issue", "Return" or "Renewal": the grid's Transaction column
     QString reservedFor_; // the member a returned copy is to be kept for, or empty
+    int transaction_ = 0; // the loan the last issue, return or renewal wrote
 };

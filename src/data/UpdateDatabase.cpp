@@ -2,7 +2,7 @@
 
 #include "AppError.h"
 #include "DbConnection.h"
-#include "modExtendedMsgBox.h"
+#include "Messages.h"
 
 QString LibraryDatabasePath;
 QString CentralDatabasePath;

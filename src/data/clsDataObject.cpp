@@ -4,9 +4,8 @@
 #include "DbConnection.h"
 #include "GridTarget.h"
 #include "UpdateDatabase.h"
-#include "modExtendedMsgBox.h"
+#include "Messages.h"
 
-#include <QComboBox>
 
 #include <string>
 
@@ -171,30 +170,6 @@ void clsDataObject::openForReading(const QString &sql)
     ConOpen();
     prepare(sql);
     rstRecordSetOpen();
-}
-
-void clsDataObject::fillCombo(QComboBox *combo, const QString &sql, int valueField, int textField)
-{
-    openForReading(sql);
-    if (!rst->atEnd()) {
-        rst->MoveFirst();
-        combo->clear();
-    }
-    for (; !rst->atEnd(); rst->MoveNext())
-        combo->addItem(rst->field(textField).toString(), rst->field(valueField).toInt());
-    rstRecordSetclose();
-    ConClose();
-}
-
-void clsDataObject::Fillcombo(QComboBox *combo, const QString &sql, int valueField, int textField, bool)
-{
-    fillCombo(combo, sql, valueField, textField);
-}
-
-void clsDataObject::Fillcombos(QComboBox *combo, const QString &sql, int valueField, int textField, bool, const QVariant &,
-                               const QVariant &)
-{
-    fillCombo(combo, sql, valueField, textField);
 }
 
 namespace {

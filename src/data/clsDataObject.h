@@ -10,7 +10,6 @@
 
 class DbConnection;
 class GridTarget;
-class QComboBox;
 
 /// The data-access object every screen creates for its own library-database
 /// work: hand it a complete Jet statement and call one operation. Each
@@ -46,12 +45,6 @@ public:
     int GetDatas(const QString &sql);
     /// Opens rst; returns 0. The second value has no effect.
     int GetID(const QString &sql, const QVariant &unused = QVariant());
-    /// Fills a combo: text from textField, item data (32-bit) from valueField. An empty result leaves the list as it was.
-    /// The flag is kept for the callers that pass it; it changes nothing.
-    void Fillcombo(QComboBox *combo, const QString &sql, int valueField, int textField, bool flag = false);
-    /// The same filling, for the screens that pass the longer argument list.
-    void Fillcombos(QComboBox *combo, const QString &sql, int valueField, int textField, bool flag = false,
-                    const QVariant &extra1 = QVariant(), const QVariant &extra2 = QVariant());
     /// First field of the last row, or 0 when there are no rows.
     int GetAuto(const QString &sql);
     /// Sizes the grid to the result, captions from the field names, every value written
@@ -75,7 +68,6 @@ private:
     void openForReading(const QString &sql);
     void fillRows(GridTarget &grid, int firstRow, bool widen);
     void fillGrid(GridTarget &grid, const QString &sql, bool captionsAndWidths);
-    void fillCombo(QComboBox *combo, const QString &sql, int valueField, int textField);
 
     std::unique_ptr<DbConnection> connection_;
     QString commandText_; // the prepared statement; it runs on this object's connection

@@ -6,9 +6,9 @@
 
 #include <memory>
 
-void ScreenRegistry::open(const QString &name, const QString &caption, QWidget *parent) const
+void ScreenRegistry::open(const QString &name, const QString &caption, QWidget *parent, const ScreenOptions &options) const
 {
-    std::unique_ptr<QDialog> screen(make(name, parent));
+    std::unique_ptr<QDialog> screen(make(name, parent, options));
     if (!screen) {
         UserMessage(QStringLiteral("\"%1\" is not part of this version of Shelvora yet.").arg(caption));
         return;

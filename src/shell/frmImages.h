@@ -2,9 +2,7 @@
 
 #include <QPixmap>
 
-/// The system's own message-box pictures, drawn rather than loaded, in the
-/// order the message routines know them.
-enum class MessagePicture { picmessage, picSaved, picStop, picQuestion, picError, None };
+#include "Messages.h"
 
 class frmImages {
 public:

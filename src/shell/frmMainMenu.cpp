@@ -4,7 +4,6 @@
 #include "DatabaseFile.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
-#include "IssueDeskState.h"
 #include "Recordset.h"
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
@@ -330,8 +329,7 @@ void frmMainMenu::cmdissues_Click()
             UserMessage(QStringLiteral("Please enter library settings to continue."));
             return;
         }
-        IssueDeskState::desk().LoanType = optLong->isChecked() ? QStringLiteral("L") : QStringLiteral("N");
-        screens_.open(QStringLiteral("frmIssueSystem"), cmdissues->text(), this);
+        screens_.open(QStringLiteral("frmIssueSystem"), cmdissues->text(), this, ScreenOptions{optLong->isChecked()});
     } catch (const AppError &e) {
         ReportError(Location, QStringLiteral("cmdissues_Click"), e);
     }

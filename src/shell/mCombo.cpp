@@ -2,6 +2,7 @@
 
 #include "NaturalOrder.h"
 #include "Recordset.h"
+#include "clsDataObject.h"
 
 #include <QComboBox>
 #include <QKeyEvent>
@@ -79,4 +80,17 @@ void AddClassesInNaturalOrder(QComboBox *combo, Recordset &classes, const QStrin
     std::stable_sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return NaturalLess(a.first, b.first); });
     for (const auto &[name, id] : entries)
         combo->addItem(name, id);
+}
+
+void Fillcombo(clsDataObject &data, QComboBox *combo, const QString &sql, int valueField, int textField, bool)
+{
+    struct Closer {
+        clsDataObject &data;
+        ~Closer() { data.CloseCompact(); }
+    } closer{data};
+    if (data.GetData(sql) < 1)
+        return;
+    combo->clear();
+    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
+        combo->addItem(rs.field(textField).toString(), rs.field(valueField).toInt());
 }

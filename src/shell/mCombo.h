@@ -15,6 +15,12 @@ void ComboAutoComplete(QComboBox *combo, int &keyCode);
 /// Selects the first entry whose item data equals a numeric value, or whose text equals any other value.
 void ComboSelect(QComboBox *combo, const QVariant &value);
 
+class clsDataObject;
+
+/// Fills a combo from a library statement: text from textField, item data (32-bit) from valueField.
+/// An empty result leaves the list as it was. The flag is kept for the callers that pass it; it changes nothing.
+void Fillcombo(clsDataObject &data, QComboBox *combo, const QString &sql, int valueField, int textField, bool flag = false);
+
 /// Adds the classes of a recordset (text and id fields) in natural order: 1A, 1B, 2A … 10A.
 void AddClassesInNaturalOrder(QComboBox *combo, Recordset &classes, const QString &nameField, const QString &idField);
 

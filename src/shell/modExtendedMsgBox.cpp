@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr int YesNoDefaultSecond = 260;
-
 struct ButtonSpec { QMessageBox::StandardButton button; int code; };
 
 std::vector<ButtonSpec> buttonsFor(int style)
@@ -31,10 +29,8 @@ std::vector<ButtonSpec> buttonsFor(int style)
 
 } // namespace
 
-int ShowHookedBox(const QString &prompt, int style, const QString &title, MessagePicture picture, const QString &iconFile)
+int MessageBoxes::show(const QString &prompt, int style, const QString &title, MessagePicture picture, const QString &iconFile)
 {
-    if (MessageScript *script = MessageScript::active())
-        return script->answer(prompt, style, title, picture);
     if (QGuiApplication::platformName() == QLatin1String("offscreen") || QGuiApplication::platformName() == QLatin1String("minimal")) {
         // Nobody can see or answer a box without a screen: say it where a log catches it and stop
         // rather than wait for ever (committed work is already in the database).
@@ -63,21 +59,6 @@ int ShowHookedBox(const QString &prompt, int style, const QString &title, Messag
         if (b.button == clicked)
             return b.code;
     return 2; // closed without a button: Cancel
-}
-
-void UserMessage(const QString &prompt)
-{
-    ShowHookedBox(prompt, 0, QStringLiteral("User Message"), MessagePicture::picmessage);
-}
-
-bool UserQuestion(const QString &prompt)
-{
-    return ShowHookedBox(prompt, YesNoDefaultSecond, QStringLiteral("User Question?"), MessagePicture::picQuestion) != MessageScript::No;
-}
-
-bool UserWarning(const QString &prompt)
-{
-    return ShowHookedBox(prompt, YesNoDefaultSecond, QStringLiteral("User Warning"), MessagePicture::picStop) != MessageScript::No;
 }
 
 QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QString &filter)

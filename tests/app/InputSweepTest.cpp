@@ -9,7 +9,6 @@
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "FrmuserloanHistory.h"
-#include "IssueDeskState.h"
 #include "MemberScreens.h"
 #include "ReportScreens.h"
 #include "SchoolGenerator.h"
@@ -178,7 +177,6 @@ protected:
     void TearDown() override
     {
         messages_.reset();
-        IssueDeskState::desk().reset();
         ItemEditMode = 0;
         CurrentItemID = 0;
         SchoolName.clear();

@@ -6,7 +6,6 @@
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "FrmuserloanHistory.h"
-#include "IssueDeskState.h"
 #include "MemberScreens.h"
 #include "ReportScreens.h"
 #include "SchoolGenerator.h"
@@ -73,7 +72,6 @@ protected:
     {
         QApplication::setFont(font_);
         messages_.reset();
-        IssueDeskState::desk().reset();
         LibraryDatabasePath.clear();
         CentralDatabasePath.clear();
         SchoolName.clear();

@@ -14,7 +14,6 @@ class DeskFlow : public SchoolDesk {
 protected:
     std::unique_ptr<frmIssueSystem> open()
     {
-        IssueDeskState::desk().LoanType = QStringLiteral("N");
         auto desk = std::make_unique<frmIssueSystem>();
         desk->show();
         QApplication::setActiveWindow(desk.get());

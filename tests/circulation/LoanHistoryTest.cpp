@@ -80,7 +80,6 @@ TEST_F(LoanHistory, AReservedItemMayBeRenewedHereButNotAtTheDesk)
     lend("A1", 1, "L", 12, QDate(2026, 11, 30));
     library("Insert into tblLibReserves(MemberType, MemberID, ItemID, ReserveDate) values ('S', 3, 1, #2026-11-02#)");
     {
-        IssueDeskState::desk().LoanType = "N";
         frmIssueSystem desk;
         click(desk, "optRenew");
         scan(desk, "txtAccessionReturn", "A1");

@@ -26,7 +26,6 @@ void SchoolDesk::SetUp()
     for (const char *values : settings)
         library(QString("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)VALUES(%1)")
                     .arg(QLatin1String(values)));
-    IssueDeskState::desk().reset();
     SchoolName = QStringLiteral("Hillview High");
     DbConnection::traceStatements(&sent_);
 }
@@ -34,7 +33,6 @@ void SchoolDesk::SetUp()
 void SchoolDesk::TearDown()
 {
     DbConnection::traceStatements(nullptr);
-    IssueDeskState::desk().reset();
     SchoolName.clear();
     DatabaseTest::TearDown();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Clock.h"
-#include "IssueDeskState.h"
 #include "ScreenDriver.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"

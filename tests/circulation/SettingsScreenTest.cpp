@@ -94,7 +94,6 @@ TEST_F(SettingsScreen, ABlankPeriodWritesNoRowAndTheDeskFallsBackToItsDefaults)
     EXPECT_EQ(settingsRows(), (QStringList{"N|L|14|0|1.5|7|7|2|1|2", "N|S|21|5|1.25|1|7|2|1|2", "N|E|21|5|1.25|1|7|2|1|2",
                                            "L|L|30|3|1|7|7|2|1|2"}));
     // An educator borrowing a long-loan item now gets one day and no fine.
-    IssueDeskState::desk().LoanType = "N";
     frmIssueSystem desk;
     click(desk, "optEducator");
     type(desk, "txtmemberID", "7001015000081");

@@ -3,7 +3,6 @@
 #include "DatabaseFile.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
-#include "IssueDeskState.h"
 #include "Recordset.h"
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
@@ -34,7 +33,6 @@ protected:
     void TearDown() override
     {
         SetApplicationFolder(QString());
-        IssueDeskState::desk().reset();
         DatabaseTest::TearDown();
     }
 
@@ -302,6 +300,11 @@ TEST(CompactionSizes, KilobytesRoundHalvesToEven)
 
 TEST_F(MainMenuTest, TheIssueDeskNeedsLoanSettingsAndGetsThePeriod)
 {
+    QList<bool> holiday; // what the desk is told each time it is opened
+    screens_.addWithOptions("frmIssueSystem", [&](QWidget *, const ScreenOptions &options) -> QDialog * {
+        holiday << options.holidayPeriod;
+        return nullptr;
+    });
     auto menu = start();
     child<QPushButton>(*menu, "cmdissues")->click();
     EXPECT_EQ(messages_->prompts(), QStringList{"Please enter library settings to continue."});
@@ -311,11 +314,10 @@ TEST_F(MainMenuTest, TheIssueDeskNeedsLoanSettingsAndGetsThePeriod)
     messages_->clear();
     child<QRadioButton>(*menu, "optLong")->setChecked(true);
     child<QPushButton>(*menu, "cmdissues")->click();
-    EXPECT_EQ(IssueDeskState::desk().LoanType, "L");
     EXPECT_EQ(messages_->prompts(), QStringList{"\"Issues and Returns\" is not part of this version of Shelvora yet."});
     child<QRadioButton>(*menu, "optNormal")->setChecked(true);
     child<QPushButton>(*menu, "cmdissues")->click();
-    EXPECT_EQ(IssueDeskState::desk().LoanType, "N");
+    EXPECT_EQ(holiday, (QList<bool>{true, false}));
 }
 
 TEST_F(MainMenuTest, PathsGivenForOneRunAreNotSaved)

@@ -1,3 +1,4 @@
+#include "mCombo.h"
 #include "AppError.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
@@ -140,13 +141,13 @@ class ComboFillTest : public SpreadGridTest {};
 TEST_F(ComboFillTest, FillcomboKeepsItemDataAndAnEmptyResultChangesNothing)
 {
     QComboBox combo;
-    data_.Fillcombo(&combo, "select AuthorID, AuthorSurname from tblLibAuthors order by AuthorSurname", 0, 1, true);
+    Fillcombo(data_, &combo, "select AuthorID, AuthorSurname from tblLibAuthors order by AuthorSurname", 0, 1, true);
     ASSERT_EQ(combo.count(), 3);
     EXPECT_EQ(combo.itemText(0), "Mokoena-Wolhuter");
     EXPECT_EQ(combo.itemData(0).toInt(), 2);
-    data_.Fillcombos(&combo, "select AuthorID, AuthorSurname from tblLibAuthors where AuthorID = 77", 0, 1, false, 1, 2);
+    Fillcombo(data_, &combo, "select AuthorID, AuthorSurname from tblLibAuthors where AuthorID = 77", 0, 1, false);
     EXPECT_EQ(combo.count(), 3);
-    data_.Fillcombos(&combo, "select AuthorID, AuthorSurname from tblLibAuthors where AuthorID = 3", 0, 1);
+    Fillcombo(data_, &combo, "select AuthorID, AuthorSurname from tblLibAuthors where AuthorID = 3", 0, 1);
     EXPECT_EQ(combo.count(), 1);
     EXPECT_EQ(combo.itemData(0).toInt(), 3);
 }

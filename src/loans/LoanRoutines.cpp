@@ -2,11 +2,10 @@
 
 #include "AppError.h"
 #include "DbConnection.h"
-#include "IssueDeskState.h"
 #include "Recordset.h"
 #include "SqlText.h"
 #include "UpdateDatabase.h"
-#include "modExtendedMsgBox.h"
+#include "Messages.h"
 
 #include <QObject>
 
@@ -124,15 +123,15 @@ Money OverdueFine(const QDate &actionDate, const QDate &dueDate, Money fineAmoun
     return fine;
 }
 
-bool GetItemByAccession(const QString &accession, QObject *screen)
+bool GetItemByAccession(const QString &accession, int *itemID)
 {
     LibraryScope library;
     const auto rs = library.query(QStringLiteral("select accessionid, itemid from tbllibitems where accessionid = '") + Safesql(accession)
                                   + QStringLiteral("' and phasedout = false"));
     if (rs->atEnd())
         return false;
-    if (screen)
-        screen->setProperty("ItemID", rs->field(QStringLiteral("itemid")).toInt());
+    if (itemID)
+        *itemID = rs->field(QStringLiteral("itemid")).toInt();
     return true;
 }
 
@@ -146,7 +145,7 @@ bool MemberExists(int memberID, const QString &memberType)
 }
 
 bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16 maximumRenewals, const QString &mode,
-                       const QDate &newDueDate, Money fineAmount, qint16 fineInterval)
+                       const QDate &newDueDate, Money fineAmount, qint16 fineInterval, LoanHandled *handled)
 {
     const QString notOut = QStringLiteral("This accession number is not out on loan and cannot be returned or renewed");
     LibraryScope library;
@@ -164,10 +163,8 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
             const int transactionID = loan->field(QStringLiteral("transactionid")).toInt();
             const QString memberType = loan->field(QStringLiteral("membertype")).toString();
             const int memberID = loan->field(QStringLiteral("memberid")).toInt();
-            IssueDeskState &desk = IssueDeskState::desk();
-            desk.ReturnTransaction = transactionID;
-            desk.UserReturnType = memberType;
-            desk.MemberID = memberID;
+            if (handled)
+                *handled = LoanHandled{transactionID, memberType, memberID};
 
             const qint16 extensions = loan->field(QStringLiteral("extensions")).isNull() ? 0 : loan->field(QStringLiteral("extensions")).toInt16();
             if (extensions == 32767)
@@ -195,7 +192,7 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
     return true;
 }
 
-bool ItemAvailable(const QString &accession)
+bool ItemAvailable(const QString &accession, QString *borrowerType)
 {
     LibraryScope library;
     const auto rs = library.query(QStringLiteral("select transactionid, membertype, returned from tbllibtransactions where (accessionid = '")
@@ -203,7 +200,8 @@ bool ItemAvailable(const QString &accession)
     if (rs->atEnd())
         return true;
     if (!rs->field(QStringLiteral("returned")).toBool()) {
-        IssueDeskState::desk().UserReturnType = rs->field(QStringLiteral("membertype")).toString();
+        if (borrowerType)
+            *borrowerType = rs->field(QStringLiteral("membertype")).toString();
         return false;
     }
     return true;
@@ -230,7 +228,7 @@ bool MemberCanBorrow(int memberID, const QString &memberType, qint16 maximumItem
     return rs->field(QStringLiteral("total")).toLongLong() < maximumItems;
 }
 
-bool GetNextReservation(int itemID, int memberID, const QString &memberType, QObject *screen)
+bool GetNextReservation(int itemID, int memberID, const QString &memberType, QString *reservedFor)
 {
     Q_UNUSED(memberType);
     std::shared_ptr<Recordset> reservation;
@@ -261,8 +259,8 @@ bool GetNextReservation(int itemID, int memberID, const QString &memberType, QOb
         if (!rs->atEnd())
             name = rs->field(QStringLiteral("fname")).toString() + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString();
     }
-    if (screen)
-        screen->setProperty("ReserveMember", name);
+    if (reservedFor)
+        *reservedFor = name;
     return true;
 }
 
@@ -318,4 +316,20 @@ void GetFineSettings(const QString &accession, const QString &userCategory, Mone
         return;
     *fineAmount = rs->field(QStringLiteral("fineAmount")).toMoney();
     *fineInterval = rs->field(QStringLiteral("fineInterval")).toInt16();
+}
+
+IssueCheck CheckIssue(int memberID, const QString &memberType, qint16 maximumItems, const QString &accession)
+{
+    IssueCheck check;
+    if (!MemberExists(memberID, memberType))
+        check.refusal = IssueRefusal::UnknownMember;
+    else if (!MemberCanBorrow(memberID, memberType, maximumItems))
+        check.refusal = IssueRefusal::LoanLimit;
+    else if (!GetItemByAccession(accession, &check.itemID))
+        check.refusal = IssueRefusal::UnknownItem;
+    else if (!ItemAvailable(accession))
+        check.refusal = IssueRefusal::OnLoan;
+    else if (GetNextReservation(check.itemID, memberID, memberType, &check.reservedFor))
+        check.refusal = IssueRefusal::ReservedForAnother;
+    return check;
 }

@@ -1,7 +1,6 @@
 #include "AppError.h"
 #include "Clock.h"
 #include "DbConnection.h"
-#include "IssueDeskState.h"
 #include "LoanRoutines.h"
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
@@ -35,7 +34,6 @@ protected:
                 "VALUES('N','L',14,0.5,7,2,7,2,1,2)");
         library("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)"
                 "VALUES('N','E',21,1.25,1,5,7,0,1,2)");
-        IssueDeskState::desk().reset();
         DbConnection::traceStatements(&sent_);
     }
     void TearDown() override
@@ -59,15 +57,16 @@ protected:
 TEST_F(LoanTest, AnOnTimeReturnClosesTheLoanWithoutAFine)
 {
     lend("A1", 1, "L", 12, QDate(2026, 11, 20), 1);
-    ASSERT_TRUE(ReturnOrRenewLoan("A1", QDate(2026, 11, 20), 0, "return", QDate(), Fifty, 7));
+    LoanHandled handled;
+    ASSERT_TRUE(ReturnOrRenewLoan("A1", QDate(2026, 11, 20), 0, "return", QDate(), Fifty, 7, &handled));
     EXPECT_TRUE(fineRows().isEmpty());
     EXPECT_EQ(loanRow(), QStringList{"2026-11-20|True|0|2026-11-20"});
     EXPECT_EQ(sent_.first(), "select * from tbllibtransactions where accessionid = 'A1' and returned =  false");
     EXPECT_EQ(sent_.last(), "Update tbllibtransactions set returndate =#2026-11-20#,extensions = 0, returned = true where accessionid = 'A1' and transactionid =1");
-    // The desk is handed the loan.
-    EXPECT_EQ(IssueDeskState::desk().ReturnTransaction, 1);
-    EXPECT_EQ(IssueDeskState::desk().UserReturnType, "L");
-    EXPECT_EQ(IssueDeskState::desk().MemberID, 12);
+    // The caller is handed the loan.
+    EXPECT_EQ(handled.transactionID, 1);
+    EXPECT_EQ(handled.memberType, "L");
+    EXPECT_EQ(handled.memberID, 12);
     EXPECT_TRUE(messages_->shown().empty());
 }
 
@@ -155,8 +154,9 @@ TEST_F(LoanTest, AZeroIntervalAndAHugeDelayRaiseAndWriteNothing)
 TEST_F(LoanTest, AvailabilityHolderAndLimits)
 {
     lend("A1", 1, "E", 12, QDate(2026, 11, 30));
-    EXPECT_FALSE(ItemAvailable("A1"));
-    EXPECT_EQ(IssueDeskState::desk().UserReturnType, "E");
+    QString borrower;
+    EXPECT_FALSE(ItemAvailable("A1", &borrower));
+    EXPECT_EQ(borrower, "E");
     EXPECT_TRUE(ItemAvailable("A2"));
 
     QString type;
@@ -176,18 +176,18 @@ TEST_F(LoanTest, AvailabilityHolderAndLimits)
     EXPECT_EQ(sent_.last(), "Select Count(transactionid) as total from tbllibtransactions where memberid = 12 and membertype = 'L' and returned = false");
 }
 
-TEST_F(LoanTest, ItemLookUpSetsTheScreensItemID)
+TEST_F(LoanTest, ItemLookUpGivesTheItemID)
 {
-    QObject screen;
-    EXPECT_TRUE(GetItemByAccession("A2", &screen));
-    EXPECT_EQ(screen.property("ItemID").toInt(), 2);
-    EXPECT_TRUE(GetItemByAccession("a2", &screen)); // accession numbers compare without regard to case
+    int item = 0;
+    EXPECT_TRUE(GetItemByAccession("A2", &item));
+    EXPECT_EQ(item, 2);
+    EXPECT_TRUE(GetItemByAccession("a2", &item)); // accession numbers compare without regard to case
     library("Update tblLibItems set PhasedOut = true where ItemID = 3");
-    EXPECT_FALSE(GetItemByAccession("A3", &screen));
-    EXPECT_EQ(screen.property("ItemID").toInt(), 2);
-    EXPECT_FALSE(GetItemByAccession("O'Brien", &screen)); // a quote is doubled: just a number nobody has
+    EXPECT_FALSE(GetItemByAccession("A3", &item));
+    EXPECT_EQ(item, 2);
+    EXPECT_FALSE(GetItemByAccession("O'Brien", &item)); // a quote is doubled: just a number nobody has
     library("Insert into tblLibItems(AccessionID, Title) values ('O''B1', 'Quoted')");
-    EXPECT_TRUE(GetItemByAccession("O'B1", &screen));
+    EXPECT_TRUE(GetItemByAccession("O'B1", &item));
 }
 
 TEST_F(LoanTest, AReservationByAnotherMemberBlocksAndNamesTheHolder)
@@ -197,16 +197,16 @@ TEST_F(LoanTest, AReservationByAnotherMemberBlocksAndNamesTheHolder)
     library("insert into tblLibReserves(MemberType,MemberID,ItemID,ReserveDate,Canceled) values ('S', 3, 1, #2026-10-01#, true)");
 
     // The oldest open reservation is the learner's: the learner may take it.
-    QObject desk;
-    EXPECT_FALSE(GetNextReservation(1, 12, "L", &desk));
+    QString holder;
+    EXPECT_FALSE(GetNextReservation(1, 12, "L", &holder));
     // Staff member 3 may not, and is told who holds it.
-    EXPECT_TRUE(GetNextReservation(1, 3, "S", &desk));
-    EXPECT_EQ(desk.property("ReserveMember").toString(), "Anna Botha 8A");
+    EXPECT_TRUE(GetNextReservation(1, 3, "S", &holder));
+    EXPECT_EQ(holder, "Anna Botha 8A");
 
     library("Update tblLibReserves set Canceled = true where MemberType = 'L'");
-    EXPECT_TRUE(GetNextReservation(1, 3, "S", &IssueDeskState::desk()));
-    EXPECT_EQ(IssueDeskState::desk().ReserveMember, "Ravi Naidoo");
-    EXPECT_FALSE(GetNextReservation(2, 3, "S", &desk));
+    EXPECT_TRUE(GetNextReservation(1, 3, "S", &holder));
+    EXPECT_EQ(holder, "Ravi Naidoo");
+    EXPECT_FALSE(GetNextReservation(2, 3, "S", &holder));
     EXPECT_TRUE(sent_.contains(" select top 1 * from tbllibreserves  where (itemid = 2 and ([canceled] <> true or [canceled] = false)) order by [reservedate]"));
 }
 

@@ -20,21 +20,24 @@ QStringList MessageScript::prompts() const
 
 int MessageScript::answer(const QString &prompt, int style, const QString &title, MessagePicture picture)
 {
-    int code;
+    int code = defaultAnswer(style);
     if (!answers_.empty()) {
         code = answers_.front();
         answers_.pop_front();
-    } else {
-        switch (style & 7) {
-        case 3:
-        case 4: code = Yes; break;
-        case 2: code = 3; break; // Abort
-        case 5: code = 4; break; // Retry
-        default: code = Ok;
-        }
     }
     shown_.push_back(ShownMessage{prompt, title, style, picture, code});
     return code;
+}
+
+int MessageScript::defaultAnswer(int style)
+{
+    switch (style & 7) {
+    case 3:
+    case 4: return Yes;
+    case 2: return 3; // Abort
+    case 5: return 4; // Retry
+    default: return Ok;
+    }
 }
 
 QString MessageScript::takeFileName()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frmImages.h"
+#include "Messages.h"
 
 #include <QString>
 #include <QStringList>
@@ -43,6 +43,8 @@ public:
 
     /// The script in force, or null when boxes are really shown.
     static MessageScript *active();
+    /// The first button of a box of this style: what a box gets with no answer queued.
+    static int defaultAnswer(int style);
     /// Records a box and returns its scripted answer.
     int answer(const QString &prompt, int style, const QString &title, MessagePicture picture);
 
