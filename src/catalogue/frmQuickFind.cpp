@@ -10,6 +10,7 @@
 #include "UpdateDatabase.h"
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
+#include "SchoolDatabase.h"
 
 #include <QHash>
 #include <QSet>
@@ -123,7 +124,7 @@ void frmQuickFind::showAvailability(const std::vector<int> &items)
                             : it.key() == QLatin1String("E") ? QStringLiteral("select edid as member, sname, FName from Educators where edid in (") + list + QStringLiteral(")")
                                                              : QStringLiteral("select staffid as member, sname, FName from Staffmembers where staffid in (") + list + QStringLiteral(")");
         QHash<int, QString> &named = names[it.key()];
-        for (const auto rs = CentralQuery(who); !rs->atEnd(); rs->MoveNext())
+        for (const auto rs = SchoolQuery(who); !rs->atEnd(); rs->MoveNext())
             named.insert(rs->field(QStringLiteral("member")).toInt(),
                          rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString());
     }

@@ -2,11 +2,11 @@
 
 #include "AppError.h"
 #include "Clock.h"
-#include "DbConnection.h"
 #include "LoanRoutines.h"
 #include "Recordset.h"
 #include "UpdateDatabase.h"
 #include "mCombo.h"
+#include "SchoolDatabase.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -16,21 +16,10 @@
 
 #include <vector>
 
-std::shared_ptr<Recordset> CentralQuery(const QString &sql)
-{
-    OpenCentralDatabase();
-    struct Closer {
-        ~Closer() { CloseCentralDatabase(); }
-    } closer;
-    if (!CentralConnection || CentralConnection->state() != DbConnection::adStateOpen)
-        throw AppError(3709, QStringLiteral("The connection cannot be used to perform this operation. It is either closed or invalid in this context."));
-    return CentralConnection->Execute(sql);
-}
-
 void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idField, const QStringList &textFields)
 {
     const QSignalBlocker quiet(combo);
-    const auto rs = CentralQuery(sql);
+    const auto rs = SchoolQuery(sql);
     // A school's learners run into thousands: the entries are built in a model of their own and
     // handed to the combo at once, instead of one insertion (and one relayout) per entry.
     auto *entries = new QStandardItemModel(combo);

@@ -11,9 +11,6 @@ class QComboBox;
 class QLineEdit;
 class Recordset;
 
-/// Runs a statement on the school database, opened for it and closed after; errors reach the caller as AppError.
-std::shared_ptr<Recordset> CentralQuery(const QString &sql);
-
 /// Fills a member combo from a statement on the school database: one entry a row, its text the
 /// named fields joined by single blanks, its item data the member's internal number (idField).
 /// The list is emptied first; errors reach the caller as AppError.

@@ -6,6 +6,7 @@
 #include "SettingsStore.h"
 #include "clsDataObject.h"
 #include "clsTSQL.h"
+#include "SchoolDatabase.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -46,7 +47,7 @@ MemberSummary MemberSummary::load(clsDataObject &library, const QString &kind, i
         return s;
     const QString id = QString::number(memberID);
     if (kind == QLatin1String("L")) {
-        const auto rs = CentralQuery(QStringLiteral("Select Learner_Info.SName, Learner_Info.FName, SchoolGrades.Name as GradeName, Classes.ClassName, Learner_Info.Photoname"
+        const auto rs = SchoolQuery(QStringLiteral("Select Learner_Info.SName, Learner_Info.FName, SchoolGrades.Name as GradeName, Classes.ClassName, Learner_Info.Photoname"
                                                     " from (Learner_Info left join SchoolGrades on Learner_Info.Grade = SchoolGrades.ID)"
                                                     " left join Classes on Learner_Info.Class = Classes.ClassID where Learner_Info.[ID] = ")
                                      + id);
@@ -60,7 +61,7 @@ MemberSummary MemberSummary::load(clsDataObject &library, const QString &kind, i
         if (!photo.isEmpty() && QFileInfo(file).isFile())
             s.photoFile = file;
     } else {
-        const auto rs = CentralQuery(kind == QLatin1String("E") ? QStringLiteral("Select SName, FName from Educators where EdID = ") + id
+        const auto rs = SchoolQuery(kind == QLatin1String("E") ? QStringLiteral("Select SName, FName from Educators where EdID = ") + id
                                                                 : QStringLiteral("Select SName, FName from StaffMembers where StaffID = ") + id);
         if (rs->atEnd())
             return s;

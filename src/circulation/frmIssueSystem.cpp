@@ -16,6 +16,7 @@
 #include "mCombo.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
+#include "SchoolDatabase.h"
 
 #include <QDir>
 #include <QHeaderView>
@@ -138,7 +139,7 @@ void frmIssueSystem::LoadComboBox()
             const QSignalBlocker quiet(ui->cboGrade);
             ui->cboGrade->clear();
             ui->cboGrade->addItem(All);
-            const auto grades = CentralQuery(clsTSQL().spSchoolGradesListSpesific(CurrentYear()));
+            const auto grades = SchoolQuery(clsTSQL().spSchoolGradesListSpesific(CurrentYear()));
             for (; !grades->atEnd(); grades->MoveNext())
                 ui->cboGrade->addItem(grades->field(QStringLiteral("Name")).toString(), grades->field(QStringLiteral("ID")).toInt());
             ui->cboGrade->setCurrentIndex(-1);
@@ -162,7 +163,7 @@ void frmIssueSystem::cboGrade_Click()
         const QSignalBlocker quiet(ui->cboClass);
         ui->cboClass->clear();
         ui->cboClass->addItem(All);
-        const auto classes = CentralQuery(clsTSQL().spClassesListSpesific(learnerFilter(ui->cboGrade), CurrentYear()));
+        const auto classes = SchoolQuery(clsTSQL().spClassesListSpesific(learnerFilter(ui->cboGrade), CurrentYear()));
         AddClassesInNaturalOrder(ui->cboClass, *classes, QStringLiteral("ClassName"), QStringLiteral("ClassID"));
         ui->cboClass->setCurrentIndex(-1);
         ui->cboClass->setEditText(QStringLiteral("Optional Class Filter"));
@@ -248,10 +249,10 @@ void frmIssueSystem::cmdValidate_Click()
 
         QString second = QStringLiteral(" => Learner not found.");
         const QVariant learner = GetMemberByIDNo(number, QStringLiteral("L"));
-        const auto photo = learner.isNull() ? nullptr : CentralQuery(clsTSQL().spLearnerPhoto(learner.toInt()));
+        const auto photo = learner.isNull() ? nullptr : SchoolQuery(clsTSQL().spLearnerPhoto(learner.toInt()));
         if (photo && !photo->atEnd()) {
             ComboSelect(ui->cboMember, learner);
-            const auto details = CentralQuery(QStringLiteral("Select Learner_Info.FName, Learner_Info.SName, Learner_Info.Grade, Classes.ClassName from Learner_Info "
+            const auto details = SchoolQuery(QStringLiteral("Select Learner_Info.FName, Learner_Info.SName, Learner_Info.Grade, Classes.ClassName from Learner_Info "
                                                         "left join Classes on Learner_Info.Class = Classes.ClassID where Learner_Info.[ID] = ")
                                          + QString::number(learner.toInt()));
             if (!details->atEnd()) {
@@ -492,12 +493,12 @@ void frmIssueSystem::LoadLoanGrid()
         const QString id = QString::number(member);
         QString user;
         if (type == QLatin1String("L")) {
-            const auto rs = CentralQuery(QStringLiteral("Select Learner_Info.SName, Learner_Info.FName, Classes.ClassName from Learner_info left join classes on learner_info.class = classes.classid where [ID] = ") + id);
+            const auto rs = SchoolQuery(QStringLiteral("Select Learner_Info.SName, Learner_Info.FName, Classes.ClassName from Learner_info left join classes on learner_info.class = classes.classid where [ID] = ") + id);
             if (!rs->atEnd())
                 user = rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString()
                        + QLatin1Char(' ') + rs->field(QStringLiteral("classname")).toString();
         } else {
-            const auto rs = CentralQuery(type == QLatin1String("E") ? QStringLiteral("Select educators.SName, educators.FName from Educators where EdID = ") + id
+            const auto rs = SchoolQuery(type == QLatin1String("E") ? QStringLiteral("Select educators.SName, educators.FName from Educators where EdID = ") + id
                                                                : QStringLiteral("Select staffmembers.SName, staffmembers.FName from staffmembers where StaffID = ") + id);
             if (!rs->atEnd())
                 user = rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString();

@@ -14,6 +14,7 @@
 #include "mCombo.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
+#include "SchoolDatabase.h"
 
 namespace {
 // The print routine of both reservation screens reports as "frmReserves".
@@ -96,7 +97,7 @@ void frmReservedItems::FindReservedItems(const QString &sql)
                                    ? QStringLiteral("Select id,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C'and [id] = ") + id + QStringLiteral(" order by sname,fname")
                                : type == QLatin1String("E") ? QStringLiteral("Select edid,sname,fname from Educators where status = 'C' and edid = ") + id
                                                             : QStringLiteral("Select staffid,sname,fname from staffmembers where status = 'C' and staffid = ") + id;
-        const auto who = CentralQuery(lookUp);
+        const auto who = SchoolQuery(lookUp);
         const QString name = who->atEnd() ? QString() : who->field(QStringLiteral("sname")).toString() + QLatin1Char(' ') + who->field(QStringLiteral("fname")).toString();
         PopulateSpread(rs->field(QStringLiteral("ReserveID")).toString(), rs->field(QStringLiteral("AccessionID")).toString(),
                        rs->field(QStringLiteral("Title")).toString(), rs->field(QStringLiteral("ReserveDate")).toString(), name, type);

@@ -14,6 +14,7 @@
 #include "mCombo.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
+#include "SchoolDatabase.h"
 
 namespace {
 const QString Location = QStringLiteral("frmReserves");
@@ -109,7 +110,7 @@ QVariant frmReserves::memberByNumber()
                             ? QStringLiteral("Select id  as IDNo,sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and [ID] = ") + id + QStringLiteral(" order by sname,fname")
                         : kind == QLatin1String("E") ? QStringLiteral("Select edid as IDNo,sname,fname,IDNumber from Educators where status = 'C'and EdID = ") + id + QStringLiteral("  order by sname,fname")
                                                      : QStringLiteral("Select staffid as IDNo,sname,fname, IDNumber from staffmembers where status = 'C' and StaffID = ") + id + QStringLiteral("  order by sname,fname");
-    const auto rs = CentralQuery(sql);
+    const auto rs = SchoolQuery(sql);
     return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
 }
 
@@ -204,7 +205,6 @@ void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)
         reserve(row);
     } catch (const AppError &e) {
         data_.CloseCompact();
-        CloseCentralDatabase();
         ReportError(Location, QStringLiteral("fpSpreadSearch_ButtonClicked"), e);
     }
 }
@@ -219,10 +219,8 @@ void frmReserves::reserve(int row)
     }
     const QVariant found = GetMemberByIDNo(ui->txtMemberID->text(), kind_);
     const int member = found.isNull() ? 0 : found.toInt();
-    OpenCentralDatabase();
     if (!MemberExists(member, kind_)) {
         UserMessage(QStringLiteral("Member does not exist"));
-        CloseCentralDatabase();
         return;
     }
     SpreadGrid &search = *ui->fpSpreadSearch;
@@ -240,7 +238,6 @@ void frmReserves::reserve(int row)
         refusal = "Members can not reserve the same item more than once";
     if (refusal) {
         UserMessage(QString::fromLatin1(refusal));
-        CloseCentralDatabase();
         return;
     }
     data_.ExecuteNonQuery(QStringLiteral(" insert into tblLibReserves(MemberType,MemberID,ItemID,ReserveDate)") + QStringLiteral(" values('")
@@ -249,7 +246,6 @@ void frmReserves::reserve(int row)
     search.removeRow(row);
     UserMessage(QStringLiteral("The item has been reserved"));
     cmdFind_Click();
-    CloseCentralDatabase();
 }
 
 void frmReserves::cmdProceessCancelation_Click()

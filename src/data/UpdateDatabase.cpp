@@ -6,16 +6,11 @@
 
 QString LibraryDatabasePath;
 QString CentralDatabasePath;
-std::shared_ptr<DbConnection> LibraryConnection;
-std::shared_ptr<DbConnection> CentralConnection;
 QString SchoolName;
 
-namespace {
-
-void openShared(std::shared_ptr<DbConnection> &connection, const QString &path, const char *password, bool readOnly,
-                const QString &failureText)
+std::unique_ptr<DbConnection> OpenDatabase(const QString &path, const char *password, bool readOnly, const QString &failureText)
 {
-    connection = std::make_shared<DbConnection>();
+    auto connection = std::make_unique<DbConnection>();
     connection->Provider = QString::fromLatin1(JetProvider);
     connection->DataSource = path;
     connection->Password = QString::fromLatin1(password);
@@ -26,34 +21,13 @@ void openShared(std::shared_ptr<DbConnection> &connection, const QString &path, 
         ReportError(QStringLiteral("Central Module"), failureText + QStringLiteral("\r\n") + e.description(),
                     QStringLiteral("Database Access Error"), e.number());
     }
+    return connection;
 }
 
-void closeShared(std::shared_ptr<DbConnection> &connection)
+std::unique_ptr<DbConnection> OpenLibraryDatabase(bool readOnly)
 {
-    try {
-        if (connection)
-            connection->Close();
-    } catch (const AppError &) {
-        // Closing an unopened connection is not worth a report.
-    }
-    connection.reset();
+    return OpenDatabase(LibraryDatabasePath, LibraryPassword, readOnly, QStringLiteral("Library Database cannot be opened."));
 }
-
-} // namespace
-
-void OpenCentralDatabase()
-{
-    openShared(CentralConnection, CentralDatabasePath, CentralPassword, true, QStringLiteral("Database cannot be opened."));
-}
-
-void CloseCentralDatabase() { closeShared(CentralConnection); }
-
-void OpenLibraryDatabase(bool readOnly)
-{
-    openShared(LibraryConnection, LibraryDatabasePath, LibraryPassword, readOnly, QStringLiteral("Library Database cannot be opened."));
-}
-
-void CloseLibraryDatabase() { closeShared(LibraryConnection); }
 
 QString NumberText(double number)
 {

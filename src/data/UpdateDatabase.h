@@ -7,11 +7,9 @@
 class AppError;
 class DbConnection;
 
-// Process-wide values: where the two databases are, and the two long-lived connections.
+// Process-wide values: where the two databases are.
 extern QString LibraryDatabasePath;
 extern QString CentralDatabasePath;
-extern std::shared_ptr<DbConnection> LibraryConnection;
-extern std::shared_ptr<DbConnection> CentralConnection;
 /// The school's name from the school administration database, for headings.
 extern QString SchoolName;
 
@@ -19,16 +17,13 @@ inline constexpr const char *JetProvider = "Microsoft.jet.oledb.4.0";
 inline constexpr const char *LibraryPassword = "KestrinPol";
 inline constexpr const char *CentralPassword = "Tev@lno";
 
-/// Opens CentralConnection (read only: this program never writes the school's database).
-/// Failures are reported ("Database cannot be opened.") and leave it unopened.
-void OpenCentralDatabase();
-/// Closes and empties CentralConnection; errors are ignored.
-void CloseCentralDatabase();
-/// Opens LibraryConnection; failures are reported ("Library Database cannot be opened.").
-/// Read only when a file is only being looked at (to find out whether it is a library database).
-void OpenLibraryDatabase(bool readOnly = false);
-/// Closes and empties LibraryConnection; errors are ignored.
-void CloseLibraryDatabase();
+/// A connection of its own to a database, opened; a failure is reported under "Central Module"
+/// (failureText and the engine's reason) and leaves it unopened. The school database goes
+/// through SchoolDatabase, the library database through clsDataObject or OpenLibraryDatabase.
+std::unique_ptr<DbConnection> OpenDatabase(const QString &path, const char *password, bool readOnly, const QString &failureText);
+/// A library connection for work that needs one transaction (the loan routines); failures are
+/// reported ("Library Database cannot be opened."). Read only when a file is only being looked at.
+std::unique_ptr<DbConnection> OpenLibraryDatabase(bool readOnly = false);
 
 /// The one error report of the system: an OK box titled "Error : " + number.
 void ReportError(const QString &location, const QString &description, const QString &procedure, double number);

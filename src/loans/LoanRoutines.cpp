@@ -3,36 +3,29 @@
 #include "AppError.h"
 #include "DbConnection.h"
 #include "Recordset.h"
+#include "SchoolDatabase.h"
 #include "SqlText.h"
 #include "UpdateDatabase.h"
 #include "Messages.h"
 
-#include <QObject>
 
 namespace {
 
 // The library connection is the routine's for its duration and is closed however it ends.
 class LibraryScope {
 public:
-    LibraryScope() { OpenLibraryDatabase(); }
-    ~LibraryScope() { CloseLibraryDatabase(); }
-    LibraryScope(const LibraryScope &) = delete;
-    LibraryScope &operator=(const LibraryScope &) = delete;
+    LibraryScope() : connection_(OpenLibraryDatabase()) {}
     std::shared_ptr<Recordset> query(const QString &sql) { return connection().Execute(sql); }
     DbConnection &connection()
     {
-        if (!LibraryConnection)
+        if (connection_->state() != DbConnection::adStateOpen)
             throw AppError(3709, QStringLiteral("The connection cannot be used to perform this operation. It is either closed or invalid in this context."));
-        return *LibraryConnection;
+        return *connection_;
     }
-};
 
-std::shared_ptr<Recordset> centralQuery(const QString &sql)
-{
-    if (!CentralConnection)
-        throw AppError(3709, QStringLiteral("The connection cannot be used to perform this operation. It is either closed or invalid in this context."));
-    return CentralConnection->Execute(sql);
-}
+private:
+    std::unique_ptr<DbConnection> connection_;
+};
 
 QString sqlDate(const QDate &d) { return d.toString(QStringLiteral("yyyy-MM-dd")); }
 
@@ -51,10 +44,9 @@ QString byKind(const QString &memberType, const QString &learner, const QString 
 // Opens the school database and reads the IDNo column of a member look-up; empty when nothing matches.
 QVariant readIDNo(const QString &sql)
 {
-    OpenCentralDatabase();
     if (sql.isEmpty())
         return QVariant();
-    const auto rs = centralQuery(sql);
+    const auto rs = SchoolQuery(sql);
     return rs->atEnd() ? QVariant() : rs->field(QStringLiteral("IDNo")).value();
 }
 QString num(qint64 v) { return QString::number(v); }
@@ -137,11 +129,10 @@ bool GetItemByAccession(const QString &accession, int *itemID)
 
 bool MemberExists(int memberID, const QString &memberType)
 {
-    OpenCentralDatabase();
     const QString sql = byKind(memberType, QStringLiteral("select AccessionNo from Learner_info where status = 'C' and [ID] = ") + num(memberID),
                                QStringLiteral("select IDnumber from educators where status = 'C' and EdID= ") + num(memberID),
                                QStringLiteral("select IDnumber from staffmembers where status = 'C' and StaffID = ") + num(memberID));
-    return !sql.isEmpty() && !centralQuery(sql)->atEnd();
+    return !sql.isEmpty() && !SchoolQuery(sql)->atEnd();
 }
 
 bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16 maximumRenewals, const QString &mode,
@@ -243,11 +234,10 @@ bool GetNextReservation(int itemID, int memberID, const QString &memberType, QSt
     if (holder == memberID)
         return false;
 
-    OpenCentralDatabase();
     const QString holderType = reservation->field(QStringLiteral("membertype")).toString();
     QString name;
     if (holderType == QLatin1String("L")) {
-        const auto rs = centralQuery(QStringLiteral("select fname, sname, classname from Learner_info left join classes on Learner_info.class = classes.classid where [ID] = ")
+        const auto rs = SchoolQuery(QStringLiteral("select fname, sname, classname from Learner_info left join classes on Learner_info.class = classes.classid where [ID] = ")
                                      + num(holder));
         if (!rs->atEnd())
             name = rs->field(QStringLiteral("fname")).toString() + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString()
@@ -255,7 +245,7 @@ bool GetNextReservation(int itemID, int memberID, const QString &memberType, QSt
     } else {
         const QString sql = holderType == QLatin1String("E") ? QStringLiteral("Select fname,sname from educators where EdID = ")
                                                              : QStringLiteral("Select fname,sname from staffmembers where StaffID = ");
-        const auto rs = centralQuery(sql + num(holder));
+        const auto rs = SchoolQuery(sql + num(holder));
         if (!rs->atEnd())
             name = rs->field(QStringLiteral("fname")).toString() + QLatin1Char(' ') + rs->field(QStringLiteral("sname")).toString();
     }
@@ -287,10 +277,9 @@ QVariant GetMemberByIDNo(const QString &identityNumber, const QString &memberTyp
 
 bool GetLoanHolderMessage(int memberID, const QString &memberType)
 {
-    OpenCentralDatabase();
     // Any kind other than learner or educator is read as a staff member.
     const QString kind = memberType == QLatin1String("L") || memberType == QLatin1String("E") ? memberType : QStringLiteral("S");
-    const auto rs = centralQuery(byKind(kind,
+    const auto rs = SchoolQuery(byKind(kind,
                                         QStringLiteral("Select sname,fname,accessionno,classname from Learner_info left join classes On learner_info.class = classes.classid where status = 'C' and iD = ")
                                             + num(memberID) + QStringLiteral(" order by sname,fname"),
                                         QStringLiteral("Select sname,fname,IDNumber from Educators where status = 'C'and edID = ") + num(memberID)
@@ -303,7 +292,6 @@ bool GetLoanHolderMessage(int memberID, const QString &memberType)
     message += QStringLiteral(" and will be marked as returned before it is removed from the library stock.") + QStringLiteral("\r\n")
                + QStringLiteral("Are you sure you want to continue?");
     const bool answer = UserWarning(message);
-    CloseCentralDatabase();
     return answer;
 }
 

@@ -12,6 +12,7 @@
 #include "UpdateDatabase.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
+#include "SchoolDatabase.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -45,9 +46,9 @@ frmLibraryUsers::frmLibraryUsers(QWidget *parent) : QDialog(parent), ui(std::mak
         ui->cboFilter->addItem(QString(QLatin1Char(letter)));
     ui->cboFilter->setCurrentIndex(-1);
     try {
-        const auto classes = CentralQuery(QStringLiteral("Select classname,classid from classes order by grade,classname"));
+        const auto classes = SchoolQuery(QStringLiteral("Select classname,classid from classes order by grade,classname"));
         AddClassesInNaturalOrder(ui->cboClass, *classes, QStringLiteral("classname"), QStringLiteral("classid"));
-        const auto grades = CentralQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
+        const auto grades = SchoolQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
         for (; !grades->atEnd(); grades->MoveNext())
             ui->cboGrade->addItem(grades->field(QStringLiteral("name")).toString(), grades->field(QStringLiteral("id")).toInt());
     } catch (const AppError &e) {
@@ -84,7 +85,7 @@ frmLibraryUsers::~frmLibraryUsers() = default;
 
 void frmLibraryUsers::load(SpreadGrid *grid, QLineEdit *total, const QString &sql, const std::vector<std::pair<int, const char *>> &fields)
 {
-    const auto rs = CentralQuery(sql);
+    const auto rs = SchoolQuery(sql);
     std::vector<std::pair<int, int>> present; // grid column, field index
     for (const auto &[col, name] : fields) {
         const int index = rs->fieldIndex(QLatin1String(name));

@@ -14,6 +14,7 @@
 #include "frmReportViewer.h"
 #include "mCombo.h"
 #include "modExtendedMsgBox.h"
+#include "SchoolDatabase.h"
 
 #include <QHash>
 
@@ -100,7 +101,7 @@ void frmLibraryReport::FillGrades()
 {
     try {
         ui->cboGrade->clear();
-        const auto rs = CentralQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
+        const auto rs = SchoolQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
         for (; !rs->atEnd(); rs->MoveNext())
             ui->cboGrade->addItem(rs->field(QStringLiteral("name")).toString(), rs->field(QStringLiteral("id")).toInt());
         ui->cboGrade->setCurrentIndex(-1);
@@ -117,7 +118,7 @@ void frmLibraryReport::FillClasses()
                                 ? QStringLiteral("Select classname,classid from classes order by grade,classname")
                                 : QStringLiteral("Select classname,classid from classes where Grade = ") + QString::number(ui->cboGrade->currentData().toInt())
                                       + QStringLiteral("  order by grade,classname");
-        const auto rs = CentralQuery(sql);
+        const auto rs = SchoolQuery(sql);
         AddClassesInNaturalOrder(ui->cboClass, *rs, QStringLiteral("classname"), QStringLiteral("classid"));
         ui->cboClass->setCurrentIndex(-1);
     } catch (const AppError &e) {
@@ -220,7 +221,7 @@ void frmLibraryReport::cmdView_Click()
                 list += QStringLiteral(" And (SchoolGrades.ID = ") + QString::number(ui->cboGrade->currentData().toInt()) + QStringLiteral(")");
             if (!reserves && ui->cboClass->currentIndex() >= 0)
                 list += QStringLiteral(" And (Classes.ClassID = ") + QString::number(ui->cboClass->currentData().toInt()) + QStringLiteral(")");
-            const auto rs = CentralQuery(list);
+            const auto rs = SchoolQuery(list);
             QStringList ids;
             for (; !rs->atEnd(); rs->MoveNext()) {
                 const int id = rs->field(QStringLiteral("MemberID")).toInt();
@@ -242,7 +243,7 @@ void frmLibraryReport::cmdView_Click()
         for (; !rows->atEnd(); rows->MoveNext()) {
             const int id = rows->field(QStringLiteral("MemberID")).toInt();
             if (!members.contains(id) && !learners) {
-                const auto who = CentralQuery(catalogue.getMemberNameES(rows->field(QStringLiteral("MemberType")).toString(), id));
+                const auto who = SchoolQuery(catalogue.getMemberNameES(rows->field(QStringLiteral("MemberType")).toString(), id));
                 members.insert(id, {who->atEnd() ? QString() : who->field(QStringLiteral("mName")).toString(), QString()});
             }
             const auto member = members.value(id);

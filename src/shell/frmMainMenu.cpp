@@ -6,6 +6,7 @@
 #include "DbConnection.h"
 #include "Recordset.h"
 #include "ScreenRegistry.h"
+#include "SchoolDatabase.h"
 #include "SettingsStore.h"
 #include "UpdateDatabase.h"
 #include "frmAbout.h"
@@ -177,15 +178,13 @@ void frmMainMenu::Form_Load()
 void frmMainMenu::readSchoolName()
 {
     SchoolName.clear();
-    OpenCentralDatabase();
     try {
-        const auto rs = CentralConnection->Execute(QStringLiteral("Select schoolname from general_info"));
+        const auto rs = SchoolQuery(QStringLiteral("Select schoolname from general_info"));
         if (!rs->atEnd())
             SchoolName = rs->field(QStringLiteral("schoolname")).toString();
     } catch (const AppError &) {
         // The failed open was reported; start-up goes on without the name.
     }
-    CloseCentralDatabase();
     lblSchool->setText(SchoolName);
 }
 
@@ -238,19 +237,20 @@ void frmMainMenu::upgradeStructure()
 void frmMainMenu::upgradeClassificationNumbers()
 {
     QString failure;
-    OpenLibraryDatabase();
-    try {
-        LibraryConnection->BeginTrans();
+    {
+        const std::unique_ptr<DbConnection> library = OpenLibraryDatabase();
         try {
-            LibraryConnection->Execute(QStringLiteral("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')"));
-        } catch (const AppError &e) {
-            failure = e.description();
+            library->BeginTrans();
+            try {
+                library->Execute(QStringLiteral("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')"));
+            } catch (const AppError &e) {
+                failure = e.description();
+            }
+            library->RollbackTrans();
+        } catch (const AppError &) {
+            // Without a transaction there is nothing to probe.
         }
-        LibraryConnection->RollbackTrans();
-    } catch (const AppError &) {
-        // Without a transaction there is nothing to probe.
     }
-    CloseLibraryDatabase();
     if (failure == QLatin1String("Data type mismatch in criteria expression.")) {
         for (const char *repair : {"ALTER TABLE tblLibItems ALTER ClassificationNo TEXT (50)",
                                    "ALTER TABLE tblLibSubjectCodes ALTER ClassificationNo TEXT (50)"}) {
@@ -266,13 +266,12 @@ bool frmMainMenu::isLibraryDatabase()
 {
     bool isLibrary = true;
     // Read only: finding out what the file is must not change it.
-    OpenLibraryDatabase(true);
+    const std::unique_ptr<DbConnection> library = OpenLibraryDatabase(true);
     try {
-        LibraryConnection->ExecuteCommand(QStringLiteral("Select * from tblLibItems"));
+        library->ExecuteCommand(QStringLiteral("Select * from tblLibItems"));
     } catch (const AppError &) {
         isLibrary = false;
     }
-    CloseLibraryDatabase();
     return isLibrary;
 }
 

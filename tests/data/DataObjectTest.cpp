@@ -3,6 +3,7 @@
 #include "DbConnection.h"
 #include "Recordset.h"
 #include "TestDatabases.h"
+#include "SchoolDatabase.h"
 #include "UpdateDatabase.h"
 #include "clsDataObject.h"
 
@@ -184,22 +185,19 @@ TEST_F(DataObjectTest, OneOpenLoanPerCopy)
 
 class SharedConnectionTest : public DatabaseTest {};
 
-TEST_F(SharedConnectionTest, TheCentralDatabaseIsReadOnly)
+TEST_F(SharedConnectionTest, TheSchoolDatabaseIsReadOnly)
 {
     central("Insert into general_info(schoolname) values ('Hillview High')");
-    OpenCentralDatabase();
-    ASSERT_TRUE(CentralConnection);
-    EXPECT_EQ(CentralConnection->Execute("Select schoolname from general_info")->field("schoolname").toString(), "Hillview High");
-    EXPECT_THROW(CentralConnection->Execute("Delete * from general_info"), AppError);
-    CloseCentralDatabase();
-    EXPECT_FALSE(CentralConnection);
-    EXPECT_NO_THROW(CloseCentralDatabase());
+    SchoolDatabase school;
+    EXPECT_EQ(school.query("Select schoolname from general_info")->field("schoolname").toString(), "Hillview High");
+    EXPECT_THROW(school.query("Delete * from general_info"), AppError);
+    EXPECT_EQ(SchoolQuery("Select count(*) as n from general_info")->field("n").toInt(), 1);
 }
 
 TEST_F(SharedConnectionTest, FailedOpensAreReportedFromTheCentralModule)
 {
     LibraryDatabasePath = path("gone.db");
-    OpenLibraryDatabase();
+    const std::unique_ptr<DbConnection> library = OpenLibraryDatabase();
     ASSERT_EQ(messages_->shown().size(), 1u);
     const ShownMessage &m = messages_->shown()[0];
     EXPECT_TRUE(m.prompt.startsWith("Error Description: Library Database cannot be opened.\r\n"));
@@ -207,15 +205,15 @@ TEST_F(SharedConnectionTest, FailedOpensAreReportedFromTheCentralModule)
     EXPECT_EQ(m.title, "Error : -2147467259");
     EXPECT_EQ(m.picture, MessagePicture::picError);
     EXPECT_EQ(m.style, 0);
-    EXPECT_EQ(LibraryConnection->state(), DbConnection::adStateClosed);
-    EXPECT_THROW(LibraryConnection->Execute("select * from tblLibItems"), AppError);
-    EXPECT_NO_THROW(CloseLibraryDatabase());
+    EXPECT_EQ(library->state(), DbConnection::adStateClosed);
+    EXPECT_THROW(library->Execute("select * from tblLibItems"), AppError);
 
     messages_->clear();
     CentralDatabasePath = path("gone-too.db");
-    OpenCentralDatabase();
+    SchoolDatabase school;
     ASSERT_EQ(messages_->shown().size(), 1u);
     EXPECT_TRUE(messages_->shown()[0].prompt.startsWith("Error Description: Database cannot be opened.\r\n"));
+    EXPECT_THROW(school.query("Select * from general_info"), AppError);
 }
 
 TEST_F(SharedConnectionTest, ErrorTitlesHaveALeadingBlankForNonNegativeNumbers)
@@ -228,13 +226,14 @@ TEST_F(SharedConnectionTest, ErrorTitlesHaveALeadingBlankForNonNegativeNumbers)
     EXPECT_EQ(messages_->shown()[1].title, "Error : -5");
 }
 
-TEST_F(SharedConnectionTest, TransactionsOnTheLongLivedConnectionRollBack)
+TEST_F(SharedConnectionTest, TransactionsOnALibraryConnectionRollBack)
 {
-    OpenLibraryDatabase();
-    LibraryConnection->BeginTrans();
-    LibraryConnection->Execute("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')");
-    LibraryConnection->RollbackTrans();
-    CloseLibraryDatabase();
+    {
+        const std::unique_ptr<DbConnection> library = OpenLibraryDatabase();
+        library->BeginTrans();
+        library->Execute("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')");
+        library->RollbackTrans();
+    }
     EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
     EXPECT_TRUE(QFile::exists(libraryPath_ + "-wal")); // the library database runs in WAL mode
 }

@@ -29,6 +29,5 @@ int main(int argc, char *argv[])
     } catch (const AppError &e) {
         std::printf("error %s\n", qPrintable(e.description()));
     }
-    CloseLibraryDatabase();
     return 0;
 }

@@ -41,8 +41,6 @@ void DatabaseTest::SetUp()
 
 void DatabaseTest::TearDown()
 {
-    CloseLibraryDatabase();
-    CloseCentralDatabase();
     messages_.reset();
     Clock::setFixed(QDateTime());
     LibraryDatabasePath.clear();
