@@ -29,12 +29,9 @@ void TermSearch::wire(const Controls &controls)
 void TermSearch::fillCombo()
 {
     c_.startText->setEnabled(c_.optStarting->isChecked());
-    try {
+    Trap(objectName(), QStringLiteral("Fillcombo"), [&] {
         fillTerms(c_.optStarting->isChecked() ? c_.startText->text() : QString());
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(objectName(), QStringLiteral("Fillcombo"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void TermSearch::termChosen(int index)
@@ -45,13 +42,10 @@ void TermSearch::termChosen(int index)
         UserMessage(QStringLiteral("You cannot search on more than 5 terms at once"));
         return;
     }
-    try {
+    Trap(objectName(), QStringLiteral("Add Term"), [&] {
         const int id = c_.terms->itemData(index).toInt();
         AddSearchTerm(*c_.grid, id, termTexts(id, c_.terms->itemText(index)));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(objectName(), QStringLiteral("Add Term"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void TermSearch::cmdSearch_Click()

@@ -72,21 +72,18 @@ void frmCategories::fillTree(const QString &categories, const QString &subCatego
 
 void frmCategories::LoadTree()
 {
-    try {
+    Trap(Location, QStringLiteral("LoadTree"), [&] {
         fillTree(QStringLiteral("Select * from tblLibCategories where phasedout = false Order By Category"),
                  QStringLiteral("Select * from tblLibSubCategories where PhasedOut = false order by CategoryID, SubCategory"));
         Fillcombo(data_, ui->cboCategory, QStringLiteral("Select CategoryID,Category from tblLibCategories where PhasedOut = false"), 0, 1);
         data_.CloseCompact();
         ui->cboCategory->setCurrentIndex(-1);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("LoadTree"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmCategories::cboCategory_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cboCategory_Click"), [&] {
         if (ui->cboCategory->currentIndex() < 0) {
             UserMessage(QStringLiteral("Please select a grade."));
             return;
@@ -96,10 +93,7 @@ void frmCategories::cboCategory_Click()
                      + QStringLiteral(" Order By Category"),
                  QStringLiteral(" Select * from tblLibSubCategories") + QStringLiteral(" where CategoryID = ") + id
                      + QStringLiteral(" and PhasedOut = false order by CategoryID, SubCategory"));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cboCategory_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmCategories::tvwCategories_NodeClick(QTreeWidgetItem *node)
@@ -136,7 +130,7 @@ void frmCategories::afterChange()
 
 void frmCategories::cmdCatAdd_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdCatAdd_Click"), [&] {
         const clsTSQL sql;
         if (level_ < 2) {
             const QString name = ui->txtCategory->text().trimmed();
@@ -173,15 +167,12 @@ void frmCategories::cmdCatAdd_Click()
             UserMessage(QStringLiteral("Sub-Category added successfully."));
         }
         afterChange();
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdCatAdd_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmCategories::cmdCatUpdate_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdCatUpdate_Click"), [&] {
         if (level_ == 0) {
             UserMessage(QStringLiteral("No item selected."));
             return;
@@ -202,9 +193,7 @@ void frmCategories::cmdCatUpdate_Click()
             UserMessage(QStringLiteral("Sub-Category was updated successfully."));
         }
         afterChange();
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdCatUpdate_Click"), e);
-    }
+    });
 }
 
 bool frmCategories::linked(const QString &sql)
@@ -216,7 +205,7 @@ bool frmCategories::linked(const QString &sql)
 
 void frmCategories::cmdCatDelete_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdCatDelete_Click"), [&] {
         const QString joins = QStringLiteral(" FROM ((tblLibItems AS i INNER JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID)")
                               + QStringLiteral(" INNER JOIN tblLibSubCategories AS sc ON i.SubCategoryID = sc.SubCategoryID)");
         if (level_ == 0) {
@@ -244,7 +233,5 @@ void frmCategories::cmdCatDelete_Click()
         }
         level_ = 0;
         afterChange();
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdCatDelete_Click"), e);
-    }
+    });
 }

@@ -177,7 +177,7 @@ void frmItemList::fill(const QString &sql)
 
 void frmItemList::cmdSearch_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdSearch_Click"), [&] {
         ui->cmdSearch->setPalette(QPalette());
         if (ui->fpSpreadStock->maxRows() > 0)
             ui->fpSpreadStock->clearRows();
@@ -194,10 +194,7 @@ void frmItemList::cmdSearch_Click()
         mode_ = QStringLiteral("Search");
         order_.reset();
         fill(SearchSelect + SearchFrom + where);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdSearch_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 bool frmItemList::SearchItems(const QString &condition, const QString &mode)
@@ -236,7 +233,7 @@ void frmItemList::cmdKeywordSearch_Click()
 
 void frmItemList::cmdAll_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdAll_Click"), [&] {
         mode_ = QStringLiteral("All");
         order_.reset();
         fill(SearchSelect
@@ -244,20 +241,14 @@ void frmItemList::cmdAll_Click()
              + QStringLiteral(" LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID=i.ItemLanguageID)")
              + QStringLiteral(" Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )")
              + QStringLiteral(" where i.PhasedOut=False  "));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdAll_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemList::cmbCategory_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmbCategory_Click"), [&] {
         FillItemSubCategories(data_, ui->cmbCategory, ui->cmbSubCategory);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmbCategory_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 // The removed-items list and the two flag filters exclude each other; any of them asks for a new search.
@@ -276,13 +267,10 @@ void frmItemList::OrderItems(int column)
 {
     if (listStatement_.isEmpty() || column < 1 || column > 11)
         return;
-    try {
+    Trap(Location, QStringLiteral("Order Items Routine"), [&] {
         order_.choose(QLatin1String(OrderFields[column]));
         fill(listStatement_);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Order Items Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemList::chRestrictAll_Click()
@@ -294,7 +282,7 @@ void frmItemList::chRestrictAll_Click()
 
 void frmItemList::cmdprocess_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Process Data Routine"), [&] {
         const SpreadGrid &grid = *ui->fpSpreadStock;
         if (grid.maxRows() == 0)
             return;
@@ -302,9 +290,7 @@ void frmItemList::cmdprocess_Click()
         for (int row = 1; row <= grid.maxRows(); ++row)
             data_.ExecuteNonQuery(sql.spItemsUpdateRole(grid.cellText(0, row).toInt(), grid.isChecked(RestrictedColumn, row), grid.cellText(LoanTypeColumn, row)));
         UserMessage(QStringLiteral("Your data has been saved."));
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Process Data Routine"), e);
-    }
+    });
 }
 
 void frmItemList::openEditor(int mode)
@@ -313,12 +299,9 @@ void frmItemList::openEditor(int mode)
     screens_.open(QStringLiteral("frmItemAddModify"), QStringLiteral("Item editor"), this);
     if (listStatement_.isEmpty())
         return;
-    try {
+    Trap(Location, QStringLiteral("Refresh"), [&] {
         fill(listStatement_); // what was added or changed shows at once
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Refresh"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemList::cmdNew_Click() { openEditor(0); }
@@ -343,9 +326,7 @@ void frmItemList::cmdEdit_Click()
 
 void frmItemList::cmdPrint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintLandscape, QStringLiteral("Stock Item List"), *ui->fpSpreadStock);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

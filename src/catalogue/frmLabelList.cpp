@@ -99,18 +99,15 @@ void frmLabelList::fill(const QString &sql)
 
 void frmLabelList::cmdAll_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdAll_Click"), [&] {
         order_.reset();
         fill(itemsFrom("INNER") + QStringLiteral(" where i.PhasedOut=False  "));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdAll_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmLabelList::cmdSearch_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdSearch_Click"), [&] {
         const QString terms = criteria_.condition();
         if (terms.isEmpty()) {
             UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
@@ -118,20 +115,14 @@ void frmLabelList::cmdSearch_Click()
         }
         order_.reset();
         fill(itemsFrom("LEFT") + QStringLiteral(" Where i.PhasedOut = False And ") + terms);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdSearch_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmLabelList::cmbCategory_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmbCategory_Click"), [&] {
         FillItemSubCategories(data_, ui->cmbCategory, ui->cmbSubCategory);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmbCategory_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmLabelList::chkAll_Click()
@@ -145,13 +136,10 @@ void frmLabelList::OrderItems(int column)
 {
     if (listStatement_.isEmpty() || column < 1 || column > 6)
         return;
-    try {
+    Trap(Location, QStringLiteral("Order Items Routine"), [&] {
         order_.choose(QLatin1String(OrderFields[column]));
         fill(listStatement_);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Order Items Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 QStringList frmLabelList::tickedTexts(bool barcodes) const

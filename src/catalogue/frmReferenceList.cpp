@@ -72,17 +72,14 @@ void frmReferenceList::fill(const QString &sql)
 
 void frmReferenceList::cmdAll_Click()
 {
-    try {
+    Trap(d_.addLocation, QStringLiteral("cmdAll"), [&] {
         fill(d_.listAll);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(d_.addLocation, QStringLiteral("cmdAll"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmReferenceList::cmdSeach_Click()
 {
-    try {
+    Trap(d_.addLocation, QStringLiteral("cmdSeach"), [&] {
         QString text = ui->txtSearch->text();
         if (!d_.searchBox) { // the keyword list searches by what is typed in the entry
             const Values v = entries(false);
@@ -91,10 +88,7 @@ void frmReferenceList::cmdSeach_Click()
         fill(d_.search(Safesql(text)));
         if (ui->fpSpread->maxRows() < 1)
             UserMessage(QStringLiteral("Match not found"));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(d_.addLocation, QStringLiteral("cmdSeach"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 // Runs the checks in order; the first that finds a row shows its message.
@@ -113,7 +107,7 @@ bool frmReferenceList::refused(const std::vector<Check> &checks)
 
 void frmReferenceList::cmdAdd_Click()
 {
-    try {
+    Trap(d_.addLocation, QStringLiteral("cmdAdd"), [&] {
         const Values raw = entries(false);
         const Values v = entries(true);
         QString refusal = d_.missing(raw);
@@ -129,14 +123,12 @@ void frmReferenceList::cmdAdd_Click()
         UserMessage(d_.added);
         cmdAll_Click();
         cmdClear_Click();
-    } catch (const AppError &e) {
-        ReportError(d_.addLocation, QStringLiteral("cmdAdd"), e);
-    }
+    });
 }
 
 void frmReferenceList::cmdModify_Click()
 {
-    try {
+    Trap(d_.addLocation, QStringLiteral("cmdModify"), [&] {
         if (selectedID_ == 0) {
             UserMessage(d_.noneToEdit);
             return;
@@ -159,14 +151,12 @@ void frmReferenceList::cmdModify_Click()
         UserMessage(d_.updated);
         selectedID_ = 0;
         cmdAll_Click();
-    } catch (const AppError &e) {
-        ReportError(d_.addLocation, QStringLiteral("cmdModify"), e);
-    }
+    });
 }
 
 void frmReferenceList::cmdDelete_Click()
 {
-    try {
+    Trap(d_.addLocation, QStringLiteral("cmdDelete"), [&] {
         if (selectedID_ == 0) {
             UserMessage(d_.noneToDelete);
             return;
@@ -179,9 +169,7 @@ void frmReferenceList::cmdDelete_Click()
         UserMessage(d_.deleted);
         cmdAll_Click();
         cmdClear_Click();
-    } catch (const AppError &e) {
-        ReportError(d_.addLocation, QStringLiteral("cmdDelete"), e);
-    }
+    });
 }
 
 void frmReferenceList::cmdClear_Click()
@@ -206,9 +194,7 @@ void frmReferenceList::fpSpread_Click(int col, int row)
 
 void frmReferenceList::cmdPrint_Click()
 {
-    try {
+    Trap(d_.printLocation, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, d_.printHeading, *ui->fpSpread);
-    } catch (const AppError &e) {
-        ReportError(d_.printLocation, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

@@ -64,17 +64,14 @@ void FrmuserloanHistory::setMember(const QString &memberType, int memberID, cons
 
 void FrmuserloanHistory::showMember()
 {
-    try {
+    Trap(Location, QStringLiteral("Load Member Routine"), [&] {
         ui->memberPanel->showMember(MemberSummary::load(data_, memberType_, memberID_, Clock::today()));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Load Member Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void FrmuserloanHistory::LoadLoanHistory(const QString &mode)
 {
-    try {
+    Trap(QStringLiteral("FrmuserloanHistory"), QStringLiteral("Load Loan History Routine"), [&] {
         const QString select = mode == QLatin1String("C")
                                    ? QStringLiteral("SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Author1, tblLibItems.Title")
                                    : QStringLiteral("SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate,  tblLibItems.Author1, tblLibItems.Title");
@@ -93,10 +90,7 @@ void FrmuserloanHistory::LoadLoanHistory(const QString &mode)
         }
         grid.endFill();
         data_.CloseCompact();
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(QStringLiteral("FrmuserloanHistory"), QStringLiteral("Load Loan History Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void FrmuserloanHistory::gridLoans_Click(int col, int row)
@@ -142,7 +136,7 @@ void FrmuserloanHistory::actionDone(const QString &message)
 
 void FrmuserloanHistory::cmdissue_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Issue Item Routine"), [&] {
         const QString accession = ui->txtAccNo->text().trimmed();
         if (!GetLoanDefaults(accession))
             return;
@@ -159,15 +153,12 @@ void FrmuserloanHistory::cmdissue_Click()
         }
         RecordIssue(data_, accession, memberType_, memberID_, ItemID, due, QStringLiteral("select transactionid from tblLibTransactions where memberid =  "));
         actionDone(QStringLiteral("Your item has been issued"));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Issue Item Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void FrmuserloanHistory::cmdRenew_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Renew Item Routine"), [&] {
         const QString accession = ui->txtAccNo->text().trimmed();
         if (!readyForLoanAction(accession, QStringLiteral("renewed")))
             return;
@@ -175,14 +166,12 @@ void FrmuserloanHistory::cmdRenew_Click()
         const QDate due = Clock::today().addDays(rules_.ExtensionDays);
         if (ReturnOrRenewLoan(accession, Clock::today(), maxRenewals_, QStringLiteral("renewal"), due, rules_.FineAmount, rules_.FineInterval))
             actionDone(QStringLiteral("Your item has been renewed"));
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Renew Item Routine"), e);
-    }
+    });
 }
 
 void FrmuserloanHistory::cmdReturn_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Return Item Routine"), [&] {
         const QString accession = ui->txtAccNo->text().trimmed();
         if (!readyForLoanAction(accession, QStringLiteral("returned")))
             return;
@@ -193,9 +182,7 @@ void FrmuserloanHistory::cmdReturn_Click()
         if (GetNextReservation(ItemID, memberID_, memberType_, &reservedFor))
             UserMessage(QStringLiteral("This item has been reserved for ") + reservedFor + QStringLiteral(" and must be kept aside."));
         actionDone(QStringLiteral("Your item has been returned"));
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Return Item Routine"), e);
-    }
+    });
 }
 
 void FrmuserloanHistory::cmdFine_Click()
@@ -207,9 +194,7 @@ void FrmuserloanHistory::cmdFine_Click()
 
 void FrmuserloanHistory::cmdPrint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, QStringLiteral("User Loan History"), *ui->gridLoans);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

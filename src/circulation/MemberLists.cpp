@@ -94,21 +94,17 @@ MemberPicker::MemberPicker(QAbstractButton *learner, QAbstractButton *educator, 
 
 void MemberPicker::FillMembers()
 {
-    try {
+    Trap(location_, QStringLiteral("FillMembers"), [&] {
         fill_(members_, kind());
-    } catch (const AppError &e) {
-        ReportError(location_, QStringLiteral("FillMembers"), e);
-    }
+    });
 }
 
 void MemberPicker::chosen()
 {
     if (members_->currentIndex() < 0)
         return;
-    try {
+    Trap(location_, QStringLiteral("cboMembers_Click"), [&] {
         Q_EMIT memberChosen();
         number_->setText(GetMemberIDNo(members_->currentData().toInt(), kind()).toString());
-    } catch (const AppError &e) {
-        ReportError(location_, QStringLiteral("cboMembers_Click"), e);
-    }
+    });
 }

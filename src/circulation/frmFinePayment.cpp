@@ -66,7 +66,7 @@ QString frmFinePayment::finesOfMember() const
 
 void frmFinePayment::cmdFind_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdFind_Click"), [&] {
         ClearSpreads();
         const QString number = ui->txtmemberID->text();
         if (number.isEmpty()) {
@@ -77,9 +77,7 @@ void frmFinePayment::cmdFind_Click()
         const QVariant member = GetMemberByIDNo(number, kind_);
         member_ = QString::number(member.isNull() ? 0 : member.toInt());
         LoadFines(finesOfMember() + QStringLiteral(" order by tblLibItems.Title"));
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdFind_Click"), e);
-    }
+    });
 }
 
 void frmFinePayment::LoadFines(const QString &sql)
@@ -145,7 +143,7 @@ void frmFinePayment::ClearSpreads()
 
 void frmFinePayment::btnRemove_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("btnRemove_Click"), [&] {
         SpreadGrid &list = *ui->fpSpreadPayCancel;
         const int row = ui->txtRow->text().trimmed().toInt();
         if (row == 0 || list.maxRows() == 0 || row > list.maxRows())
@@ -155,10 +153,7 @@ void frmFinePayment::btnRemove_Click()
         LoadFines(finesOfMember() + QStringLiteral(" ") + QStringLiteral(" and (tblLibTransactionFines.transactionid = ") + transaction + QStringLiteral(")"));
         ui->txtRow->clear();
         GetTotal();
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("btnRemove_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmFinePayment::markPending(bool pending)
@@ -169,7 +164,7 @@ void frmFinePayment::markPending(bool pending)
 
 void frmFinePayment::cmdPaymentProcess_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Process"), [&] {
         markPending(false);
         SpreadGrid &list = *ui->fpSpreadPayCancel;
         if (list.maxRows() == 0) {
@@ -194,16 +189,12 @@ void frmFinePayment::cmdPaymentProcess_Click()
             ui->txtTotal->setText(QStringLiteral("0"));
         }
         UserMessage(QStringLiteral("Processed Successfully"));
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Process"), e);
-    }
+    });
 }
 
 void frmFinePayment::cmdPrint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, QStringLiteral("FinePayment"), *ui->fpSpreadPayCancel);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

@@ -128,7 +128,7 @@ QString frmIssueSystem::learnerFilter(QComboBox *combo) const
 
 void frmIssueSystem::LoadComboBox()
 {
-    try {
+    Trap(IssueLocation, QStringLiteral("Load ComboBox Routine"), [&] {
         if (memberType_ == QLatin1String("E")) {
             FillMemberCombo(ui->cboMember, QStringLiteral("Select edid,sname,fname from Educators where status = 'C' order by sname,fname"),
                             QStringLiteral("edid"), {QStringLiteral("sname"), QStringLiteral("fname")});
@@ -146,9 +146,7 @@ void frmIssueSystem::LoadComboBox()
             ui->cboGrade->setEditText(QStringLiteral("Optional Grade Filter"));
             loadLearners();
         }
-    } catch (const AppError &e) {
-        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmIssueSystem::loadLearners()
@@ -159,7 +157,7 @@ void frmIssueSystem::loadLearners()
 
 void frmIssueSystem::cboGrade_Click()
 {
-    try {
+    Trap(IssueLocation, QStringLiteral("Load ComboBox Routine"), [&] {
         const QSignalBlocker quiet(ui->cboClass);
         ui->cboClass->clear();
         ui->cboClass->addItem(All);
@@ -169,31 +167,25 @@ void frmIssueSystem::cboGrade_Click()
         ui->cboClass->setEditText(QStringLiteral("Optional Class Filter"));
         loadLearners();
         ui->txtmemberID->clear();
-    } catch (const AppError &e) {
-        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmIssueSystem::cboClass_Click()
 {
-    try {
+    Trap(IssueLocation, QStringLiteral("Load ComboBox Routine"), [&] {
         loadLearners();
         ui->txtmemberID->clear();
-    } catch (const AppError &e) {
-        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmIssueSystem::cboMember_Click()
 {
     if (ui->cboMember->currentIndex() < 0)
         return;
-    try {
+    Trap(IssueLocation, QStringLiteral("Load ComboBox Routine"), [&] {
         ui->txtmemberID->setText(GetMemberIDNo(ui->cboMember->currentData().toInt(), memberType_).toString());
         showMember();
-    } catch (const AppError &e) {
-        ReportError(IssueLocation, QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmIssueSystem::txtmemberID_Enter()
@@ -209,7 +201,7 @@ void frmIssueSystem::showMember()
         ui->memberPanel->clearMember();
         return;
     }
-    try {
+    Trap(IssueLocation, QStringLiteral("Load Member Routine"), [&] {
         const QString kind = MemberKind(ui->optLearner, ui->optEducator);
         const QVariant member = GetMemberByIDNo(number, kind);
         const MemberSummary summary = MemberSummary::load(data_, kind, member.isNull() ? 0 : member.toInt(), Clock::today());
@@ -217,10 +209,7 @@ void frmIssueSystem::showMember()
             ui->memberPanel->showMember(summary);
         else
             ui->memberPanel->showUnknown(number);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(IssueLocation, QStringLiteral("Load Member Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmIssueSystem::showStatus(const QString &text, bool attention)
@@ -233,7 +222,7 @@ void frmIssueSystem::showStatus(const QString &text, bool attention)
 
 void frmIssueSystem::cmdValidate_Click()
 {
-    try {
+    Trap(IssueLocation, QStringLiteral("Issue Item Routine"), [&] {
         const QString accession = ui->txtLoanAccession->text().trimmed();
         const QString number = ui->txtmemberID->text().trimmed();
         if (accession.isEmpty() && number.isEmpty()) {
@@ -272,10 +261,7 @@ void frmIssueSystem::cmdValidate_Click()
             }
         }
         UserMessage(first + QStringLiteral("\r\n") + second);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(IssueLocation, QStringLiteral("Issue Item Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 bool frmIssueSystem::FileExists(const QString &path) const
@@ -465,7 +451,7 @@ void frmIssueSystem::optRenew_Click()
 
 void frmIssueSystem::LoadLoanGrid()
 {
-    try {
+    Trap(IssueLocation, QStringLiteral("Load Grid Routine"), [&] {
         const int transaction = transaction_;
         if (data_.GetData(QStringLiteral("SELECT tLT.AccessionID, tLI.Title, tLT.MemberID, tLT.membertype,tLT.DueDate,tLT.Extensions, tLT.ReturnDate")
                           + QStringLiteral(" FROM tblLibTransactions as tLT INNER JOIN tblLibItems as tLI on tLT.AccessionID = tLI.AccessionID ")
@@ -521,19 +507,14 @@ void frmIssueSystem::LoadLoanGrid()
             status += QStringLiteral(" - keep aside: reserved for ") + reservedFor_;
         showStatus(status, (!fine.isEmpty() && action_ != QLatin1String("Issue")) || !reservedFor_.isEmpty());
         grid.view()->scrollToBottom();
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(IssueLocation, QStringLiteral("Load Grid Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmIssueSystem::cmdPrint_Click()
 {
-    try {
+    Trap(QStringLiteral("frmFinePayment"), QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintLandscape, QStringLiteral("Issue System"), *ui->gridtransactions);
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("frmFinePayment"), QStringLiteral("Print Routine"), e);
-    }
+    });
 }
 
 void frmIssueSystem::cmdDone_Click() { accept(); }

@@ -53,7 +53,7 @@ frmReservedItems::~frmReservedItems() = default;
 
 void frmReservedItems::cmdFind_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdFind_Click"), [&] {
         // Accession number and title go in as typed, their quotes doubled.
         QString criteria;
         if (!ui->txtAccessionNo->text().isEmpty())
@@ -68,20 +68,14 @@ void frmReservedItems::cmdFind_Click()
         criteria += QStringLiteral(" and (r.ReserveDate between #") + SqlDate(ui->dtFrom->date()) + QStringLiteral("# and #")
                     + SqlDate(ui->dtTo->date()) + QStringLiteral("#)");
         FindReservedItems(ListHead + QStringLiteral(" WHERE (r.Canceled=False) ") + criteria + QStringLiteral(" order by i.Title,i.AccessionID"));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdFind_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmReservedItems::cmdFindAll_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdFindAll_Click"), [&] {
         FindReservedItems(ListHead + QStringLiteral(" WHERE (r.Canceled=False) order by i.Title,i.AccessionID "));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdFindAll_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmReservedItems::FindReservedItems(const QString &sql)
@@ -135,7 +129,7 @@ void frmReservedItems::markPending(bool pending)
 
 void frmReservedItems::cmdProceessCancelation_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdProceessCancelation_Click"), [&] {
         SpreadGrid &grid = *ui->fpSpreadReserves;
         if (grid.maxRows() > 0) {
             int cancelled = 0;
@@ -151,16 +145,12 @@ void frmReservedItems::cmdProceessCancelation_Click()
         }
         ui->chCancelAll->setChecked(false);
         markPending(false);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdProceessCancelation_Click"), e);
-    }
+    });
 }
 
 void frmReservedItems::cmdPrint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, QStringLiteral("Reserved Items"), *ui->fpSpreadReserves);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

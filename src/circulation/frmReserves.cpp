@@ -67,7 +67,7 @@ void frmReserves::appendFound()
 
 void frmReserves::cmdFind_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdFind_Click"), [&] {
         ClearGrids();
         const QString accession = ui->txtAccessionNo->text();
         if (!accession.isEmpty()) {
@@ -94,10 +94,7 @@ void frmReserves::cmdFind_Click()
             memberByNumber();
         for (int row = 1; row <= ui->fpSpreadSearch->maxRows(); ++row)
             LoadReserves(ui->fpSpreadSearch->cellText(1, row));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("cmdFind_Click"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 // The member of the typed number, read as the screen always has; nothing of it is shown.
@@ -201,12 +198,9 @@ void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)
 {
     if (col != ReserveColumn || row < 1)
         return;
-    try {
+    Trap(Location, QStringLiteral("fpSpreadSearch_ButtonClicked"), [&] {
         reserve(row);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("fpSpreadSearch_ButtonClicked"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmReserves::reserve(int row)
@@ -250,7 +244,7 @@ void frmReserves::reserve(int row)
 
 void frmReserves::cmdProceessCancelation_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdProceessCancelation_Click"), [&] {
         SpreadGrid &grid = *ui->fpSpreadReserves;
         if (grid.maxRows() == 0)
             return;
@@ -268,16 +262,12 @@ void frmReserves::cmdProceessCancelation_Click()
         UserMessage(QStringLiteral("Item Canceled."));
         ClearGrids();
         cmdFind_Click();
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdProceessCancelation_Click"), e);
-    }
+    });
 }
 
 void frmReserves::cmdPrint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, QStringLiteral("Reserved Items"), *ui->fpSpreadReserves);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

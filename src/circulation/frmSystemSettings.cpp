@@ -116,7 +116,7 @@ void frmSystemSettings::layOutGrid()
 
 void frmSystemSettings::GetSettings()
 {
-    try {
+    Trap(Location, QStringLiteral("Get Settings Routine"), [&] {
         SpreadGrid &g = *ui->gridsettings;
         data_.GetData(QStringLiteral("Select * from tblLibSettings"));
         int row = 0;
@@ -143,15 +143,12 @@ void frmSystemSettings::GetSettings()
         }
         data_.CloseCompact();
         unsaved_ = false;
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Get Settings Routine"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmSystemSettings::cmdSave_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Save Settings"), [&] {
         const SpreadGrid &g = *ui->gridsettings;
         // Checked before anything is deleted, so a number the table cannot hold leaves the old rules in place.
         if (const QString problem = numberProblem(g); !problem.isEmpty()) {
@@ -182,18 +179,14 @@ void frmSystemSettings::cmdSave_Click()
             }
         }
         unsaved_ = false;
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Save Settings"), e);
-    }
+    });
 }
 
 void frmSystemSettings::cmdprint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, QStringLiteral("Library Settings"), *ui->gridsettings);
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }
 
 void frmSystemSettings::cmdDone_Click()

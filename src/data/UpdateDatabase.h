@@ -4,7 +4,8 @@
 
 #include <memory>
 
-class AppError;
+#include "AppError.h"
+
 class DbConnection;
 
 // Process-wide values: where the two databases are.
@@ -33,3 +34,26 @@ void ReportError(const QString &location, const QString &description, const QStr
 void ReportError(const QString &location, const QString &procedure, const AppError &error);
 /// The old runtime's number-to-text conversion: a leading blank for non-negative numbers.
 QString NumberText(double number);
+
+/// The one error trap of a handler: runs work, and an AppError it throws is reported as the
+/// handler's (location, procedure). A screen that reports under another screen's name keeps that
+/// label on purpose; it is pinned by its tests.
+template <typename Work> void Trap(const QString &location, const QString &procedure, Work &&work)
+{
+    try {
+        work();
+    } catch (const AppError &e) {
+        ReportError(location, procedure, e);
+    }
+}
+
+/// The same, with cleanup run before the report (closing what the work left open).
+template <typename Work, typename Cleanup> void Trap(const QString &location, const QString &procedure, Work &&work, Cleanup &&cleanup)
+{
+    try {
+        work();
+    } catch (const AppError &e) {
+        cleanup();
+        ReportError(location, procedure, e);
+    }
+}

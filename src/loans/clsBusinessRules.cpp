@@ -15,14 +15,12 @@ void lookUp(const QString &column, const QString &tableAndCondition, int itemID,
             bool &flag, QString &failureText)
 {
     flag = false;
-    try {
+    Trap(QStringLiteral("Business Rules"), QString::fromLatin1(procedure), [&] {
         clsDataObject data;
         flag = data.GetData(clsTSQL().spGetAID(column, tableAndCondition + QString::number(itemID))) > 0;
         data.CloseCompact();
         failureText = flag ? whenFound : QString();
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("Business Rules"), QString::fromLatin1(procedure), e);
-    }
+    });
 }
 
 } // namespace

@@ -113,13 +113,11 @@ void frmLibraryUsers::LoadStaff(const QString &sql) { load(ui->gridStaff, ui->tx
 
 void frmLibraryUsers::learnerList(const QString &caption, const QString &totalLabel, const QString &sql, const QString &procedure, const QString &location)
 {
-    try {
+    Trap(location, procedure, [&] {
         ui->frLearnerInformation->setTitle(caption);
         ui->lblTotalLeaners->setText(totalLabel);
         LoadLearners(sql);
-    } catch (const AppError &e) {
-        ReportError(location, procedure, e);
-    }
+    });
 }
 
 void frmLibraryUsers::cmdShowAllLearners_Click()
@@ -176,15 +174,13 @@ void frmLibraryUsers::cboClass_Click()
 void frmLibraryUsers::showList(QGroupBox *frame, const QString &caption, bool educators, const QString &sql, const QString &location,
                                const QString &procedure)
 {
-    try {
+    Trap(location, procedure, [&] {
         frame->setTitle(caption);
         if (educators)
             LoadEducators(sql);
         else
             LoadStaff(sql);
-    } catch (const AppError &e) {
-        ReportError(location, procedure, e);
-    }
+    });
 }
 
 void frmLibraryUsers::cmdShowAllEducators_Click()
@@ -266,9 +262,7 @@ void frmLibraryUsers::exportGrid(SpreadGrid *grid, const QString &sheetName)
 
 void frmLibraryUsers::printGrid(SpreadGrid *grid, const QString &heading, const QString &location)
 {
-    try {
+    Trap(location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, heading, *grid);
-    } catch (const AppError &e) {
-        ReportError(location, QStringLiteral("Print Routine"), e);
-    }
+    });
 }

@@ -99,20 +99,18 @@ void frmLibraryReport::reportChosen()
 
 void frmLibraryReport::FillGrades()
 {
-    try {
+    Trap(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), [&] {
         ui->cboGrade->clear();
         const auto rs = SchoolQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
         for (; !rs->atEnd(); rs->MoveNext())
             ui->cboGrade->addItem(rs->field(QStringLiteral("name")).toString(), rs->field(QStringLiteral("id")).toInt());
         ui->cboGrade->setCurrentIndex(-1);
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmLibraryReport::FillClasses()
 {
-    try {
+    Trap(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), [&] {
         ui->cboClass->clear();
         const QString sql = ui->cboGrade->currentIndex() < 0
                                 ? QStringLiteral("Select classname,classid from classes order by grade,classname")
@@ -121,23 +119,19 @@ void frmLibraryReport::FillClasses()
         const auto rs = SchoolQuery(sql);
         AddClassesInNaturalOrder(ui->cboClass, *rs, QStringLiteral("classname"), QStringLiteral("classid"));
         ui->cboClass->setCurrentIndex(-1);
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmLibraryReport::FillMembers()
 {
-    try {
+    Trap(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), [&] {
         const QString k = kind();
         if (k == QLatin1String("L"))
             FillMemberCombo(ui->cboMember, QStringLiteral("Select Learner_Info.id,sname,fname,accessionno,classname   FROM ((Learner_Info INNER JOIN SchoolGrades ON Learner_Info.Grade = SchoolGrades.ID) LEFT JOIN Classes ON Learner_Info.Class = Classes.ClassId) where status = 'C' order by sname,fname"),
                             QStringLiteral("id"), {QStringLiteral("sname"), QStringLiteral("fname"), QStringLiteral("classname"), QStringLiteral("accessionno")});
         else
             FillFinePaymentMembers(ui->cboMember, k);
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmLibraryReport::memberKindChosen()
@@ -153,16 +147,14 @@ void frmLibraryReport::cboMember_Click()
 {
     if (ui->cboMember->currentIndex() < 0)
         return;
-    try {
+    Trap(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), [&] {
         ui->txtMemberID->setText(GetMemberIDNo(ui->cboMember->currentData().toInt(), kind()).toString());
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("FrmissueSystem"), QStringLiteral("Load ComboBox Routine"), e);
-    }
+    });
 }
 
 void frmLibraryReport::cmdView_Click()
 {
-    try {
+    Trap(QStringLiteral("cmdViewClick"), QStringLiteral("View Report"), [&] {
         const QString k = kind();
         const bool learners = k == QLatin1String("L");
         const QString from = SqlDate(ui->dtFrom->date());
@@ -252,8 +244,5 @@ void frmLibraryReport::cmdView_Click()
         report_.finish();
         frmReportViewer viewer(report_, this);
         viewer.exec();
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(QStringLiteral("cmdViewClick"), QStringLiteral("View Report"), e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }

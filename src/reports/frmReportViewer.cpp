@@ -149,14 +149,12 @@ bool frmReportViewer::saveAsPdf(const QString &path) const
 
 void frmReportViewer::cmdPrint_Click()
 {
-    try {
+    Trap(QStringLiteral("frmReportViewer"), QStringLiteral("Print Routine"), [&] {
         PrintJob job;
         setUp(job.printer());
         if (job.choose(this))
             render(job.printer());
-    } catch (const AppError &e) {
-        ReportError(QStringLiteral("frmReportViewer"), QStringLiteral("Print Routine"), e);
-    }
+    });
 }
 
 void frmReportViewer::cmdSavePdf_Click()

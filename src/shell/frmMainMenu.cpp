@@ -153,7 +153,7 @@ void frmMainMenu::showEvent(QShowEvent *event)
 
 void frmMainMenu::Form_Load()
 {
-    try {
+    Trap(Location, QStringLiteral("Form_Load"), [&] {
         CentralDatabasePath = settings_.value(QLatin1String(SettingsStore::CentralDatabaseKey));
         LibraryDatabasePath = settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey));
         readSchoolName();
@@ -170,9 +170,7 @@ void frmMainMenu::Form_Load()
         }
         enableMenu(true);
         upgradeStructure();
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("Form_Load"), e);
-    }
+    });
 }
 
 void frmMainMenu::readSchoolName()
@@ -321,7 +319,7 @@ void frmMainMenu::cmdCompact_Click()
 
 void frmMainMenu::cmdissues_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdissues_Click"), [&] {
         const int rows = data_.GetData(QStringLiteral("Select * from tblLibSettings"));
         data_.CloseCompact();
         if (rows < 1) {
@@ -329,7 +327,5 @@ void frmMainMenu::cmdissues_Click()
             return;
         }
         screens_.open(QStringLiteral("frmIssueSystem"), cmdissues->text(), this, ScreenOptions{optLong->isChecked()});
-    } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdissues_Click"), e);
-    }
+    });
 }
