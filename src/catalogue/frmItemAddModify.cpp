@@ -79,15 +79,9 @@ frmItemAddModify::~frmItemAddModify()
     ui->griditems->blockSignals(true);
 }
 
-void frmItemAddModify::report(const char *routine, const AppError &error)
-{
-    data_.CloseCompact();
-    ReportError(Location, QLatin1String(routine), error);
-}
-
 void frmItemAddModify::Form_Load()
 {
-    try {
+    Trap(Location, QStringLiteral("Form_Load"), [&] {
         PopulateCombo();
         sheet_->LoadCombos(data_);
         switch (mode_) {
@@ -114,9 +108,7 @@ void frmItemAddModify::Form_Load()
         default:
             break; // no mode: the screen stays as loaded
         }
-    } catch (const AppError &e) {
-        report("Form_Load", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::PopulateCombo()
@@ -161,24 +153,20 @@ void frmItemAddModify::griditems_Change(int col, int row)
 
 void frmItemAddModify::refreshSubCategories()
 {
-    try {
+    Trap(Location, QStringLiteral("griditems_Change"), [&] {
         sheet_->loadSubCategories(data_);
-    } catch (const AppError &e) {
-        report("griditems_Change", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cmdSave_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdSave"), [&] {
         ui->cmdSave->setPalette(QPalette());
         if (mode_ == 2)
             editItem();
         else
             addItems();
-    } catch (const AppError &e) {
-        report("cmdSave", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 bool frmItemAddModify::AccessionExists(const QString &accession)
@@ -294,7 +282,7 @@ void frmItemAddModify::showSaved(bool saved)
 
 void frmItemAddModify::cmdNext_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Next Item Routine"), [&] {
         savedItems_.clear();
         sheet_->clearValues();
         ui->gridSearchTerms->clearRows();
@@ -307,45 +295,35 @@ void frmItemAddModify::cmdNext_Click()
         cmdFillcombo_Click();
         cmdGo_Click();
         sheet_->setValue(2, FirstAccessionRow, NextAccessionNumber());
-    } catch (const AppError &e) {
-        report("Next Item Routine", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cmdPrint_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintPortrait, windowTitle() + QStringLiteral(" - Add Item"), *ui->griditems);
-    } catch (const AppError &e) {
-        report("Print Routine", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cmdFillcombo_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdFillcombo"), [&] {
         FillSubjectCombo(data_, ui->cboSubjectClass, ui->txtSubjectTerm->text());
-    } catch (const AppError &e) {
-        report("cmdFillcombo", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cmdGo_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdGo"), [&] {
         FillSubjectCombo(data_, ui->cboSearch, ui->txtSubject->text());
-    } catch (const AppError &e) {
-        report("cmdGo", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cmdGoK_Click()
 {
-    try {
+    Trap(Location, QStringLiteral("cmdGoK"), [&] {
         FillKeywordCombo(data_, ui->cboSearchKeywords, ui->txtKeyword->text());
-    } catch (const AppError &e) {
-        report("cmdGoK", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cboSubjectClass_Click(int index)
@@ -370,12 +348,10 @@ void frmItemAddModify::cboSearchKeywords_Click(int index)
         UserMessage(QStringLiteral("The Maximum of five(5) Keywords has been reached."));
         return;
     }
-    try {
+    Trap(Location, QStringLiteral("cboSearchKeywords"), [&] {
         const int keyID = ui->cboSearchKeywords->itemData(index).toInt();
         AddSearchTerm(*ui->gridKSearchTerms, keyID, KeywordTexts(data_, keyID));
-    } catch (const AppError &e) {
-        report("cboSearchKeywords", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::cmdRemove_Click() { RemoveTermLine(*ui->gridSearchTerms, ui->txtline->text()); }
@@ -389,7 +365,7 @@ void frmItemAddModify::cmdSaveKterms_Click() { SaveLinks(false); }
 // The links are replaced, not merged: for the copied or edited item, or for every copy just saved.
 void frmItemAddModify::SaveLinks(bool subjects)
 {
-    try {
+    Trap(Location, QLatin1String(subjects ? "Link Subjects" : "Link Keywords"), [&] {
         if (itemID_ == 0 && ui->griditems->isEnabled()) {
             UserMessage(subjects ? QStringLiteral("First save the item details before linking subjects")
                                  : QStringLiteral("First save the item details before linking keywords"));
@@ -403,9 +379,7 @@ void frmItemAddModify::SaveLinks(bool subjects)
                 data_.ExecuteNonQuery(subjects ? sql.spSubjectsLinkItem(term, item) : sql.spKeywordsAddItem(term, item));
         }
         UserMessage(QStringLiteral("Saved Successfully"));
-    } catch (const AppError &e) {
-        report(subjects ? "Link Subjects" : "Link Keywords", e);
-    }
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmItemAddModify::openList(const char *screen, const QString &caption)

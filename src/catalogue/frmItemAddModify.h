@@ -58,7 +58,6 @@ private:
     void SaveLinks(bool subjects);
     void showSaved(bool saved);
     void openList(const char *screen, const QString &caption);
-    void report(const char *routine, const class AppError &error);
 
     std::unique_ptr<Ui::frmItemAddModify> ui;
     const ScreenRegistry &screens_;

@@ -71,6 +71,7 @@ void FrmuserloanHistory::showMember()
 
 void FrmuserloanHistory::LoadLoanHistory(const QString &mode)
 {
+    // Spelt unlike the screen's other reports ("FrmUserLoanHistory") on purpose: the label is kept as it was.
     Trap(QStringLiteral("FrmuserloanHistory"), QStringLiteral("Load Loan History Routine"), [&] {
         const QString select = mode == QLatin1String("C")
                                    ? QStringLiteral("SELECT tblLibTransactions.MemberType, tblLibTransactions.MemberID, tblLibTransactions.AccessionID, tblLibTransactions.IssueDate, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Author1, tblLibItems.Title")

@@ -512,6 +512,7 @@ void frmIssueSystem::LoadLoanGrid()
 
 void frmIssueSystem::cmdPrint_Click()
 {
+    // Reported under the fine payment screen's name on purpose: the desk's print has always said so.
     Trap(QStringLiteral("frmFinePayment"), QStringLiteral("Print Routine"), [&] {
         PrintGridWithHeading(PrintLandscape, QStringLiteral("Issue System"), *ui->gridtransactions);
     });

@@ -267,3 +267,16 @@ TEST_F(LibraryReports, ClassesComeInCountingOrderAndEachClassIsTotalled)
     EXPECT_TRUE(summary.contains("Total fines in 10A: 2.00"));
     EXPECT_EQ(summary.last(), "Total fines: 6.00");
 }
+
+TEST_F(LibraryReports, ListsThatCannotBeReadReportUnderTheIssueDesksName)
+{
+    CentralDatabasePath = path("no-school.db");
+    frmLibraryReport screen;
+    QStringList reports;
+    for (const QString &prompt : messages_->prompts())
+        if (prompt.contains("\r\nProcedure: Load ComboBox Routine"))
+            reports << prompt.section("\r\nLocation: ", 1);
+    ASSERT_FALSE(reports.isEmpty()) << messages_->prompts().join('/').toStdString();
+    for (const QString &where : reports)
+        EXPECT_EQ(where, "FrmissueSystem\r\nProcedure: Load ComboBox Routine"); // the borrowed label, on purpose
+}
