@@ -59,12 +59,7 @@ frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
     connect(ui->fpSpreadStock, &SpreadGrid::headerClicked, this, &frmLabelList::OrderItems);
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmLabelList::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
-    try {
-        FillItemCategories(data_, ui->cmbCategory);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Form_Load"), e);
-    }
+    Trap(Location, QStringLiteral("Form_Load"), [&] { FillItemCategories(data_, ui->cmbCategory); }, [&] { data_.CloseCompact(); });
 }
 
 frmLabelList::~frmLabelList() = default;

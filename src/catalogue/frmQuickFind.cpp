@@ -2,7 +2,6 @@
 #include "ui_frmQuickFind.h"
 
 #include "AppError.h"
-#include "MemberLists.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"

@@ -102,16 +102,14 @@ void FrmuserloanHistory::gridLoans_Click(int col, int row)
 
 bool FrmuserloanHistory::GetLoanDefaults(const QString &accession)
 {
-    try {
-        rules_.load(data_, accession, memberType_);
-        maxItems_ = rules_.shown.value(2).toShort();
-        maxRenewals_ = LoanRules::maxRenewals(data_);
-        return true;
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Get Loan Defaults Routine"), e);
-        return false;
-    }
+    return Trap(
+        Location, QStringLiteral("Get Loan Defaults Routine"),
+        [&] {
+            rules_.load(data_, accession, memberType_);
+            maxItems_ = rules_.shown.value(2).toShort();
+            maxRenewals_ = LoanRules::maxRenewals(data_);
+        },
+        [&] { data_.CloseCompact(); });
 }
 
 bool FrmuserloanHistory::readyForLoanAction(const QString &accession, const QString &action)

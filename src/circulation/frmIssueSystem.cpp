@@ -91,11 +91,7 @@ frmIssueSystem::frmIssueSystem(QWidget *parent, const QString &loanType)
     ui->txtmemberID->setFocus();
 
     ui->dtreturnDate->setDate(Clock::today());
-    try {
-        MaxRenewals = LoanRules::maxRenewals(data_);
-    } catch (const AppError &e) {
-        ReportError(IssueLocation, QStringLiteral("Load Loan Defaults"), e);
-    }
+    Trap(IssueLocation, QStringLiteral("Load Loan Defaults"), [&] { MaxRenewals = LoanRules::maxRenewals(data_); });
     memberTypeChosen(QStringLiteral("L"));
     ui->DTPicker1->setDate(Clock::today());
     if (ui->optRenew->isChecked())
@@ -278,16 +274,14 @@ void frmIssueSystem::LoadPhoto(const QString &path)
 
 bool frmIssueSystem::LoadLoanDefaults(const QString &accession, const QString &category)
 {
-    try {
-        rules_.load(data_, accession, category);
-        for (int i = 0; i < 6; ++i)
-            ui->gridloan->setCellText(2 * i + 2, 1, rules_.shown.value(i));
-        return true;
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(IssueLocation, QStringLiteral("Load Loan Defaults"), e);
-        return false;
-    }
+    return Trap(
+        IssueLocation, QStringLiteral("Load Loan Defaults"),
+        [&] {
+            rules_.load(data_, accession, category);
+            for (int i = 0; i < 6; ++i)
+                ui->gridloan->setCellText(2 * i + 2, 1, rules_.shown.value(i));
+        },
+        [&] { data_.CloseCompact(); });
 }
 
 void frmIssueSystem::readyForScan(QLineEdit *box)
@@ -316,7 +310,7 @@ QString deskRefusal(const IssueCheck &check)
 
 void frmIssueSystem::cmdLoanProcess_Click()
 {
-    try {
+    const bool issued = Trap(IssueLocation, QStringLiteral("Issue Item Routine"), [&] {
         const QString accession = ui->txtLoanAccession->text().trimmed();
         if (accession.isEmpty()) {
             UserMessage(QStringLiteral("Please enter item accession number to continue."));
@@ -366,16 +360,14 @@ void frmIssueSystem::cmdLoanProcess_Click()
         showMember();
         ui->txtLoanAccession->clear();
         ui->txtLoanAccession->setFocus();
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(IssueLocation, QStringLiteral("Issue Item Routine"), e);
+    }, [&] { data_.CloseCompact(); });
+    if (!issued)
         readyForScan(ui->txtLoanAccession);
-    }
 }
 
 void frmIssueSystem::cmdProcess_Click()
 {
-    try {
+    const bool worked = Trap(ReturnLocation, QStringLiteral("Return/Renew Item Routine"), [&] {
         const QString accession = ui->txtAccessionReturn->text().trimmed();
         if (accession.isEmpty()) {
             UserMessage(QStringLiteral("Please enter item accession number to continue."));
@@ -431,10 +423,9 @@ void frmIssueSystem::cmdProcess_Click()
         ui->txtAccessionReturn->setFocus();
         LoadLoanGrid();
         showMember();
-    } catch (const AppError &e) {
-        ReportError(ReturnLocation, QStringLiteral("Return/Renew Item Routine"), e);
+    });
+    if (!worked)
         readyForScan(ui->txtAccessionReturn);
-    }
 }
 
 void frmIssueSystem::optReturn_Click()

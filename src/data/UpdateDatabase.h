@@ -36,24 +36,28 @@ void ReportError(const QString &location, const QString &procedure, const AppErr
 QString NumberText(double number);
 
 /// The one error trap of a handler: runs work, and an AppError it throws is reported as the
-/// handler's (location, procedure). A screen that reports under another screen's name keeps that
-/// label on purpose; it is pinned by its tests.
-template <typename Work> void Trap(const QString &location, const QString &procedure, Work &&work)
+/// handler's (location, procedure); false then. A screen that reports under another screen's name
+/// keeps that label on purpose; it is pinned by its tests.
+template <typename Work> bool Trap(const QString &location, const QString &procedure, Work &&work)
 {
     try {
         work();
+        return true;
     } catch (const AppError &e) {
         ReportError(location, procedure, e);
+        return false;
     }
 }
 
 /// The same, with cleanup run before the report (closing what the work left open).
-template <typename Work, typename Cleanup> void Trap(const QString &location, const QString &procedure, Work &&work, Cleanup &&cleanup)
+template <typename Work, typename Cleanup> bool Trap(const QString &location, const QString &procedure, Work &&work, Cleanup &&cleanup)
 {
     try {
         work();
+        return true;
     } catch (const AppError &e) {
         cleanup();
         ReportError(location, procedure, e);
+        return false;
     }
 }

@@ -45,15 +45,13 @@ frmLibraryUsers::frmLibraryUsers(QWidget *parent) : QDialog(parent), ui(std::mak
     for (char letter = 'A'; letter <= 'Z'; ++letter)
         ui->cboFilter->addItem(QString(QLatin1Char(letter)));
     ui->cboFilter->setCurrentIndex(-1);
-    try {
+    Trap(Users, QStringLiteral("Form_Load"), [&] {
         const auto classes = SchoolQuery(QStringLiteral("Select classname,classid from classes order by grade,classname"));
         AddClassesInNaturalOrder(ui->cboClass, *classes, QStringLiteral("classname"), QStringLiteral("classid"));
         const auto grades = SchoolQuery(QStringLiteral("Select name,id from schoolgrades where schoolgrade ='Yes'"));
         for (; !grades->atEnd(); grades->MoveNext())
             ui->cboGrade->addItem(grades->field(QStringLiteral("name")).toString(), grades->field(QStringLiteral("id")).toInt());
-    } catch (const AppError &e) {
-        ReportError(Users, QStringLiteral("Form_Load"), e);
-    }
+    });
     ui->cboGrade->setCurrentIndex(-1);
     ui->cboClass->setCurrentIndex(-1);
     ui->tbApproval->setCurrentIndex(0);
