@@ -88,12 +88,7 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemList::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     CurrentItemID = 0;
-    try {
-        FillItemCategories(data_, ui->cmbCategory);
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, QStringLiteral("Form_Load"), e);
-    }
+    Trap(Location, QStringLiteral("Form_Load"), [&] { FillItemCategories(data_, ui->cmbCategory); }, [&] { data_.CloseCompact(); });
 }
 
 frmItemList::~frmItemList() = default;
@@ -203,15 +198,16 @@ bool frmItemList::SearchItems(const QString &condition, const QString &mode)
         UserMessage(QStringLiteral("Please enter or select at least one search criteria"));
         return false;
     }
-    try {
-        mode_ = mode;
-        order_.reset();
-        fill(mode == QLatin1String("Subject") ? subjectStatement(condition) : clsTSQL().spKeywordsSearchItems(condition));
-    } catch (const AppError &e) {
-        data_.CloseCompact();
-        ReportError(Location, mode + QStringLiteral(" Search"), e);
+    const bool filled = Trap(
+        Location, mode + QStringLiteral(" Search"),
+        [&] {
+            mode_ = mode;
+            order_.reset();
+            fill(mode == QLatin1String("Subject") ? subjectStatement(condition) : clsTSQL().spKeywordsSearchItems(condition));
+        },
+        [&] { data_.CloseCompact(); });
+    if (!filled)
         return false;
-    }
     if (ui->fpSpreadStock->maxRows() == 0) {
         UserMessage(QStringLiteral("There were no items that matched the search"));
         return false;

@@ -47,7 +47,7 @@ void frmQuickFind::cmdFind_Click()
         if (search.box->text().isEmpty())
             continue;
         const QString label = QLatin1String(search.label);
-        try {
+        Trap(QStringLiteral("frmQuickFind"), QStringLiteral("Find by ") + label, [&] {
             SpreadGrid &grid = *ui->gridLocation;
             grid.clearRows();
             const int rows = data_.GetData(clsTSQL().spQSItemsFind(QLatin1String(search.kind), Safesql(search.box->text())));
@@ -77,10 +77,7 @@ void frmQuickFind::cmdFind_Click()
                 throw;
             }
             grid.endFill();
-        } catch (const AppError &e) {
-            data_.CloseCompact();
-            ReportError(QStringLiteral("frmQuickFind"), QStringLiteral("Find by ") + label, e);
-        }
+        }, [&] { data_.CloseCompact(); });
         return; // the first box filled decides the search
     }
 }

@@ -296,7 +296,7 @@ void frmMainMenu::cmdCompact_Click()
                                      "Are you sure you want to continue?")))
         return;
     const QString work = QDir(ApplicationFolder()).filePath(QStringLiteral("library/compact"));
-    try {
+    Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
         data_.CloseCompact();
         QDir(work).removeRecursively();
         QDir().mkpath(work);
@@ -311,10 +311,7 @@ void frmMainMenu::cmdCompact_Click()
             DatabaseFile::replace(LibraryDatabasePath, copy);
         QDir(work).removeRecursively();
         UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
-    } catch (const AppError &e) {
-        QDir(work).removeRecursively();
-        ReportError(Location, QStringLiteral("cmdCompact_Click"), e);
-    }
+    }, [&] { QDir(work).removeRecursively(); });
 }
 
 void frmMainMenu::cmdissues_Click()
