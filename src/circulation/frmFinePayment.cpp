@@ -186,7 +186,7 @@ void frmFinePayment::cmdPaymentProcess_Click()
                                       + QStringLiteral("#") + QStringLiteral(" , PaymentAmount = ") + QString::number(amount, 'g', 15)
                                       + QStringLiteral(" Where TransactionID = ") + QString::number(transaction));
             ClearSpreads();
-            ui->txtTotal->setText(QStringLiteral("0"));
+            ui->txtTotal->setText(Money().toDisplayText()); // money looks like money: "0.00"
         }
         UserMessage(QStringLiteral("Processed Successfully"));
     });

@@ -91,7 +91,7 @@ TEST_F(FinePayment, ProcessingOneFineWritesTheTickDate)
     EXPECT_EQ(sent_, QStringList{" Update tblLibTransactionFines Set PaymentDate = #2026-11-23# , PaymentAmount = 2.5 Where TransactionID = 1"});
     EXPECT_EQ(fines().first(), "1|L|12|2.5|2026-11-23|2.5|False");
     EXPECT_TRUE(rows(*screen, "fpSpreadPayCancel").isEmpty());
-    EXPECT_EQ(total(*screen), "0");
+    EXPECT_EQ(total(*screen), "0.00");
     // A paid fine is never listed again.
     click(*screen, "cmdFind");
     EXPECT_EQ(rows(*screen, "fpSpreadFined"), QStringList{"A2|Book 2|2026-10-02|2026-11-02|1.25|0|0"});
