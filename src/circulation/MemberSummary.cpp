@@ -14,7 +14,8 @@
 QString MemberSummary::standing() const
 {
     if (kind == QLatin1String("L")) {
-        QString text = grade.isEmpty() ? QString() : QStringLiteral("Grade ") + grade;
+        // Schools name their grades "Grade 8" or just "8".
+        QString text = grade.isEmpty() || !grade.front().isDigit() ? grade : QStringLiteral("Grade ") + grade;
         if (!className.isEmpty())
             text += (text.isEmpty() ? QString() : QStringLiteral(", ")) + QStringLiteral("class ") + className;
         return text;

@@ -44,7 +44,7 @@ TEST_F(DeskFlow, MemberFirstThenBooksWithTheMemberInView)
     EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
     EXPECT_EQ(desk->focusWidget(), book);
     EXPECT_EQ(label(*desk, "lblMemberName"), "Botha, Anna");
-    EXPECT_EQ(label(*desk, "lblMemberStanding"), "Grade Grade 8, class 8A");
+    EXPECT_EQ(label(*desk, "lblMemberStanding"), "Grade 8, class 8A");
     EXPECT_EQ(label(*desk, "lblItemsOut"), "Items out: 1");
     EXPECT_EQ(label(*desk, "lblOverdue"), "Overdue: 1");
     EXPECT_TRUE(attention(*desk, "lblOverdue"));
