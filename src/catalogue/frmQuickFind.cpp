@@ -58,7 +58,7 @@ void frmQuickFind::cmdFind_Click()
             }
             const std::shared_ptr<Recordset> found = data_.rst;
             data_.CloseCompact();
-            grid.beginFill();
+            const FillScope fill(grid);
             grid.setMaxRows(rows);
             std::vector<int> items;
             items.reserve(size_t(rows));
@@ -70,13 +70,7 @@ void frmQuickFind::cmdFind_Click()
                 grid.setCellText(4, row, found->field(QStringLiteral("shelfnumber")).toString());
                 items.push_back(found->field(QStringLiteral("itemid")).toInt());
             }
-            try {
-                showAvailability(items);
-            } catch (...) {
-                grid.endFill();
-                throw;
-            }
-            grid.endFill();
+            showAvailability(items);
         }, [&] { data_.CloseCompact(); });
         return; // the first box filled decides the search
     }

@@ -23,7 +23,7 @@ void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idFiel
     // A school's learners run into thousands: the entries are built in a model of their own and
     // handed to the combo at once, instead of one insertion (and one relayout) per entry.
     auto *entries = new QStandardItemModel(combo);
-    const int name = rs->fieldIndex(idField);
+    const int id = rs->fieldIndex(idField);
     std::vector<int> fields;
     for (const QString &field : textFields)
         fields.push_back(rs->fieldIndex(field));
@@ -36,7 +36,7 @@ void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idFiel
             text += rs->field(fields[i]).toString();
         }
         auto *entry = new QStandardItem(text);
-        entry->setData(rs->field(name).toInt(), Qt::UserRole);
+        entry->setData(rs->field(id).toInt(), Qt::UserRole);
         entries->appendRow(entry);
     }
     // Sized by a typical entry, not by measuring thousands of names each time the form is laid out.

@@ -27,3 +27,12 @@ public:
     virtual void beginFill() {}
     virtual void endFill() {}
 };
+
+/// A fill bracket that is closed however the fill ends.
+struct FillScope {
+    GridTarget &grid;
+    explicit FillScope(GridTarget &g) : grid(g) { grid.beginFill(); }
+    ~FillScope() { grid.endFill(); }
+    FillScope(const FillScope &) = delete;
+    FillScope &operator=(const FillScope &) = delete;
+};

@@ -172,15 +172,6 @@ void clsDataObject::openForReading(const QString &sql)
     rstRecordSetOpen();
 }
 
-namespace {
-struct FillScope {
-    GridTarget &grid;
-    explicit FillScope(GridTarget &g) : grid(g) { grid.beginFill(); }
-    ~FillScope() { grid.endFill(); }
-    FillScope(const FillScope &) = delete;
-    FillScope &operator=(const FillScope &) = delete;
-};
-} // namespace
 
 void clsDataObject::fillRows(GridTarget &grid, int firstRow, bool widen)
 {

@@ -187,16 +187,13 @@ double SpreadGrid::cellTextWidth(int col, int row) const
 {
     if (!spans_.empty() && std::find(spans_.begin(), spans_.end(), std::pair{col, row}) != spans_.end())
         return 0; // laid across the columns to its right
-    if (model_->columnMoney(col)) {
-        const QByteArray shown = model_->shownText(col, row).toUtf8();
-        return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_;
-    }
     const SpreadModel::CellType type = model_->cellType(col, row);
     if (type == SpreadModel::CellType::CheckBox)
         return view_->style()->pixelMetric(QStyle::PM_IndicatorWidth) + 4;
-    if (type == SpreadModel::CellType::Button && model_->cellUtf8(col, row).empty()) {
+    const bool caption = type == SpreadModel::CellType::Button && model_->cellUtf8(col, row).empty(); // the button's own text
+    if (caption || model_->columnMoney(col)) {
         const QByteArray shown = model_->shownText(col, row).toUtf8();
-        return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_ + CellPadding;
+        return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_ + (caption ? CellPadding : 0);
     }
     const std::string &text = model_->cellUtf8(col, row);
     if (!wrap_)

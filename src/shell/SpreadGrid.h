@@ -96,13 +96,6 @@ public:
     /// without widening the column it starts in.
     void spanToEnd(int col, int row);
 
-    /// The width a column is shown at, in pixels: its set width, but never narrower than its
-    /// caption or its widest value.
-    int shownWidth(int col) const;
-    /// The widths a column needs, in pixels of the screen: its caption and its widest value.
-    int captionWidth(int col) const;
-    int valueWidth(int col) const;
-
     QTableView *view() const { return view_; }
     SpreadModel *model() const { return model_; }
 
@@ -132,6 +125,11 @@ private:
     void applyWidth(int col);
     void measureFont();
     void fitSheet();
+    /// The width a column is shown at, in pixels: its set width, but never narrower than its
+    /// caption or its widest value (both in pixels of the screen).
+    int shownWidth(int col) const;
+    int captionWidth(int col) const;
+    int valueWidth(int col) const;
     /// Widest value of a column (screen pixels) and the row holding it; measured after a fill
     /// and grown as single cells change.
     void measureColumn(int col);

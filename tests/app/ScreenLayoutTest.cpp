@@ -9,6 +9,7 @@
 #include "MemberScreens.h"
 #include "ReportScreens.h"
 #include "SchoolGenerator.h"
+#include "ScreenDriver.h"
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
@@ -123,28 +124,6 @@ protected:
     static inline QTemporaryDir *school_ = nullptr;
 };
 
-void expectGridReadable(const SpreadGrid &grid, const std::string &where)
-{
-    const QTableView *view = grid.view();
-    const QFontMetricsF values(view->font());
-    QFont bold = view->horizontalHeader()->font();
-    bold.setBold(true);
-    const QFontMetricsF captions(bold);
-    const bool wraps = view->wordWrap();
-    for (int c = 1; c <= grid.maxCols(); ++c) {
-        const int width = view->columnWidth(c - 1);
-        EXPECT_GE(width, captions.horizontalAdvance(grid.cellText(c, 0))) << where << " caption " << grid.cellText(c, 0).toStdString();
-        for (int r = 1; r <= std::min(grid.maxRows(), 300); ++r) {
-            const QString shown = grid.model()->data(grid.model()->index(r - 1, c - 1), Qt::DisplayRole).toString();
-            int room = 0; // a note spanning several columns has their width
-            for (int k = 0; k < view->columnSpan(r - 1, c - 1); ++k)
-                room += view->columnWidth(c - 1 + k);
-            for (const QString &piece : wraps ? shown.split(' ') : QStringList{shown})
-                ASSERT_GE(room, values.horizontalAdvance(piece) + 4) << where << " row " << r << " column " << c << ": " << piece.toStdString();
-        }
-    }
-}
-
 } // namespace
 
 TEST_P(ScreenLayout, NothingIsCut)
@@ -163,7 +142,7 @@ TEST_P(ScreenLayout, NothingIsCut)
     for (const SpreadGrid *grid : screen->findChildren<SpreadGrid *>()) {
         if (!grid->isVisibleTo(screen.get()))
             continue;
-        expectGridReadable(*grid, where + " " + grid->objectName().toStdString());
+        ScreenDriver::expectColumnsHoldTheirText(*grid, where + " " + grid->objectName().toStdString());
         filled += grid->maxRows() > 0;
         if (grid->view()->horizontalScrollBarPolicy() == Qt::ScrollBarAlwaysOff) { // a sheet: every column in view
             EXPECT_LE(grid->view()->horizontalHeader()->length(), grid->view()->viewport()->width()) << where << " " << grid->objectName().toStdString();

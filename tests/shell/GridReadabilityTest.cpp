@@ -2,6 +2,7 @@
 // as money, sheets that tab between the cells one fills in, and classes in counting order.
 #include "MessageScript.h"
 #include "NaturalOrder.h"
+#include "ScreenDriver.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
@@ -29,35 +30,17 @@ void fillNarrowList(SpreadGrid &grid)
             grid.setCellText(c + 1, r + 1, QString::fromLatin1(rows[r][c]));
 }
 
-// Every column at least as wide as its caption and each value it shows (screen pixels).
-void expectNothingCut(const SpreadGrid &grid)
-{
-    const QTableView *view = grid.view();
-    const QFontMetricsF values(view->font());
-    QFont bold = view->horizontalHeader()->font();
-    bold.setBold(true);
-    const QFontMetricsF captions(bold);
-    for (int c = 1; c <= grid.maxCols(); ++c) {
-        const int width = view->columnWidth(c - 1);
-        EXPECT_GE(width, captions.horizontalAdvance(grid.cellText(c, 0))) << grid.cellText(c, 0).toStdString();
-        for (int r = 1; r <= grid.maxRows(); ++r) {
-            const QString shown = grid.model()->data(grid.model()->index(r - 1, c - 1), Qt::DisplayRole).toString();
-            EXPECT_GE(width, values.horizontalAdvance(shown) + 4) << shown.toStdString();
-        }
-    }
-}
-
 } // namespace
 
 TEST(GridReadability, ColumnsHoldTheirCaptionsAndWholeValuesAtAnyFontSize)
 {
     SpreadGrid grid;
     fillNarrowList(grid);
-    expectNothingCut(grid);
+    ScreenDriver::expectColumnsHoldTheirText(grid, "list");
     QFont larger = grid.font();
     larger.setPointSizeF(larger.pointSizeF() * 1.25);
     grid.setFont(larger);
-    expectNothingCut(grid);
+    ScreenDriver::expectColumnsHoldTheirText(grid, "list");
 
     // A longer value widens its column; removing it gives the room back.
     const int before = grid.view()->columnWidth(0);

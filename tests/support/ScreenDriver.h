@@ -4,9 +4,15 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QFontMetricsF>
+#include <QHeaderView>
+#include <QTableView>
 #include <QLineEdit>
 #include <QStringList>
 #include <QWidget>
+
+#include <algorithm>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +61,30 @@ inline void choose(QWidget &screen, const char *combo, const QString &text)
     ASSERT_GE(index, 0) << text.toStdString();
     box->setCurrentIndex(index);
     Q_EMIT box->activated(index);
+}
+
+/// Every column of a grid at least as wide as its caption (measured bold) and as each value it
+/// shows (the first 300 rows; a wrapping grid word by word, a spanning note across its span).
+inline void expectColumnsHoldTheirText(const SpreadGrid &grid, const std::string &where)
+{
+    const QTableView *view = grid.view();
+    const QFontMetricsF values(view->font());
+    QFont bold = view->horizontalHeader()->font();
+    bold.setBold(true);
+    const QFontMetricsF captions(bold);
+    const bool wraps = view->wordWrap();
+    for (int c = 1; c <= grid.maxCols(); ++c) {
+        const int width = view->columnWidth(c - 1);
+        EXPECT_GE(width, captions.horizontalAdvance(grid.cellText(c, 0))) << where << " caption " << grid.cellText(c, 0).toStdString();
+        for (int r = 1; r <= std::min(grid.maxRows(), 300); ++r) {
+            const QString shown = grid.model()->data(grid.model()->index(r - 1, c - 1), Qt::DisplayRole).toString();
+            int room = 0; // a note spanning several columns has their width
+            for (int k = 0; k < view->columnSpan(r - 1, c - 1); ++k)
+                room += view->columnWidth(c - 1 + k);
+            for (const QString &piece : wraps ? shown.split(' ') : QStringList{shown})
+                ASSERT_GE(room, values.horizontalAdvance(piece) + 4) << where << " row " << r << " column " << c << ": " << piece.toStdString();
+        }
+    }
 }
 
 } // namespace ScreenDriver
