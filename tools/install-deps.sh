@@ -3,7 +3,8 @@
 set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
           qt6-base-dev qt6-base-dev-tools libgl-dev
-          libsqlite3-dev libgtest-dev
+          libsqlite3-dev libpq-dev libgtest-dev
+          postgresql postgresql-contrib  # the library database on a server; tests start a private one
           libzint-dev glabels-data libxlsxwriter-dev  # barcodes, label stocks, spreadsheets
           unzip  # tests open the exported workbooks
           poppler-utils zbar-tools)  # tests read printed pages and barcodes back

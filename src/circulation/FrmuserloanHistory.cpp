@@ -150,7 +150,12 @@ void FrmuserloanHistory::cmdissue_Click()
             UserMessage(historyRefusal(check));
             return;
         }
-        RecordIssue(data_, accession, memberType_, memberID_, ItemID, due, QStringLiteral("select transactionid from tblLibTransactions where memberid =  "));
+        if (RecordIssue(data_, accession, memberType_, memberID_, ItemID, due,
+                        QStringLiteral("select transactionid from tblLibTransactions where memberid =  "))
+            == LentElsewhere) {
+            UserMessage(historyRefusal(IssueCheck{IssueRefusal::OnLoan, ItemID, QString()}));
+            return;
+        }
         actionDone(QStringLiteral("Your item has been issued"));
     }, [&] { data_.CloseCompact(); });
 }

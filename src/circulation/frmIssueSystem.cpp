@@ -352,8 +352,14 @@ void frmIssueSystem::cmdLoanProcess_Click()
             readyForScan(ui->txtLoanAccession);
             return;
         }
-        transaction_ = RecordIssue(data_, accession, type, member, check.itemID, due,
-                                   QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
+        const int recorded = RecordIssue(data_, accession, type, member, check.itemID, due,
+                                         QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
+        if (recorded == LentElsewhere) {
+            UserMessage(deskRefusal(IssueCheck{IssueRefusal::OnLoan, check.itemID, QString()}));
+            readyForScan(ui->txtLoanAccession);
+            return;
+        }
+        transaction_ = recorded;
         action_ = QStringLiteral("Issue");
         reservedFor_.clear();
         LoadLoanGrid();

@@ -1,4 +1,6 @@
 #include "frmReserves.h"
+
+#include "Reservations.h"
 #include "ui_frmReserves.h"
 
 #include "AppError.h"
@@ -159,41 +161,6 @@ void frmReserves::LoadReservationLimits()
     data_.CloseCompact();
 }
 
-int frmReserves::CountItemReservations(const QString &kind, int itemID)
-{
-    const int n = data_.GetData(QStringLiteral(" select * from tblLibReserves") + QStringLiteral(" where MemberType = '") + kind + QStringLiteral("'")
-                                + QStringLiteral(" and canceled <> true and ItemID = ") + QString::number(itemID));
-    data_.CloseCompact();
-    return n;
-}
-
-int frmReserves::CountMemberReservations(const QString &kind, int member)
-{
-    const int n = data_.GetData(QStringLiteral(" select * from tblLibReserves") + QStringLiteral(" where MemberType = '") + kind + QStringLiteral("'")
-                                + QStringLiteral(" and MemberID = ") + QString::number(member) + QStringLiteral(" and canceled <> true"));
-    data_.CloseCompact();
-    return n;
-}
-
-bool frmReserves::ItemOnShelf()
-{
-    const int n = data_.GetData(QStringLiteral(" select * from tblLibItems")
-                                + QStringLiteral(" inner join tblLibTransactions on tblLibTransactions.ItemID = tblLibItems.ItemID")
-                                + QStringLiteral(" where (tblLibTransactions.returned <> true or tblLibTransactions.returned = false) and tblLibTransactions.AccessionID = '")
-                                + Safesql(ui->txtAccessionNo->text()) + QStringLiteral("'"));
-    data_.CloseCompact();
-    return n < 1;
-}
-
-bool frmReserves::CheckDuplicates(const QString &kind, int member, int itemID)
-{
-    const int n = data_.GetData(QStringLiteral(" select * from tblLibReserves") + QStringLiteral(" where (MemberType = '") + kind + QStringLiteral("'")
-                                + QStringLiteral(" and MemberID = ") + QString::number(member) + QStringLiteral(" and ItemID = ")
-                                + QString::number(itemID) + QStringLiteral(" And Canceled = False)"));
-    data_.CloseCompact();
-    return n > 0;
-}
-
 void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)
 {
     if (col != ReserveColumn || row < 1)
@@ -221,22 +188,11 @@ void frmReserves::reserve(int row)
     ui->txtAccessionNo->setText(search.cellText(1, row));
     const int itemID = search.cellText(0, row).toInt();
     LoadReservationLimits();
-    const char *refusal = nullptr;
-    if (!(maxItemReservations_ > CountItemReservations(kind_, itemID)))
-        refusal = "Item has reached its maximum reservation";
-    else if (maxMemberReservations_ <= CountMemberReservations(kind_, member))
-        refusal = "User exceeded the max user Reservation";
-    else if (ItemOnShelf())
-        refusal = "This item is on the shelf and it can not be reserved";
-    else if (CheckDuplicates(kind_, member, itemID))
-        refusal = "Members can not reserve the same item more than once";
-    if (refusal) {
-        UserMessage(QString::fromLatin1(refusal));
+    const QString refusal = PlaceReservation({kind_, member, itemID, ui->txtAccessionNo->text(), maxItemReservations_, maxMemberReservations_});
+    if (!refusal.isEmpty()) {
+        UserMessage(refusal);
         return;
     }
-    data_.ExecuteNonQuery(QStringLiteral(" insert into tblLibReserves(MemberType,MemberID,ItemID,ReserveDate)") + QStringLiteral(" values('")
-                          + kind_ + QStringLiteral("',") + QString::number(member) + QLatin1Char(',') + QString::number(itemID)
-                          + QStringLiteral(",#") + SqlDate(Clock::today()) + QStringLiteral("#)"));
     search.removeRow(row);
     UserMessage(QStringLiteral("The item has been reserved"));
     cmdFind_Click();

@@ -26,10 +26,6 @@ public Q_SLOTS:
 
 public:
     void LoadReserves(const QString &accession);
-    bool CheckDuplicates(const QString &kind, int member, int itemID);
-    bool ItemOnShelf();
-    int CountItemReservations(const QString &kind, int itemID);
-    int CountMemberReservations(const QString &kind, int member);
     void LoadReservationLimits();
     void ClearGrids();
     /// The field check: "Item was not found" or "Member not found"; true when both are found.

@@ -10,6 +10,16 @@ class AppError : public std::runtime_error {
 public:
     AppError(double number, const QString &description, const QString &statement = QString());
 
+    /// What a routine may do about a database failure besides reporting it.
+    enum class Cause {
+        Other,
+        Duplicate,      // a unique index refused the row (another desk wrote it first)
+        WriteConflict,  // another desk changed the same rows at the same time: run the work again
+        ConnectionLost, // the server went away; nothing of the open transaction was kept
+    };
+    AppError(double number, const QString &description, const QString &statement, Cause cause);
+    Cause cause() const { return cause_; }
+
     double number() const { return number_; }
     const QString &description() const { return description_; }
     /// The statement as the screen wrote it (before any dialect translation); empty when not a database error.
@@ -23,9 +33,14 @@ public:
     static constexpr double ProviderError = -2147467259;   // 0x80004005, the provider's unspecified error
     static constexpr double SyntaxError = -2147217900;     // 0x80040E14
     static constexpr double DataTypeMismatch = -2147217913; // 0x80040E07
+    static constexpr double ConnectionFailure = -2147467259; // the provider's unspecified error, as for a lost link
+
+    /// Jet's words for a row refused by a unique index (the same on every engine).
+    static QString duplicateValuesText();
 
 private:
     double number_;
     QString description_;
     QString statement_;
+    Cause cause_ = Cause::Other;
 };

@@ -1,5 +1,6 @@
 #include "ConnectionPool.h"
 
+#include "PostgresDatabase.h"
 #include "SqliteDatabase.h"
 
 #include <QFileInfo>
@@ -9,6 +10,8 @@ constexpr size_t MaxIdlePerDatabase = 4;
 
 QString poolKey(const QString &location)
 {
+    if (PostgresDatabase::isServerLocation(location))
+        return location;
     const QFileInfo info(location);
     return info.exists() ? info.absoluteFilePath() : location;
 }
@@ -26,10 +29,13 @@ std::shared_ptr<PhysicalConnection> ConnectionPool::acquire(const QString &locat
     const QString key = poolKey(location);
     std::unique_ptr<PhysicalConnection> connection;
     auto it = idle_.find({key, readOnly});
-    if (it != idle_.end() && !it->second.empty()) {
+    while (it != idle_.end() && !it->second.empty() && !connection) {
         connection = std::move(it->second.back());
         it->second.pop_back();
-    } else {
+        if (!connection->usable())
+            connection.reset(); // the server closed it while it lay idle
+    }
+    if (!connection) {
         connection = openDatabase(location, readOnly);
     }
     return std::shared_ptr<PhysicalConnection>(connection.release(), [this, key, readOnly](PhysicalConnection *c) {
@@ -40,6 +46,8 @@ std::shared_ptr<PhysicalConnection> ConnectionPool::acquire(const QString &locat
 void ConnectionPool::giveBack(const QString &location, bool readOnly, PhysicalConnection *connection)
 {
     std::unique_ptr<PhysicalConnection> owned(connection);
+    if (!owned->usable())
+        return;
     if (owned->inTransaction()) {
         try {
             owned->rollbackTransaction();
@@ -71,10 +79,15 @@ size_t ConnectionPool::idleCount() const
 
 std::unique_ptr<PhysicalConnection> openDatabase(const QString &location, bool readOnly)
 {
+    if (PostgresDatabase::isServerLocation(location))
+        return std::make_unique<PostgresDatabase>(location, readOnly);
     return std::make_unique<SqliteDatabase>(location, readOnly);
 }
 
 void createDatabaseFile(const QString &location)
 {
-    SqliteDatabase::createFile(location);
+    if (PostgresDatabase::isServerLocation(location))
+        PostgresDatabase::prepareEmptyDatabase(location);
+    else
+        SqliteDatabase::createFile(location);
 }

@@ -4,6 +4,9 @@
 #include "ConnectionPool.h"
 #include "Recordset.h"
 
+#include <QRandomGenerator>
+#include <QThread>
+
 namespace {
 QStringList *traceSink = nullptr;
 
@@ -71,3 +74,28 @@ int DbConnection::ExecuteCommand(const QString &sql)
 void DbConnection::BeginTrans() { physical().beginTransaction(); }
 void DbConnection::CommitTrans() { physical().commitTransaction(); }
 void DbConnection::RollbackTrans() { physical().rollbackTransaction(); }
+
+bool DbConnection::RunTransaction(const std::function<bool()> &work)
+{
+    constexpr int Attempts = 20;
+    for (int attempt = 1;; ++attempt) {
+        BeginTrans();
+        try {
+            const bool keep = work();
+            if (keep)
+                CommitTrans();
+            else
+                RollbackTrans();
+            return keep;
+        } catch (const AppError &e) {
+            RollbackTrans();
+            if (e.cause() != AppError::Cause::WriteConflict || attempt == Attempts)
+                throw;
+        } catch (...) {
+            RollbackTrans();
+            throw;
+        }
+        // A short, uneven pause so the desks do not meet again at once.
+        QThread::usleep(QRandomGenerator::global()->bounded(500u, 3000u) * unsigned(attempt < 5 ? attempt : 5));
+    }
+}

@@ -47,6 +47,12 @@ public:
     void CommitTrans();
     void RollbackTrans();
 
+    /// Runs work inside one transaction: committed when work answers true, rolled back when it
+    /// answers false or throws. When another desk changed the same rows at the same moment the
+    /// server refuses one of them (AppError::Cause::WriteConflict): its work is rolled back and
+    /// run again from the start, so it sees the other desk's result. Returns work's answer.
+    bool RunTransaction(const std::function<bool()> &work);
+
     /// While set, every statement run through any connection is appended to *sink
     /// as written (tests assert the exact text a routine sends).
     static void traceStatements(QStringList *sink);

@@ -108,6 +108,10 @@ public:
         sql += ")";
         TranslatedStatement ts;
         ts.sql = std::move(sql);
+        std::vector<DialectTraits::ColumnMade> made;
+        for (const Column &c : columns)
+            made.push_back({c.name, c.identity ? JetColumnType{JetColumnType::Counter, 0} : c.type, c.name == counterKey});
+        traits_.afterColumnsMade(table, made, false, &ts.after);
         return ts;
     }
 
@@ -141,6 +145,7 @@ public:
         if (add) {
             ts.sql = "ALTER TABLE " + traits_.quoteName(table) + " ADD COLUMN "
                      + traits_.columnDefinition(column, type, false, false, std::string());
+            traits_.afterColumnsMade(table, {{column, type, false}}, true, &ts.after);
             return ts;
         }
         ts.kind = TranslatedStatement::AlterColumnType;

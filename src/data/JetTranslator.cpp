@@ -73,7 +73,7 @@ struct Item {
 class Rewriter {
 public:
     Rewriter(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql)
-        : traits_(traits), t_(tokens), sql_(sql), slots_(tokens.size(), -1), close_(tokens.size(), 0)
+        : traits_(traits), t_(tokens), sql_(sql), slots_(tokens.size(), -1), close_(tokens.size(), 0), dropped_(tokens.size(), false)
     {
         // A literal's slot is its position among the statement's literals.
         int slot = 0;
@@ -118,6 +118,11 @@ private:
             const JetToken &tok = t_[i];
             if (tok.isSymbol("(")) {
                 const size_t close = matchParen(i, hi);
+                if (loneTable(i, close)) {
+                    // FROM (tblLibItems) or JOIN (t AS x): Jet allows brackets round a single table, not every engine does.
+                    dropped_[close] = true;
+                    continue;
+                }
                 if (close == i + 1 && i > lo && t_[i - 1].isWord("in"))
                     fail("Syntax error (missing operator) in query expression: an IN list needs at least one value.", sql_);
                 Out group{OutTok{"("}};
@@ -137,8 +142,11 @@ private:
                 i = close;
                 continue;
             }
-            if (tok.isSymbol(")"))
+            if (tok.isSymbol(")")) {
+                if (dropped_[i])
+                    continue;
                 fail("Extra ) in query expression.", sql_);
+            }
             if (tok.isLiteral()) {
                 Item item;
                 item.toks.push_back(OutTok{std::string(), slots_[i], tok.kind});
@@ -149,7 +157,7 @@ private:
             }
             if (tok.kind == JetToken::Bracketed) {
                 Item item;
-                item.toks.push_back(OutTok{std::string(tok.text)});
+                item.toks.push_back(OutTok{traits_.bracketedName(tok.text.substr(1, tok.text.size() - 2))});
                 item.simpleName = true;
                 item.lastName = lowerCopy(tok.text.substr(1, tok.text.size() - 2));
                 st.segment.push_back(std::move(item));
@@ -164,7 +172,8 @@ private:
                 if (next.kind != JetToken::Word && next.kind != JetToken::Bracketed && !next.isSymbol("*"))
                     fail("Syntax error in query expression.", sql_);
                 prev.toks.push_back(OutTok{"."});
-                prev.toks.push_back(OutTok{std::string(next.text)});
+                prev.toks.push_back(OutTok{next.kind == JetToken::Bracketed ? traits_.bracketedName(next.text.substr(1, next.text.size() - 2))
+                                                                            : std::string(next.text)});
                 prev.lastName = next.kind == JetToken::Bracketed ? lowerCopy(next.text.substr(1, next.text.size() - 2))
                                                                   : lowerCopy(next.text);
                 prev.callable = false;
@@ -181,7 +190,7 @@ private:
                 Item item;
                 item.isOperator = true;
                 item.op = std::string(tok.text);
-                item.toks.push_back(OutTok{std::string(tok.text)});
+                item.toks.push_back(OutTok{tok.text == "/" ? std::string(traits_.divideOperator()) : std::string(tok.text)});
                 st.segment.push_back(std::move(item));
                 continue;
             }
@@ -217,6 +226,21 @@ private:
             st.out.push_back(OutTok{std::string(), st.limitSlot, JetToken::Number});
         }
         return std::move(st.out);
+    }
+
+    bool loneTable(size_t open, size_t close) const
+    {
+        if (open == 0 || !(t_[open - 1].isWord("from") || t_[open - 1].isWord("join")))
+            return false;
+        auto name = [&](size_t k) {
+            return t_[k].kind == JetToken::Bracketed || (t_[k].kind == JetToken::Word && !isBoundaryKeyword(lowerCopy(t_[k].text)));
+        };
+        const size_t n = close - open - 1;
+        if (n == 1)
+            return name(open + 1);
+        if (n == 2)
+            return name(open + 1) && name(open + 2);
+        return n == 3 && name(open + 1) && t_[open + 2].isWord("as") && name(open + 3);
     }
 
     void wrapNumericCall(Item &call) const
@@ -277,7 +301,10 @@ private:
             st.inSelectList = false;
             st.inOrderBy = false;
         }
-        st.out.push_back(OutTok{lw == "distinctrow" ? std::string("DISTINCT") : std::string(t_[i].text)});
+        if (lw == "like")
+            st.out.push_back(OutTok{traits_.likeKeyword()});
+        else
+            st.out.push_back(OutTok{lw == "distinctrow" ? std::string("DISTINCT") : std::string(t_[i].text)});
         return i;
     }
 
@@ -313,12 +340,12 @@ private:
                     append(emitted, parts[p][0].toks);
                     continue;
                 }
-                emitted.push_back(OutTok{"ifnull", -1, JetToken::Number, true});
-                emitted.push_back(OutTok{"("});
+                const DialectTraits::Wrapper text = traits_.concatOperand();
+                for (size_t k = 0; k < text.before.size(); ++k)
+                    emitted.push_back(OutTok{text.before[k], -1, JetToken::Number, k + 1 < text.before.size() && text.before[k + 1] == "("});
                 append(emitted, plusChain(parts[p]));
-                emitted.push_back(OutTok{","});
-                emitted.push_back(OutTok{"''"});
-                emitted.push_back(OutTok{")"});
+                for (const std::string &t : text.after)
+                    emitted.push_back(OutTok{t});
             }
             emitted.push_back(OutTok{")"});
         } else {
@@ -369,6 +396,7 @@ private:
     std::string_view sql_;
     std::vector<int> slots_; // per token: its literal slot, or -1
     std::vector<size_t> close_; // per "(": the index of its ")", 0 when unmatched
+    std::vector<bool> dropped_; // per ")": closes brackets that were left out
 };
 
 // The shape of a statement: its tokens exactly as written, literals reduced to their kind.

@@ -19,6 +19,9 @@ struct TranslatedStatement {
     std::string table;
     std::string column;
     JetColumnType newType;
+    // Native statements the engine runs right after this one, in the same transaction
+    // (what an engine needs besides the table itself: name records, counter triggers).
+    std::vector<std::string> after;
 };
 
 /// What differs between the engines a Jet statement is translated for.
@@ -52,6 +55,28 @@ public:
     }
     /// Whether TOP n becomes LIMIT n at the end of its SELECT.
     virtual bool topAsLimit() const { return true; }
+    /// A [bracketed] name in a statement, as the engine reads it; bare is without its brackets.
+    virtual std::string bracketedName(std::string_view bare) const { return "[" + std::string(bare) + "]"; }
+    /// Jet's Like compares without regard to case; the engine's keyword that does.
+    virtual const char *likeKeyword() const { return "LIKE"; }
+    /// Jet's / always divides as decimals; the engine's operator text that does.
+    virtual const char *divideOperator() const { return "/"; }
+    /// An operand of Jet's & (any type; Null counts as empty) made into text.
+    virtual Wrapper concatOperand() const { return {{"ifnull", "("}, {",", "''", ")"}}; }
+    /// Statements to run after CREATE TABLE (or ALTER TABLE ADD when adding is set).
+    struct ColumnMade {
+        std::string name;
+        JetColumnType type;
+        bool counterKey = false;
+    };
+    virtual void afterColumnsMade(const std::string &table, const std::vector<ColumnMade> &columns, bool adding,
+                                  std::vector<std::string> *after) const
+    {
+        (void)table;
+        (void)columns;
+        (void)adding;
+        (void)after;
+    }
 };
 
 /// Translates Jet (Access) SQL, as the screens and the query catalogue write it,

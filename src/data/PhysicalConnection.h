@@ -23,4 +23,8 @@ public:
     virtual bool inTransaction() const = 0;
 
     virtual const JetTranslator &translator() const = 0;
+
+    /// False once the link to the database is gone (a server connection closed or lost):
+    /// the pool then opens a new one instead of handing this one out again.
+    virtual bool usable() { return true; }
 };

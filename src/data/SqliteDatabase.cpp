@@ -50,9 +50,7 @@ QString jetMessage(const char *engineMessage, double *number)
         return QStringLiteral("Overflow");
     }
     if (msg.startsWith(QLatin1String("UNIQUE constraint failed")))
-        return QStringLiteral("The changes you requested to the table were not successful because they would create duplicate "
-                              "values in the index, primary key, or relationship.  Change the data in the field or fields that "
-                              "contain duplicate data, remove the index, or redefine the index to permit duplicate entries and try again.");
+        return AppError::duplicateValuesText();
     if (msg.contains(QLatin1String("syntax error")) || msg.startsWith(QLatin1String("no such")))
         *number = AppError::SyntaxError;
     return msg;
@@ -156,7 +154,8 @@ void SqliteDatabase::raise(int code, const QString &jetSql) const
     Q_UNUSED(code);
     double number = 0;
     const QString message = jetMessage(sqlite3_errmsg(db_), &number);
-    throw AppError(number, message, jetSql);
+    const bool duplicate = (sqlite3_extended_errcode(db_) & 0xff) == SQLITE_CONSTRAINT && message == AppError::duplicateValuesText();
+    throw AppError(number, message, jetSql, duplicate ? AppError::Cause::Duplicate : AppError::Cause::Other);
 }
 
 void SqliteDatabase::exec(const std::string &nativeSql, const QString &jetSql)

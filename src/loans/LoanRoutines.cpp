@@ -141,11 +141,11 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
     const QString notOut = QStringLiteral("This accession number is not out on loan and cannot be returned or renewed");
     LibraryScope library;
     DbConnection &db = library.connection();
-    // The loan is read and changed under one write lock, so two desks closing the same loan
+    // The loan is read and changed in one transaction, so two desks closing the same loan
     // cannot both find it open; the fine and the loan change together or not at all.
-    db.BeginTrans();
     QString refusal;
-    try {
+    db.RunTransaction([&] {
+        refusal.clear();
         const auto loan = db.Execute(QStringLiteral("select * from tbllibtransactions where accessionid = '") + Safesql(accession)
                                      + QStringLiteral("' and returned =  false"));
         if (loan->atEnd()) {
@@ -167,14 +167,8 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
                                     {accession, actionDate, mode, newDueDate, fineAmount, fineInterval}))
                 refusal = notOut;
         }
-        if (refusal.isEmpty())
-            db.CommitTrans();
-        else
-            db.RollbackTrans();
-    } catch (...) {
-        db.RollbackTrans();
-        throw;
-    }
+        return refusal.isEmpty();
+    });
     // The lock is given up before the librarian is shown anything.
     if (!refusal.isEmpty()) {
         UserMessage(refusal);

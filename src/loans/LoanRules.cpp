@@ -1,5 +1,7 @@
 #include "LoanRules.h"
 
+#include "AppError.h"
+
 #include "Clock.h"
 #include "Recordset.h"
 #include "SqlText.h"
@@ -56,10 +58,17 @@ int RecordIssue(clsDataObject &data, const QString &accession, const QString &me
                 const QDate &dueDate, const QString &readBackLead)
 {
     const QString today = SqlDate(Clock::today());
-    data.ExecuteNonQuery(QStringLiteral("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('")
-                         + Safesql(accession) + QStringLiteral("','") + memberType + QStringLiteral("',") + QString::number(memberID)
-                         + QLatin1Char(',') + QString::number(itemID) + QStringLiteral(",#") + today + QStringLiteral("#,#")
-                         + SqlDate(dueDate) + QStringLiteral("#)"));
+    try {
+        data.ExecuteNonQuery(QStringLiteral("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('")
+                             + Safesql(accession) + QStringLiteral("','") + memberType + QStringLiteral("',") + QString::number(memberID)
+                             + QLatin1Char(',') + QString::number(itemID) + QStringLiteral(",#") + today + QStringLiteral("#,#")
+                             + SqlDate(dueDate) + QStringLiteral("#)"));
+    } catch (const AppError &e) {
+        // Another desk lent this copy between the checks and this insert: the database keeps one open loan per copy.
+        if (e.cause() == AppError::Cause::Duplicate)
+            return LentElsewhere;
+        throw;
+    }
     data.ExecuteNonQuery(QStringLiteral("Delete from tblLibreserves where itemid = ") + QString::number(itemID)
                          + QStringLiteral(" and membertype = '") + memberType + QStringLiteral("' and memberid = ") + QString::number(memberID));
     int transaction = 0;

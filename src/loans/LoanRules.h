@@ -36,7 +36,9 @@ public:
 /// Writes an issue: the loan row (issued today, due dueDate), then the removal of this member's
 /// reservation of the item (an issue consumes it), then reads back the new loan's transaction
 /// number; the read-back starts with readBackLead (the screens differ in its spacing), the first
-/// row found is taken. Returns 0 when none is found.
+/// row found is taken. Returns 0 when none is found, LentElsewhere (and writes nothing) when another
+/// desk lent the copy since the checks.
+constexpr int LentElsewhere = -1;
 int RecordIssue(clsDataObject &data, const QString &accession, const QString &memberType, int memberID, int itemID,
                 const QDate &dueDate, const QString &readBackLead);
 

@@ -9,6 +9,7 @@
 #include "SqliteDatabase.h"
 #include "SqliteDialect.h"
 #include "TestDatabases.h"
+#include "TestEngine.h"
 
 #include <QFile>
 
@@ -122,7 +123,7 @@ TEST_F(Hardening, TableDefinitionsAreReadWholeOrRefused)
                             "CREATE TABLE tblT6 (a TEXT(300))", "CREATE VIEW v AS select * from tblLibItems",
                             "CREATE TRIGGER t AFTER INSERT ON tblLibItems BEGIN select 1 END"})
         EXPECT_EQ(refused(bad).number(), AppError::SyntaxError) << bad;
-    EXPECT_TRUE(libraryRows("select name from sqlite_master where name = 'tblT6'").isEmpty());
+    EXPECT_EQ(refused("select * from tblT6").number(), AppError::SyntaxError); // no table was made
 }
 
 TEST_F(Hardening, OnlyAStarOrTableStarStandsBetweenDeleteAndFrom)
@@ -192,10 +193,15 @@ TEST_F(Hardening, AnEmptyInListIsASyntaxError)
 
 TEST_F(Hardening, DateColumnsHoldRealDatesOrNull)
 {
-    for (const char *bad : {"soon", "2026-13-01", "2026-02-30", "1/5/2026", "", "2026-11-23 25:00:00", "2026-11-23T10:00:00"}) {
-        const AppError e = refused(QStringLiteral("Update tblLibItems set DateAdded = '%1' where ItemID = 1").arg(QLatin1String(bad)));
-        EXPECT_EQ(e.description(), "Data type mismatch in criteria expression.") << bad;
-        EXPECT_EQ(e.number(), AppError::DataTypeMismatch) << bad;
+    QStringList bad = {"soon", "2026-13-01", "2026-02-30", "1/5/2026", "", "2026-11-23 25:00:00"};
+    // The embedded file keeps dates as text and takes one form only; the server's timestamp column reads this form as
+    // the real moment it names, so what it holds is still a date.
+    if (!TestEngine::onPostgres())
+        bad << "2026-11-23T10:00:00";
+    for (const QString &value : bad) {
+        const AppError e = refused(QStringLiteral("Update tblLibItems set DateAdded = '%1' where ItemID = 1").arg(value));
+        EXPECT_EQ(e.description(), "Data type mismatch in criteria expression.") << value.toStdString();
+        EXPECT_EQ(e.number(), AppError::DataTypeMismatch) << value.toStdString();
     }
     EXPECT_EQ(refused("Update tblLibItems set DateAdded = 20261123 where ItemID = 1").number(), AppError::DataTypeMismatch);
     library("Update tblLibItems set DateAdded = '2024-02-29' where ItemID = 1");

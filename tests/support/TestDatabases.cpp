@@ -5,9 +5,12 @@
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "Recordset.h"
+#include "TestEngine.h"
 #include "UpdateDatabase.h"
 
 #include <QProcess>
+
+#include <cstdio>
 
 namespace {
 // The fixture's own statements are not part of what a test traces.
@@ -30,9 +33,12 @@ void runOn(const QString &databasePath, const QString &sql)
 void DatabaseTest::SetUp()
 {
     ASSERT_TRUE(dir_.isValid());
-    libraryPath_ = dir_.filePath(QStringLiteral("library.db"));
+    if (TestEngine::onPostgres() && TestEngine::serverAddress().isEmpty()) {
+        std::fprintf(stderr, "skipped: no PostgreSQL\n");
+        GTEST_SKIP() << "skipped: no PostgreSQL";
+    }
+    libraryPath_ = TestEngine::makeLibrary(dir_.filePath(QStringLiteral("library.db")));
     centralPath_ = dir_.filePath(QStringLiteral("central.db"));
-    DatabaseSchema::createLibraryDatabase(libraryPath_);
     DatabaseSchema::createCentralDatabase(centralPath_);
     LibraryDatabasePath = libraryPath_;
     CentralDatabasePath = centralPath_;
@@ -46,6 +52,7 @@ void DatabaseTest::TearDown()
     LibraryDatabasePath.clear();
     CentralDatabasePath.clear();
     ConnectionPool::shared().clear();
+    TestEngine::dropLibrary(libraryPath_);
 }
 
 void DatabaseTest::library(const QString &sql) { runOn(libraryPath_, sql); }

@@ -1,0 +1,443 @@
+#include "PostgresDatabase.h"
+
+#include "AppError.h"
+#include "Clock.h"
+#include "JetLexer.h"
+#include "PostgresDialect.h"
+#include "PostgresSupport.h"
+#include "Recordset.h"
+
+#include <QUrl>
+
+#include <libpq-fe.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+// Type numbers of the server's built-in types (pg_type.oid; fixed since the first releases).
+constexpr Oid BoolOid = 16, Int8Oid = 20, Int2Oid = 21, Int4Oid = 23, Float4Oid = 700, Float8Oid = 701, NumericOid = 1700,
+              DateOid = 1082, TimestampOid = 1114;
+// Any session taking this lock puts the support functions in place; the others wait and find them there.
+constexpr long long SupportLock = 0x5348454c56;
+
+using Result = std::unique_ptr<PGresult, decltype(&PQclear)>;
+
+QString lostConnectionText()
+{
+    return QStringLiteral("The connection to the library database server was lost. What you were doing was not saved; "
+                          "please try again. Shelvora connects to the server again by itself.");
+}
+
+bool isLowerCase(const QString &name) { return name == name.toLower(); }
+
+Recordset::FieldType fieldTypeOf(int kind) { return static_cast<Recordset::FieldType>(kind); }
+
+} // namespace
+
+JetTranslator &PostgresDatabase::sharedTranslator()
+{
+    static JetTranslator translator(std::make_unique<PostgresDialect>());
+    return translator;
+}
+
+bool PostgresDatabase::isServerLocation(const QString &location)
+{
+    return location.startsWith(QLatin1String("postgresql://"), Qt::CaseInsensitive)
+           || location.startsWith(QLatin1String("postgres://"), Qt::CaseInsensitive);
+}
+
+QString PostgresDatabase::displayName(const QString &uri)
+{
+    QUrl url(uri);
+    url.setPassword(QString());
+    url.setQuery(QString());
+    return url.toString();
+}
+
+PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly_(readOnly)
+{
+    const QByteArray location = uri.toUtf8();
+    // The address's own settings win over these defaults.
+    const char *keys[] = {"connect_timeout", "application_name", "dbname", nullptr};
+    const char *values[] = {"10", "Shelvora", location.constData(), nullptr};
+    conn_ = PQconnectdbParams(keys, values, 1);
+    if (!conn_ || PQstatus(conn_) != CONNECTION_OK) {
+        const QString reason = conn_ ? QString::fromUtf8(PQerrorMessage(conn_)).trimmed() : QStringLiteral("out of memory");
+        PQfinish(conn_);
+        conn_ = nullptr;
+        throw AppError(AppError::ConnectionFailure,
+                       QStringLiteral("Could not connect to the library database server %1: %2").arg(displayName(uri), reason));
+    }
+    try {
+        exec("SET DateStyle = 'ISO, YMD'");
+        exec("SET client_encoding = 'UTF8'");
+        exec("SET extra_float_digits = 1");
+        // The school administration database is never written, whoever opens it and however.
+        Result school(PQexec(conn_, "SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = 'learner_info'"), PQclear);
+        if (PQresultStatus(school.get()) == PGRES_TUPLES_OK && PQntuples(school.get()) > 0)
+            readOnly_ = true;
+        Result version(PQexec(conn_, "SELECT jet_support_version()"), PQclear);
+        const bool current = PQresultStatus(version.get()) == PGRES_TUPLES_OK
+                             && std::atoi(PQgetvalue(version.get(), 0, 0)) >= PostgresSupport::Version;
+        if (!current && !readOnly_) {
+            Result tables(PQexec(conn_, "SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = 'tbllibitems'"), PQclear);
+            if (PQresultStatus(tables.get()) == PGRES_TUPLES_OK && PQntuples(tables.get()) > 0)
+                installSupport();
+        }
+        if (readOnly_)
+            exec("SET default_transaction_read_only = on");
+    } catch (...) {
+        PQfinish(conn_);
+        conn_ = nullptr;
+        throw;
+    }
+}
+
+PostgresDatabase::~PostgresDatabase() { PQfinish(conn_); }
+
+QString PostgresDatabase::serverVersion() const
+{
+    const int v = conn_ ? PQserverVersion(conn_) : 0;
+    return QStringLiteral("PostgreSQL %1.%2").arg(v / 10000).arg(v % 10000);
+}
+
+void PostgresDatabase::installSupport()
+{
+    exec("BEGIN");
+    try {
+        exec("SELECT pg_advisory_xact_lock(" + std::to_string(SupportLock) + ")");
+        for (const std::string &sql : PostgresSupport::statements())
+            exec(sql);
+        exec("COMMIT");
+    } catch (...) {
+        PQclear(PQexec(conn_, "ROLLBACK"));
+        throw;
+    }
+}
+
+void PostgresDatabase::prepareEmptyDatabase(const QString &uri)
+{
+    PostgresDatabase db(uri, false);
+    Result tables(PQexec(db.conn_, "SELECT count(*) FROM pg_tables WHERE schemaname = current_schema()"), PQclear);
+    if (PQresultStatus(tables.get()) != PGRES_TUPLES_OK)
+        db.raise(tables.get(), QString());
+    if (std::atoi(PQgetvalue(tables.get(), 0, 0)) != 0)
+        throw AppError(AppError::ProviderError, QStringLiteral("Database '%1' already exists.").arg(displayName(uri)));
+    db.installSupport();
+}
+
+bool PostgresDatabase::usable()
+{
+    if (broken_ || !conn_)
+        return false;
+    // A connection the server has closed while it lay idle (a restart) shows here, before any work is given to it.
+    if (!PQconsumeInput(conn_) || PQstatus(conn_) != CONNECTION_OK) {
+        broken_ = true;
+        return false;
+    }
+    return true;
+}
+
+void PostgresDatabase::raise(PGresult *result, const QString &jetSql)
+{
+    const char *state = result ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
+    const std::string code = state ? state : "";
+    const QString message = QString::fromUtf8(result ? PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY) : nullptr);
+    const QString constraint = QString::fromUtf8(result ? PQresultErrorField(result, PG_DIAG_CONSTRAINT_NAME) : nullptr);
+    if (PQstatus(conn_) != CONNECTION_OK || code.rfind("08", 0) == 0 || code == "57P01" || code == "57P02" || code == "57P03") {
+        broken_ = true;
+        throw AppError(AppError::ConnectionFailure, lostConnectionText(), jetSql, AppError::Cause::ConnectionLost);
+    }
+    if (code == "40001" || code == "40P01")
+        throw AppError(AppError::ProviderError, QStringLiteral("Another desk changed the same records at the same moment."), jetSql,
+                       AppError::Cause::WriteConflict);
+    if (code == "23505")
+        throw AppError(AppError::ProviderError, AppError::duplicateValuesText(), jetSql, AppError::Cause::Duplicate);
+    if (code == "23514" && constraint.startsWith(QLatin1String(PostgresDialect::SizeCheckPrefix)))
+        throw AppError(AppError::ProviderError,
+                       QStringLiteral("The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less data."),
+                       jetSql);
+    if ((code == "23514" && constraint.startsWith(QLatin1String(PostgresDialect::RangeCheckPrefix))) || code == "22003")
+        throw AppError(AppError::Overflow, QStringLiteral("Overflow"), jetSql);
+    if (code == "22P02" || code == "22007" || code == "22008" || code == "42804" || code == "42883" || code == "22021")
+        throw AppError(AppError::DataTypeMismatch, QStringLiteral("Data type mismatch in criteria expression."), jetSql);
+    if (code == "22012")
+        throw AppError(AppError::DivisionByZero, QStringLiteral("Division by zero"), jetSql);
+    if (code == "23502")
+        throw AppError(AppError::ProviderError, QStringLiteral("You tried to assign the Null value to a variable that is not a Variant data type."), jetSql);
+    if (code == "25006")
+        throw AppError(AppError::ProviderError, QStringLiteral("Cannot update.  Database or object is read-only."), jetSql);
+    const double number = code.rfind("42", 0) == 0 ? AppError::SyntaxError : AppError::ProviderError;
+    throw AppError(number, message.isEmpty() ? QString::fromUtf8(PQerrorMessage(conn_)).trimmed() : message, jetSql);
+}
+
+PGresult *PostgresDatabase::run(const std::string &sql, const QString &jetSql)
+{
+    if (broken_)
+        throw AppError(AppError::ConnectionFailure, lostConnectionText(), jetSql, AppError::Cause::ConnectionLost);
+    // The server refuses a NUL inside text; say so in Jet's words rather than let the text be cut short.
+    if (std::memchr(sql.data(), 0, sql.size()))
+        throw AppError(AppError::DataTypeMismatch, QStringLiteral("Data type mismatch in criteria expression."), jetSql);
+    // One statement only (the extended protocol takes no second one).
+    PGresult *result = PQexecParams(conn_, sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0);
+    const ExecStatusType status = PQresultStatus(result);
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
+        Result owned(result, PQclear);
+        raise(result, jetSql.isEmpty() ? QString::fromStdString(sql) : jetSql);
+    }
+    return result;
+}
+
+void PostgresDatabase::exec(const std::string &nativeSql, const QString &jetSql) { PQclear(run(nativeSql, jetSql)); }
+
+void PostgresDatabase::setClock()
+{
+    // Date() and Now() are the desk's clock (a test's fixed day included), not the server's.
+    const QDateTime now = Clock::now();
+    const qint64 second = now.toSecsSinceEpoch();
+    if (second == clockSecond_)
+        return;
+    exec("SELECT set_config('shelvora.now', '" + now.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString() + "', false)");
+    clockSecond_ = second;
+}
+
+int PostgresDatabase::execute(const QString &jetSql, Recordset *rows)
+{
+    const QByteArray utf8 = jetSql.toUtf8();
+    const TranslatedStatement ts = sharedTranslator().translate(std::string_view(utf8.constData(), size_t(utf8.size())));
+    if (ts.kind == TranslatedStatement::AlterColumnType) {
+        alterColumnType(ts, jetSql);
+        return 0;
+    }
+    if (ts.sql.find("jet_date(") != std::string::npos || ts.sql.find("jet_now(") != std::string::npos
+        || ts.sql.find("jet_time(") != std::string::npos)
+        setClock();
+    const bool ownTransaction = !ts.after.empty() && !inTransaction();
+    if (ownTransaction)
+        exec("BEGIN");
+    try {
+        Result result(run(ts.sql, jetSql), PQclear);
+        for (const std::string &sql : ts.after)
+            exec(sql, jetSql);
+        if (ownTransaction)
+            exec("COMMIT");
+        if (!ts.after.empty()) {
+            columnKinds_.clear();
+            namesLoaded_ = false;
+        }
+        if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
+            if (rows)
+                readRows(result.get(), rows, jetSql);
+            return 0;
+        }
+        const char *count = PQcmdTuples(result.get());
+        return count && *count ? std::atoi(count) : 0;
+    } catch (...) {
+        if (ownTransaction && !broken_)
+            PQclear(PQexec(conn_, "ROLLBACK"));
+        throw;
+    }
+}
+
+int PostgresDatabase::columnKind(unsigned int table, int column)
+{
+    auto it = columnKinds_.find(table);
+    if (it == columnKinds_.end()) {
+        std::vector<int> kinds;
+        const std::string sql = "SELECT a.attnum, t.typname, bt.typname FROM pg_attribute a JOIN pg_type t ON t.oid = a.atttypid "
+                                "LEFT JOIN pg_type bt ON bt.oid = t.typbasetype WHERE a.attrelid = "
+                                + std::to_string(table) + " AND a.attnum > 0";
+        Result r(run(sql, QString()), PQclear);
+        for (int i = 0; i < PQntuples(r.get()); ++i) {
+            const int attnum = std::atoi(PQgetvalue(r.get(), i, 0));
+            const std::string type = PQgetvalue(r.get(), i, 1);
+            Recordset::FieldType kind = Recordset::FieldType::Integer;
+            if (type == "jet_bit")
+                kind = Recordset::FieldType::Bool;
+            else if (type == "jet_currency")
+                kind = Recordset::FieldType::Currency;
+            else if (type == "float8" || type == "float4" || type == "numeric")
+                kind = Recordset::FieldType::Double;
+            else if (type == "timestamp" || type == "date")
+                kind = Recordset::FieldType::Date;
+            else if (type != "int2" && type != "int4" && type != "int8")
+                kind = Recordset::FieldType::Text;
+            if (size_t(attnum) >= kinds.size())
+                kinds.resize(size_t(attnum) + 1, int(Recordset::FieldType::Unknown));
+            kinds[size_t(attnum)] = int(kind);
+        }
+        it = columnKinds_.emplace(table, std::move(kinds)).first;
+    }
+    return column > 0 && size_t(column) < it->second.size() ? it->second[size_t(column)] : int(Recordset::FieldType::Unknown);
+}
+
+std::vector<QString> PostgresDatabase::columnNames(PGresult *result, const QString &jetSql)
+{
+    const int columns = PQnfields(result);
+    std::vector<QString> names;
+    bool folded = false;
+    for (int c = 0; c < columns; ++c) {
+        names.push_back(QString::fromUtf8(PQfname(result, c)));
+        folded = folded || (isLowerCase(names.back()) && names.back() != names.back().toUpper());
+    }
+    if (!folded)
+        return names;
+    // The server hands names back in lower case: the statement's own spelling (an alias as
+    // written), else the column's name as its table defined it.
+    std::map<QString, QString> spelled;
+    const QByteArray utf8 = jetSql.toUtf8();
+    std::vector<JetToken> tokens;
+    std::string error;
+    if (JetLexer::tokenize(std::string_view(utf8.constData(), size_t(utf8.size())), &tokens, &error)) {
+        for (const JetToken &token : tokens) {
+            if (token.kind != JetToken::Word && token.kind != JetToken::Bracketed)
+                continue;
+            std::string_view text = token.text;
+            if (token.kind == JetToken::Bracketed)
+                text = text.substr(1, text.size() - 2);
+            const QString name = QString::fromUtf8(text.data(), qsizetype(text.size()));
+            if (!isLowerCase(name))
+                spelled[name.toLower()] = name;
+        }
+    }
+    if (!namesLoaded_) {
+        definedNames_.clear();
+        Result r(run("SELECT a.attname, col_description(a.attrelid, a.attnum) FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
+                     "JOIN pg_namespace n ON n.oid = c.relnamespace WHERE n.nspname = current_schema() AND c.relkind = 'r' "
+                     "AND a.attnum > 0 AND col_description(a.attrelid, a.attnum) IS NOT NULL",
+                     QString()),
+                 PQclear);
+        for (int i = 0; i < PQntuples(r.get()); ++i)
+            definedNames_[QString::fromUtf8(PQgetvalue(r.get(), i, 0))] = QString::fromUtf8(PQgetvalue(r.get(), i, 1));
+        namesLoaded_ = true;
+    }
+    for (QString &name : names) {
+        if (!isLowerCase(name))
+            continue;
+        if (const auto it = spelled.find(name); it != spelled.end())
+            name = it->second;
+        else if (const auto defined = definedNames_.find(name); defined != definedNames_.end())
+            name = defined->second;
+    }
+    return names;
+}
+
+void PostgresDatabase::readRows(PGresult *result, Recordset *rows, const QString &jetSql)
+{
+    const int columns = PQnfields(result);
+    const int count = PQntuples(result);
+    std::vector<Oid> types(static_cast<size_t>(columns));
+    const std::vector<QString> names = columnNames(result, jetSql);
+    for (int c = 0; c < columns; ++c) {
+        types[size_t(c)] = PQftype(result, c);
+        const Oid table = PQftable(result, c);
+        const Recordset::FieldType kind = table == InvalidOid ? Recordset::FieldType::Unknown
+                                                              : fieldTypeOf(columnKind(table, PQftablecol(result, c)));
+        rows->addColumn(names[size_t(c)], kind);
+    }
+    rows->reserveRows(size_t(count));
+    for (int r = 0; r < count; ++r) {
+        for (int c = 0; c < columns; ++c) {
+            if (PQgetisnull(result, r, c)) {
+                rows->appendNull();
+                continue;
+            }
+            const char *value = PQgetvalue(result, r, c);
+            switch (types[size_t(c)]) {
+            case Int2Oid:
+            case Int4Oid:
+            case Int8Oid:
+                rows->appendInteger(std::strtoll(value, nullptr, 10));
+                break;
+            case BoolOid:
+                rows->appendInteger(value[0] == 't' ? -1 : 0);
+                break;
+            case Float4Oid:
+            case Float8Oid:
+            case NumericOid:
+                rows->appendDouble(std::strtod(value, nullptr));
+                break;
+            case TimestampOid:
+            case DateOid: {
+                // A date without its time is stored as the date alone, as the embedded engine keeps it.
+                size_t length = size_t(PQgetlength(result, r, c));
+                if (length == 19 && std::strcmp(value + 10, " 00:00:00") == 0)
+                    length = 10;
+                rows->appendText(value, length);
+                break;
+            }
+            default:
+                rows->appendText(value, size_t(PQgetlength(result, r, c)));
+            }
+        }
+        rows->rowAppended();
+    }
+    rows->finish();
+}
+
+void PostgresDatabase::beginTransaction()
+{
+    // Two desks changing the same loan: the second is told to run its work again, never both kept.
+    exec(readOnly_ ? "BEGIN READ ONLY" : "BEGIN ISOLATION LEVEL SERIALIZABLE");
+}
+
+void PostgresDatabase::commitTransaction() { exec("COMMIT"); }
+
+void PostgresDatabase::rollbackTransaction()
+{
+    // A lost connection has nothing left to undo: the server dropped the transaction with it.
+    if (broken_)
+        return;
+    exec("ROLLBACK");
+}
+
+bool PostgresDatabase::inTransaction() const
+{
+    return conn_ && !broken_ && PQtransactionStatus(conn_) != PQTRANS_IDLE && PQtransactionStatus(conn_) != PQTRANS_UNKNOWN;
+}
+
+std::vector<QString> PostgresDatabase::tableNames()
+{
+    std::vector<QString> names;
+    Result r(run("SELECT tablename FROM pg_tables WHERE schemaname = current_schema() ORDER BY tablename", QString()), PQclear);
+    for (int i = 0; i < PQntuples(r.get()); ++i)
+        names.push_back(QString::fromUtf8(PQgetvalue(r.get(), i, 0)));
+    return names;
+}
+
+void PostgresDatabase::vacuumAnalyze() { exec("VACUUM (ANALYZE)"); }
+
+void PostgresDatabase::alterColumnType(const TranslatedStatement &ts, const QString &jetSql)
+{
+    const PostgresDialect dialect;
+    const std::string table = dialect.quoteName(ts.table);
+    const std::string column = dialect.quoteName(ts.column);
+    const std::string type = PostgresDialect::nativeType(ts.newType);
+    std::string conversion;
+    if (ts.newType.base == JetColumnType::Text || ts.newType.base == JetColumnType::Memo)
+        conversion = "jet_cstr(" + column + ")";
+    else if (ts.newType.isInteger())
+        conversion = "CAST(jet_clng(" + column + ") AS " + type + ")";
+    else
+        conversion = "CAST(" + column + " AS " + type + ")";
+    const bool ownTransaction = !inTransaction();
+    exec(ownTransaction ? "BEGIN" : "SAVEPOINT shelvora_alter", jetSql);
+    try {
+        // The old type's checks go with it (a text's old size).
+        for (const char *prefix : {PostgresDialect::SizeCheckPrefix, PostgresDialect::RangeCheckPrefix})
+            exec("ALTER TABLE " + table + " DROP CONSTRAINT IF EXISTS " + dialect.checkName(prefix, ts.column), jetSql);
+        exec("ALTER TABLE " + table + " ALTER COLUMN " + column + " TYPE " + type + " USING " + conversion, jetSql);
+        const std::string checks = dialect.constraintsFor(ts.column, ts.newType);
+        if (!checks.empty())
+            exec("ALTER TABLE " + table + " ADD" + checks, jetSql);
+        exec(ownTransaction ? "COMMIT" : "RELEASE SAVEPOINT shelvora_alter", jetSql);
+    } catch (...) {
+        if (!broken_)
+            PQclear(PQexec(conn_, ownTransaction ? "ROLLBACK" : "ROLLBACK TO SAVEPOINT shelvora_alter"));
+        throw;
+    }
+    columnKinds_.clear();
+}

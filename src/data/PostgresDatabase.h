@@ -1,0 +1,73 @@
+#pragma once
+
+#include "PhysicalConnection.h"
+
+#include <QString>
+
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+struct pg_conn;
+struct pg_result;
+
+/// A connection to a library (or school) database on a PostgreSQL server through
+/// libpq's C API. The location is a connection URI (postgresql://user@host:port/db);
+/// the password comes from ~/.pgpass or PGPASSWORD as libpq finds it. Transactions
+/// are SERIALIZABLE: when two desks change the same rows at once one of them gets
+/// AppError::Cause::WriteConflict and runs its work again (see RunTransaction).
+/// A read-only connection, and every connection to a school database, runs in
+/// read-only transactions the server enforces.
+class PostgresDatabase : public PhysicalConnection {
+public:
+    /// Connects. Throws AppError with the server's reason when it cannot.
+    PostgresDatabase(const QString &uri, bool readOnly);
+    ~PostgresDatabase() override;
+
+    /// Whether a database location names a PostgreSQL server rather than a file.
+    static bool isServerLocation(const QString &location);
+    /// The location as shown to people: host, port and database, never a password.
+    static QString displayName(const QString &uri);
+    /// Makes an empty server database ready for a library: the extension, domains and
+    /// functions the translated statements use. Throws AppError when it already holds tables.
+    static void prepareEmptyDatabase(const QString &uri);
+    static JetTranslator &sharedTranslator();
+    /// The server's version ("PostgreSQL 15.18").
+    QString serverVersion() const;
+
+    int execute(const QString &jetSql, Recordset *rows) override;
+    void beginTransaction() override;
+    void commitTransaction() override;
+    void rollbackTransaction() override;
+    bool inTransaction() const override;
+    const JetTranslator &translator() const override { return sharedTranslator(); }
+    bool usable() override;
+
+    /// Runs native SQL without rows (schema work, maintenance). Throws AppError.
+    void exec(const std::string &nativeSql, const QString &jetSql = QString());
+    /// Names of the user tables of the database, as defined (original letter case where known).
+    std::vector<QString> tableNames();
+    /// Runs VACUUM (ANALYZE) on the whole database (outside any transaction).
+    void vacuumAnalyze();
+
+private:
+    pg_result *run(const std::string &sql, const QString &jetSql);
+    [[noreturn]] void raise(pg_result *result, const QString &jetSql);
+    void readRows(pg_result *result, Recordset *rows, const QString &jetSql);
+    void installSupport();
+    void setClock();
+    void alterColumnType(const struct TranslatedStatement &ts, const QString &jetSql);
+    std::vector<QString> columnNames(pg_result *result, const QString &jetSql);
+    int columnKind(unsigned int table, int column);
+
+    pg_conn *conn_ = nullptr;
+    bool readOnly_ = false;
+    bool broken_ = false;
+    qint64 clockSecond_ = -1;
+    // Per table: the Jet kind of each column (by attribute number), read once.
+    std::unordered_map<unsigned int, std::vector<int>> columnKinds_;
+    // Column names as defined, by their lower-case form.
+    std::map<QString, QString> definedNames_;
+    bool namesLoaded_ = false;
+};

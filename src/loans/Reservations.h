@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// What the reservation rule answers: nullptr when the reservation was written, else the refusal
+/// shown to the librarian.
+struct ReservationRequest {
+    QString memberType;
+    int memberID = 0;
+    int itemID = 0;
+    QString accession;
+    qint16 maxItemReservations = 0;   // per copy
+    qint16 maxMemberReservations = 0; // per member
+};
+
+/// Places a reservation after its checks (the copy's and the member's limits, the copy out on loan,
+/// no second reservation of the same copy by the member), checks and insert in one transaction, so
+/// desks reserving at the same moment never pass a limit together. Returns the refusal text, or an
+/// empty string when the reservation was written.
+QString PlaceReservation(const ReservationRequest &request);

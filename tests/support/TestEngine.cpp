@@ -1,0 +1,95 @@
+#include "TestEngine.h"
+
+#include "ConnectionPool.h"
+#include "DatabaseSchema.h"
+
+#include <QCoreApplication>
+#include <QUrl>
+
+#include <libpq-fe.h>
+
+#include <atomic>
+
+namespace {
+
+// Server-side housekeeping of the tests (making and dropping databases) is not Jet: plain libpq.
+bool admin(const QString &sql, QString *error = nullptr)
+{
+    PGconn *conn = PQconnectdb(TestEngine::serverAddress().toUtf8().constData());
+    bool ok = PQstatus(conn) == CONNECTION_OK;
+    if (ok) {
+        PGresult *r = PQexec(conn, sql.toUtf8().constData());
+        ok = PQresultStatus(r) == PGRES_COMMAND_OK;
+        if (!ok && error)
+            *error = QString::fromUtf8(PQerrorMessage(conn));
+        PQclear(r);
+    } else if (error) {
+        *error = QString::fromUtf8(PQerrorMessage(conn));
+    }
+    PQfinish(conn);
+    return ok;
+}
+
+QString databaseAddress(const QString &name)
+{
+    QUrl url(TestEngine::serverAddress());
+    url.setPath(QLatin1Char('/') + name);
+    return url.toString();
+}
+
+QString uniqueName(const char *kind)
+{
+    static std::atomic<int> counter{0};
+    return QStringLiteral("shelvora_%1_%2_%3").arg(QLatin1String(kind)).arg(QCoreApplication::applicationPid()).arg(++counter);
+}
+
+} // namespace
+
+bool TestEngine::onPostgres() { return qgetenv("SHELVORA_TEST_ENGINE") == "postgresql"; }
+
+QString TestEngine::serverAddress() { return QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL")); }
+
+QString TestEngine::makeEmptyServerDatabase()
+{
+    const QString name = uniqueName("t");
+    QString error;
+    if (!admin(QStringLiteral("CREATE DATABASE %1").arg(name), &error))
+        qFatal("cannot make a test database: %s", qPrintable(error));
+    return databaseAddress(name);
+}
+
+QString TestEngine::makeLibrary(const QString &sqlitePath)
+{
+    if (!onPostgres()) {
+        DatabaseSchema::createLibraryDatabase(sqlitePath);
+        return sqlitePath;
+    }
+    // The schema is made once per server and copied for each test: copying is quicker than building.
+    // Test processes run side by side: each finds the template, or builds one under its own name
+    // and renames it into place (the first rename wins; a loser drops its copy).
+    static const QString templateName = [] {
+        const QString wanted = QStringLiteral("shelvora_library_template");
+        if (!admin(QStringLiteral("ALTER DATABASE %1 SET search_path TO public").arg(wanted))) {
+            const QString location = makeEmptyServerDatabase();
+            DatabaseSchema::createLibraryDatabase(location);
+            ConnectionPool::shared().closeIdle(location);
+            const QString built = QUrl(location).path().mid(1);
+            if (!admin(QStringLiteral("ALTER DATABASE %1 RENAME TO %2").arg(built, wanted)))
+                admin(QStringLiteral("DROP DATABASE %1").arg(built));
+        }
+        return wanted;
+    }();
+    const QString name = uniqueName("lib");
+    QString error;
+    if (!admin(QStringLiteral("CREATE DATABASE %1 TEMPLATE %2 STRATEGY FILE_COPY").arg(name, templateName), &error))
+        qFatal("cannot copy the test library: %s", qPrintable(error));
+    return databaseAddress(name);
+}
+
+void TestEngine::dropLibrary(const QString &location)
+{
+    if (!location.startsWith(QLatin1String("postgresql://")))
+        return;
+    ConnectionPool::shared().closeIdle(location);
+    admin(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(QUrl(location).path().mid(1)));
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+/// The engine a data-layer test binary runs on: SQLite always; PostgreSQL when the run is
+/// told so (SHELVORA_TEST_ENGINE=postgresql) and a server is named by
+/// SHELVORA_TEST_POSTGRESQL (tools/test.sh starts a private one on 127.0.0.1).
+namespace TestEngine {
+bool onPostgres();
+/// The server's admin address for this run, or empty when there is none (the run is skipped).
+QString serverAddress();
+/// A fresh, empty library database: a file at sqlitePath, or a throwaway database on the
+/// server (a copy of one made per process with the library schema). Returns its location.
+QString makeLibrary(const QString &sqlitePath);
+/// A new empty database on the server (no schema); its address.
+QString makeEmptyServerDatabase();
+/// Removes a database made above (server databases only; files go with their folder).
+void dropLibrary(const QString &location);
+} // namespace TestEngine
+
+/// In a test on a database engine that lacks what the test is about (a file's write-ahead log), skip it visibly.
+#define SQLITE_ONLY()                                                                                                  \
+    do {                                                                                                               \
+        if (TestEngine::onPostgres())                                                                                  \
+            GTEST_SKIP() << "about the embedded database file";                                                        \
+    } while (0)
