@@ -1,0 +1,100 @@
+// Four desks (four processes) work one library database at once: issues, late returns and renewals
+// of thirty copies among twenty-five learners, and reservations of ten copies that stay out. Every
+// committed action in the desks' logs must be in the database exactly once, no copy lent twice,
+// no fine charged twice, and the reservation limits held.
+#include "ConnectionPool.h"
+#include "TestDatabases.h"
+
+#include <QProcess>
+#include <QSet>
+
+#include <map>
+
+namespace {
+
+constexpr int Desks = 4;
+constexpr int ActionsPerDesk = 1000;
+
+class DeskLoad : public DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        if (IsSkipped())
+            return;
+        central("Insert into Classes(ClassName, Grade) values ('8A', 8)");
+        for (int m = 1; m <= 50; ++m)
+            central(QString("Insert into Learner_Info(ID, AccessionNo, SName, FName, Grade, Class, Status) values (%1, 'L%1', 'Learner', 'N%1', 8, 1, 'C')").arg(m));
+        for (int i = 1; i <= 40; ++i)
+            library(QString("Insert into tblLibItems(AccessionID, Title, LoanType) values ('C%1', 'Copy %1', 'N')").arg(i, 3, 10, QLatin1Char('0')));
+        library("Insert into tblLibsettings(Loantype,UserCat,Loanperiod,FineAmount,FineInterval,Maxitems,ExtDays,MaxExt,MaxRes,MaxUserRes)"
+                "VALUES('N','L',7,5,1,1000,7,0,2,3)");
+        // Copies 31 to 40 stay out all the time, so they can be reserved.
+        for (int i = 31; i <= 40; ++i)
+            library(QString("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) "
+                            "values ('C%1', 'L', 1, %2, #2026-11-01#, #2027-01-01#)").arg(i, 3, 10, QLatin1Char('0')).arg(i));
+        ConnectionPool::shared().clear();
+    }
+};
+
+} // namespace
+
+TEST_F(DeskLoad, FourDesksKeepEveryLoanFineAndReservationConsistent)
+{
+    QProcess desks[Desks];
+    for (int d = 0; d < Desks; ++d)
+        desks[d].start(DESK_LOAD_HELPER, {libraryPath_, centralPath_, QString::number(1000 + d), QString::number(ActionsPerDesk)});
+    QStringList log;
+    for (QProcess &desk : desks) {
+        ASSERT_TRUE(desk.waitForFinished(300000));
+        ASSERT_EQ(desk.exitCode(), 0) << desk.readAllStandardError().toStdString();
+        log << QString::fromLatin1(desk.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    }
+    QSet<int> issued, closed, charged;
+    int returns = 0, reservations = 0, actions = 0, unread = 0;
+    for (const QString &line : log) {
+        const QStringList f = line.split(' ');
+        EXPECT_NE(f[0], "E") << line.toStdString();
+        if (f[0] == "I") {
+            EXPECT_FALSE(issued.contains(f[1].toInt())) << "one loan logged twice";
+            issued.insert(f[1].toInt());
+        }
+        if (f[0] == "R") {
+            ++returns;
+            closed.insert(f[1].toInt());
+        }
+        if (f[0] == "R" || f[0] == "N")
+            charged.insert(f[1].toInt()); // the first late action of a loan charges its fine; a renewal moves the due date to that day
+        if (f[0] == "V")
+            ++reservations;
+        if (f[0] == "J")
+            ++unread; // issued, but returned by another desk before this desk read its number back
+        if (f[0] == "L")
+            actions += f[1].toInt();
+    }
+    EXPECT_EQ(actions, Desks * ActionsPerDesk);
+    EXPECT_GT(issued.size(), 100);
+    EXPECT_EQ(returns, closed.size()) << "a loan was returned twice";
+
+    // Every issue a desk committed is a loan row, and no other row was made.
+    EXPECT_EQ(libraryValue("select count(*) from tblLibTransactions where ItemID <= 30"), QString::number(issued.size() + unread));
+    QSet<int> rows;
+    for (const QString &row : libraryRows("select TransactionID, Returned from tblLibTransactions where ItemID <= 30")) {
+        const int id = row.section('|', 0, 0).toInt();
+        if (!issued.contains(id))
+            continue;
+        rows.insert(id);
+        EXPECT_EQ(row.section('|', 1, 1), closed.contains(id) ? "True" : "False") << "loan " << id;
+    }
+    EXPECT_EQ(rows, issued);
+    // No copy out twice: at most one open loan per copy.
+    EXPECT_TRUE(libraryRows("select ItemID from tblLibTransactions where Returned = false group by ItemID having count(*) > 1").isEmpty());
+    // One fine of three days (15.00) for each loan whose first late action was logged, none charged twice.
+    EXPECT_EQ(libraryValue("select count(*) from tblLibTransactionFines"), QString::number(charged.size()));
+    EXPECT_TRUE(libraryRows("select TransactionID from tblLibTransactionFines where FineAmount <> 15").isEmpty());
+    EXPECT_EQ(libraryValue("select sum(FineAmount) from tblLibTransactionFines"), QString::number(15 * charged.size()));
+    // Reservations: each committed one is there, and the limits held.
+    EXPECT_EQ(libraryValue("select count(*) from tblLibReserves"), QString::number(reservations));
+    EXPECT_TRUE(libraryRows("select ItemID from tblLibReserves group by ItemID having count(*) > 2").isEmpty());
+    EXPECT_TRUE(libraryRows("select MemberID from tblLibReserves group by MemberID having count(*) > 3").isEmpty());
+}
