@@ -4,6 +4,7 @@
 #include "ReportScreens.h"
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
+#include "LibraryCopy.h"
 #include "SchoolGenerator.h"
 
 #include "ScreenRegistry.h"
@@ -43,12 +44,29 @@ int makeDemo(const QString &folder)
     return 0;
 }
 
+// Copies a library (or school) database to another location, between engines; prints what was copied.
+int copyLibrary(const QString &from, const QString &to)
+{
+    try {
+        for (const LibraryCopy::TableFigures &t : LibraryCopy::copy(from, to))
+            std::printf("%-24s %10lld rows   sums %s\n", qPrintable(t.table), static_cast<long long>(t.rows), qPrintable(t.sums));
+    } catch (const AppError &e) {
+        std::fprintf(stderr, "Not copied: %s\n", qPrintable(e.description()));
+        return 1;
+    }
+    ConnectionPool::shared().clear();
+    std::printf("Copied %s to %s; every table's rows and sums match.\n", qPrintable(from), qPrintable(to));
+    return 0;
+}
+
 // Command-line modes that write files and need no window run without a display.
 bool runsWithoutWindow(int argc, char *argv[])
 {
     for (int i = 1; i < argc; ++i) {
         const QByteArray arg(argv[i]);
         if (arg == "--make-demo" || arg.startsWith("--make-demo=") || arg == "-make-demo" || arg.startsWith("-make-demo="))
+            return true;
+        if (arg == "--copy-library" || arg.startsWith("--copy-library="))
             return true;
         if (arg == "--help" || arg == "-h" || arg == "-?" || arg == "--help-all" || arg == "--version" || arg == "-v")
             return true; // printed and done
@@ -62,14 +80,19 @@ struct Options {
     QCommandLineOption appFolder{QStringLiteral("app-folder"), QStringLiteral("Folder for LearnerPhotos and work files."), QStringLiteral("folder")};
     QCommandLineOption library{QStringLiteral("library"), QStringLiteral("Use this library database for this run (nothing is saved)."), QStringLiteral("file")};
     QCommandLineOption central{QStringLiteral("central"), QStringLiteral("Use this school database for this run (nothing is saved)."), QStringLiteral("file")};
+    QCommandLineOption copyLibrary{QStringLiteral("copy-library"),
+                                   QStringLiteral("Copy a whole library database FROM (a file or a postgresql:// address) to TO (a new file or an "
+                                                  "empty server database) and exit."),
+                                   QStringLiteral("FROM")};
     QCommandLineOption quitAfterStart{QStringLiteral("quit-after-start"), QStringLiteral("Quit as soon as the main menu is shown (start-up timing).")};
 
     void process(QCommandLineParser &parser, const QCoreApplication &app)
     {
         parser.setApplicationDescription(QStringLiteral("Shelvora school library"));
+        parser.addPositionalArgument(QStringLiteral("TO"), QStringLiteral("With --copy-library: where the copy goes."), QStringLiteral("[TO]"));
         parser.addHelpOption();
         parser.addVersionOption();
-        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &appFolder, &library, &central, &quitAfterStart})
+        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &copyLibrary, &appFolder, &library, &central, &quitAfterStart})
             parser.addOption(*o);
         parser.process(app);
     }
@@ -94,6 +117,11 @@ int main(int argc, char *argv[])
         QCommandLineParser parser;
         Options options;
         options.process(parser, app);
+        if (parser.isSet(options.copyLibrary)) {
+            if (parser.positionalArguments().size() != 1)
+                return std::fprintf(stderr, "Usage: shelvora --copy-library FROM TO\n"), 2;
+            return copyLibrary(parser.value(options.copyLibrary), parser.positionalArguments().first());
+        }
         return makeDemo(parser.value(options.makeDemo));
     }
 

@@ -125,7 +125,7 @@ void PostgresDatabase::prepareEmptyDatabase(const QString &uri)
     if (PQresultStatus(tables.get()) != PGRES_TUPLES_OK)
         db.raise(tables.get(), QString());
     if (std::atoi(PQgetvalue(tables.get(), 0, 0)) != 0)
-        throw AppError(AppError::ProviderError, QStringLiteral("Database '%1' already exists.").arg(displayName(uri)));
+        throw AppError(AppError::ProviderError, QStringLiteral("The server database %1 is not empty; a library goes only into an empty one.").arg(displayName(uri)));
     db.installSupport();
 }
 
