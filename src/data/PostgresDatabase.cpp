@@ -57,6 +57,21 @@ QString PostgresDatabase::displayName(const QString &uri)
     return url.toString();
 }
 
+QString PostgresDatabase::describe(const QString &uri)
+{
+    const QUrl url(uri);
+    PostgresDatabase db(uri, true);
+    return QStringLiteral("%1 on %2:%3%4").arg(db.serverVersion(), url.host()).arg(url.port(5432)).arg(url.path());
+}
+
+void PostgresDatabase::vacuum(const QString &uri)
+{
+    PostgresDatabase db(uri, false);
+    db.vacuumAnalyze();
+}
+
+bool PostgresDatabase::holdsPassword(const QString &uri) { return !QUrl(uri).password().isEmpty() || uri.contains(QLatin1String("password=")); }
+
 PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly_(readOnly)
 {
     const QByteArray location = uri.toUtf8();

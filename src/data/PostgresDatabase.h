@@ -33,6 +33,12 @@ public:
     /// functions the translated statements use. Throws AppError when it already holds tables.
     static void prepareEmptyDatabase(const QString &uri);
     static JetTranslator &sharedTranslator();
+    /// The engine and where it is, for the About box: "PostgreSQL 15.18 on host:port/db".
+    static QString describe(const QString &uri);
+    /// Reclaims space and refreshes the planner's statistics of a server database (VACUUM (ANALYZE)).
+    static void vacuum(const QString &uri);
+    /// Whether an address carries a password (which belongs in ~/.pgpass or PGPASSWORD, never in the settings).
+    static bool holdsPassword(const QString &uri);
     /// The server's version ("PostgreSQL 15.18").
     QString serverVersion() const;
 

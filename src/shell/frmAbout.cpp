@@ -1,6 +1,8 @@
 #include "frmAbout.h"
 
 #include "SettingsStore.h"
+#include "AppError.h"
+#include "PostgresDatabase.h"
 #include "SqliteDatabase.h"
 #include "UpdateDatabase.h"
 
@@ -31,6 +33,18 @@ QString databaseLine(const QString &role, const QString &path)
                  .arg(storage.bytesAvailable() / (1024 * 1024));
 }
 
+// Where a database is and which engine holds it.
+QString engineOf(const QString &location)
+{
+    if (!PostgresDatabase::isServerLocation(location))
+        return location + QStringLiteral(" (SQLite file)");
+    try {
+        return PostgresDatabase::describe(location);
+    } catch (const AppError &) {
+        return PostgresDatabase::displayName(location) + QStringLiteral(" (PostgreSQL server, not reachable now)");
+    }
+}
+
 } // namespace
 
 frmAbout::frmAbout(QWidget *parent) : QDialog(parent)
@@ -44,7 +58,7 @@ frmAbout::frmAbout(QWidget *parent) : QDialog(parent)
     text->setText(QStringLiteral("<h2>Shelvora</h2><p>School library, version %1</p><p>Qt %2 &middot; SQLite %3</p>"
                                  "<p>Library database: %4<br>School database: %5</p>")
                       .arg(QStringLiteral(SHELVORA_VERSION), QString::fromLatin1(qVersion()), SqliteDatabase::engineVersion(),
-                           LibraryDatabasePath.toHtmlEscaped(), CentralDatabasePath.toHtmlEscaped()));
+                           engineOf(LibraryDatabasePath).toHtmlEscaped(), engineOf(CentralDatabasePath).toHtmlEscaped()));
     layout->addWidget(text);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     QPushButton *info = buttons->addButton(QStringLiteral("System Info..."), QDialogButtonBox::ActionRole);

@@ -4,6 +4,7 @@
 #include "DatabaseFile.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
+#include "PostgresDatabase.h"
 #include "Recordset.h"
 #include "ScreenRegistry.h"
 #include "SchoolDatabase.h"
@@ -102,12 +103,16 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     txtDatabase->setReadOnly(true);
     cmdBrowse = new QPushButton(QStringLiteral("Browse for Library Database"), Frame1);
     cmdBrowse->setObjectName(QStringLiteral("cmdBrowse"));
+    cmdServer = new QPushButton(QStringLiteral("Library Database Server..."), Frame1);
+    cmdServer->setObjectName(QStringLiteral("cmdServer"));
     cmdCompact = new QPushButton(QStringLiteral("Compact Library Database"), Frame1);
     cmdCompact->setObjectName(QStringLiteral("cmdCompact"));
     databaseRow->addWidget(txtDatabase, 1);
     databaseRow->addWidget(cmdBrowse);
+    databaseRow->addWidget(cmdServer);
     databaseRow->addWidget(cmdCompact);
     connect(cmdBrowse, &QPushButton::clicked, this, &frmMainMenu::cmdBrowse_Click);
+    connect(cmdServer, &QPushButton::clicked, this, &frmMainMenu::cmdServer_Click);
     connect(cmdCompact, &QPushButton::clicked, this, &frmMainMenu::cmdCompact_Click);
 
     cmdAbout = new QPushButton(QStringLiteral("About Form"), this);
@@ -290,8 +295,48 @@ void frmMainMenu::cmdBrowse_Click()
     Form_Load();
 }
 
+void frmMainMenu::cmdServer_Click()
+{
+    const QString address = ShowTextInputDialog(this, QStringLiteral("Library Database Server"),
+                                                QStringLiteral("Server address (postgresql://user@host:5432/database).\n"
+                                                               "The password is read from ~/.pgpass or PGPASSWORD."),
+                                                PostgresDatabase::isServerLocation(LibraryDatabasePath) ? LibraryDatabasePath
+                                                                                                         : QStringLiteral("postgresql://"));
+    if (address.isEmpty())
+        return;
+    if (!PostgresDatabase::isServerLocation(address)) {
+        UserMessage(QStringLiteral("A server address begins with postgresql://, for example postgresql://library@school-server:5432/library"));
+        return;
+    }
+    if (PostgresDatabase::holdsPassword(address)) {
+        UserMessage(QStringLiteral("Please leave the password out of the address: put it in the ~/.pgpass file of this computer's user "
+                                   "(or PGPASSWORD), so it is never stored in the settings."));
+        return;
+    }
+    const QString previous = LibraryDatabasePath;
+    LibraryDatabasePath = address;
+    if (!isLibraryDatabase()) {
+        LibraryDatabasePath = previous;
+        UserMessage(NotALibrary);
+        return;
+    }
+    settings_.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), address);
+    txtDatabase->setText(address);
+    Form_Load();
+}
+
 void frmMainMenu::cmdCompact_Click()
 {
+    // A server database is not a file to copy: the server reclaims space and refreshes its statistics in place.
+    if (PostgresDatabase::isServerLocation(LibraryDatabasePath)) {
+        Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
+            data_.CloseCompact();
+            PostgresDatabase::vacuum(LibraryDatabasePath);
+            UserMessage(QStringLiteral("The library database on the server has been compacted (VACUUM ANALYZE): free space is reused "
+                                       "and the server's statistics are up to date."));
+        });
+        return;
+    }
     if (!UserQuestion(QStringLiteral("Please make sure that you have backed up your database before performing this action. "
                                      "Are you sure you want to continue?")))
         return;

@@ -23,6 +23,8 @@ public:
     /// The load handler: paths, school name, library check, enabling, structure upgrades.
     void Form_Load();
     void cmdBrowse_Click();
+    /// Takes a PostgreSQL server address (postgresql://user@host:port/database) as the library database.
+    void cmdServer_Click();
     void cmdCompact_Click();
     void cmdissues_Click();
 
@@ -45,7 +47,7 @@ public:
     QPushButton *cmdKeywordList, *cmdLanguage, *cmdItems, *cmdSubjectcodes, *cmdCategories, *cmdSeries, *cmdPublisher, *cmdAuthors;
     // The library database
     QGroupBox *Frame1;
-    QPushButton *cmdCompact, *cmdBrowse;
+    QPushButton *cmdCompact, *cmdBrowse, *cmdServer;
     QLineEdit *txtDatabase;
     QLabel *Label1;
     QLabel *lblSchool;

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
@@ -66,6 +68,13 @@ QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QStrin
     if (MessageScript *script = MessageScript::active())
         return script->takeFileName();
     return QFileDialog::getOpenFileName(parent, caption, QString(), filter);
+}
+
+QString ShowTextInputDialog(QWidget *parent, const QString &caption, const QString &label, const QString &text)
+{
+    if (MessageScript *script = MessageScript::active())
+        return script->takeFileName();
+    return QInputDialog::getText(parent, caption, label, QLineEdit::Normal, text).trimmed();
 }
 
 QString ShowSaveFileDialog(QWidget *parent, const QString &caption, const QString &filter)

@@ -17,5 +17,7 @@ public:
 
 /// The file dialog of the system: the chosen file, or empty when cancelled.
 QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QString &filter);
+/// One line of text from the librarian (empty when cancelled); scripted in tests like the file dialogs.
+QString ShowTextInputDialog(QWidget *parent, const QString &caption, const QString &label, const QString &text);
 /// The save-file dialog; under a message script the next scripted file name (empty for Cancel).
 QString ShowSaveFileDialog(QWidget *parent, const QString &caption, const QString &filter);

@@ -7,15 +7,19 @@
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
 #include "TestDatabases.h"
+#include "TestEngine.h"
 #include "UpdateDatabase.h"
 #include "clsDataObject.h"
+#include "frmAbout.h"
 #include "frmMainMenu.h"
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QUrl>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -330,4 +334,46 @@ TEST_F(MainMenuTest, PathsGivenForOneRunAreNotSaved)
     EXPECT_TRUE(menuEnabled(menu));
     EXPECT_EQ(SchoolName, "Hillview High");
     EXPECT_TRUE(SettingsStore(settingsFile_).value("LibraryDatabase").isEmpty());
+}
+
+// A library on a PostgreSQL server: the address is taken (never with a password in it), compaction
+// becomes the server's VACUUM with a message saying so, and the About box names the server.
+TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
+{
+    if (TestEngine::serverAddress().isEmpty()) {
+        std::fprintf(stderr, "skipped: no PostgreSQL\n");
+        GTEST_SKIP() << "skipped: no PostgreSQL";
+    }
+    const QString server = TestEngine::makeServerLibrary();
+    auto menu = start();
+
+    messages_->queueFileName("library-server:5432/library");
+    child<QPushButton>(*menu, "cmdServer")->click();
+    EXPECT_TRUE(messages_->prompts().last().startsWith("A server address begins with postgresql://"));
+    QUrl withPassword(server);
+    withPassword.setPassword("secret");
+    messages_->queueFileName(withPassword.toString());
+    child<QPushButton>(*menu, "cmdServer")->click();
+    EXPECT_TRUE(messages_->prompts().last().startsWith("Please leave the password out of the address"));
+    EXPECT_EQ(LibraryDatabasePath, libraryPath_);
+
+    messages_->clear();
+    messages_->queueFileName(server);
+    child<QPushButton>(*menu, "cmdServer")->click();
+    EXPECT_TRUE(messages_->shown().empty());
+    EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), server);
+    EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), server);
+    EXPECT_TRUE(menuEnabled(*menu));
+
+    messages_->queueAnswer(MessageScript::Yes);
+    child<QPushButton>(*menu, "cmdCompact")->click();
+    EXPECT_EQ(messages_->prompts().last(), "The library database on the server has been compacted (VACUUM ANALYZE): free space is reused "
+                                           "and the server's statistics are up to date.");
+
+    frmAbout about;
+    const QString text = about.findChild<QLabel *>("lblAbout")->text();
+    EXPECT_TRUE(text.contains(QRegularExpression("Library database: PostgreSQL \\d+\\.\\d+ on 127\\.0\\.0\\.1:\\d+/shelvora_lib_"))) << text.toStdString();
+
+    ConnectionPool::shared().clear();
+    TestEngine::dropLibrary(server);
 }

@@ -64,6 +64,11 @@ QString TestEngine::makeLibrary(const QString &sqlitePath)
         DatabaseSchema::createLibraryDatabase(sqlitePath);
         return sqlitePath;
     }
+    return makeServerLibrary();
+}
+
+QString TestEngine::makeServerLibrary()
+{
     // The schema is made once per server and copied for each test: copying is quicker than building.
     // Test processes run side by side: each finds the template, or builds one under its own name
     // and renames it into place (the first rename wins; a loser drops its copy).

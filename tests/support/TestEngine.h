@@ -12,6 +12,8 @@ QString serverAddress();
 /// A fresh, empty library database: a file at sqlitePath, or a throwaway database on the
 /// server (a copy of one made per process with the library schema). Returns its location.
 QString makeLibrary(const QString &sqlitePath);
+/// A fresh library database on the server whatever this run's engine; its address.
+QString makeServerLibrary();
 /// A new empty database on the server (no schema); its address.
 QString makeEmptyServerDatabase();
 /// Removes a database made above (server databases only; files go with their folder).
