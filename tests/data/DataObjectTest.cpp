@@ -264,3 +264,30 @@ TEST_F(DataObjectTest, ALongListShowsItsFirstRowsBeforeTheRest)
     EXPECT_EQ(calls, 1);
     data.CloseCompact();
 }
+
+// The server drops the desk's connection (a restart, a cable pulled) in the middle of a transaction:
+// one clear message, nothing of the transaction kept, and the next action connects again.
+TEST_F(DataObjectTest, ALostServerConnectionIsOneMessageAndTheNextActionReconnects)
+{
+    if (!TestEngine::onPostgres())
+        GTEST_SKIP() << "about a server connection";
+    {
+        const std::unique_ptr<DbConnection> library = OpenLibraryDatabase();
+        library->BeginTrans();
+        library->Execute("Insert into tblLibSubjectCodes (ClassificationNo) Values ('half-written')");
+        const QString pid = library->Execute("select pg_backend_pid()")->field(0).toString();
+        runOn(TestEngine::serverAddress(), "select pg_terminate_backend(" + pid + ")");
+        try {
+            library->Execute("select count(*) from tblLibItems");
+            ADD_FAILURE() << "the statement ran on a dropped connection";
+        } catch (const AppError &e) {
+            EXPECT_EQ(e.cause(), AppError::Cause::ConnectionLost);
+            EXPECT_TRUE(e.description().startsWith("The connection to the library database server was lost.")) << e.description().toStdString();
+        }
+        EXPECT_NO_THROW(library->RollbackTrans()); // nothing left to undo: the server dropped it
+    }
+    EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
+    clsDataObject data;
+    EXPECT_EQ(data.GetData("select * from tblLibItems"), libraryCount("select * from tblLibItems"));
+    data.CloseCompact();
+}
