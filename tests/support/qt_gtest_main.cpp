@@ -2,10 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 // Every test runs with a QApplication, so widgets and pixmaps can be made.
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? QByteArray("offscreen") : qgetenv("QT_QPA_PLATFORM"));
+    // --engine=postgresql: this run's database tests use the PostgreSQL server (see TestEngine).
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--engine=postgresql") == 0) {
+            qputenv("SHELVORA_TEST_ENGINE", "postgresql");
+            for (int k = i; k + 1 < argc; ++k)
+                argv[k] = argv[k + 1];
+            --argc;
+            break;
+        }
+    }
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
