@@ -33,3 +33,15 @@ double stepThroughCApi(sqlite3 *db, const QString &jet, int *rows)
             std::printf(" "); // keeps the reads from being optimised away
     });
 }
+
+// The stock list's "Show All" statement, as the screen writes it.
+const QString ShowAll = QStringLiteral(
+    " SELECT i.ItemID, i.AccessionID, i.CategoryID, c.Category, i.SubCategoryID, "
+    " sc.SubCategory, i.Title, (a1.Authorsurname+', '+a1.Authorfirstname) AS Author1,(a2.Authorsurname+', '+a2.Authorfirstname) AS Author2, "
+    " i.classificationno, i.ReferenceItem, i.Restricted, LoanType "
+    ", i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased"
+    " FROM ((((((tblLibItems AS i INNER JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID) LEFT JOIN tblLibSeries AS s ON i.SeriesID = s.SeriesID)"
+    " LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID=i.ItemLanguageID)"
+    " Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )"
+    " where i.PhasedOut=False   Order By Title, AccessionID");
+

@@ -7,3 +7,6 @@ struct sqlite3;
 /// Milliseconds to prepare and step a Jet statement's SQLite translation through the C API,
 /// reading every value as a reader must: the yardstick the screens are measured against.
 double stepThroughCApi(sqlite3 *db, const QString &jet, int *rows);
+
+/// The stock list's "Show All" statement, as the screen writes it.
+extern const QString ShowAll;

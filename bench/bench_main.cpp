@@ -6,6 +6,7 @@
 #include "ItemScreensBench.h"
 #include "CirculationBench.h"
 #include "MembersReportsBench.h"
+#include "PostgresBench.h"
 #include "Clock.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
@@ -31,6 +32,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <cstdlib>
+
 #include <sqlite3.h>
 
 #include <cstdio>
@@ -39,17 +42,6 @@
 #include <random>
 
 namespace {
-
-// The stock list's "Show All" statement, as the screen writes it.
-const QString ShowAll = QStringLiteral(
-    " SELECT i.ItemID, i.AccessionID, i.CategoryID, c.Category, i.SubCategoryID, "
-    " sc.SubCategory, i.Title, (a1.Authorsurname+', '+a1.Authorfirstname) AS Author1,(a2.Authorsurname+', '+a2.Authorfirstname) AS Author2, "
-    " i.classificationno, i.ReferenceItem, i.Restricted, LoanType "
-    ", i.ShelfNumber, i.ISBN, i.Cost, i.DatePurchased"
-    " FROM ((((((tblLibItems AS i INNER JOIN tblLibCategories AS c ON i.CategoryID = c.CategoryID) LEFT JOIN tblLibSeries AS s ON i.SeriesID = s.SeriesID)"
-    " LEFT JOIN tblLibSubCategories AS sc ON i.SubCategoryID=sc.SubCategoryID) LEFT JOIN tblLibItemLanguages AS il ON il.ItemLanguageID=i.ItemLanguageID)"
-    " Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )"
-    " where i.PhasedOut=False   Order By Title, AccessionID");
 
 // A mix of catalogue statements with varying literals.
 QStringList statementMix(int variant)
@@ -266,6 +258,10 @@ int main(int argc, char *argv[])
         return 2;
     }
     const QDir school(QString::fromLocal8Bit(argv[1]));
+    // shelvora_bench SCHOOL desk-worker LIBRARY DESK DESKS ITEMS: one desk of the four-desk benchmark.
+    if (argc == 7 && QByteArray(argv[2]) == "desk-worker")
+        return runDeskWorker(QString::fromLocal8Bit(argv[3]), school.absoluteFilePath(QStringLiteral("central.db")), std::atoi(argv[4]), std::atoi(argv[5]),
+                             std::atoi(argv[6]));
     QTemporaryDir work;
     const QString library = work.filePath(QStringLiteral("library.db"));
     if (!QFile::copy(school.absoluteFilePath(QStringLiteral("library.db")), library)) {
@@ -281,7 +277,8 @@ int main(int argc, char *argv[])
             {"loans", benchLoanEngine},                 {"circulation", benchCirculationScreens},
             {"references", benchCatalogueScreens},      {"labels", benchLabels},     {"items", benchItemScreens},
             {"members", benchMembersAndReports},        {"startup", [&work] { benchStartUp(work.path()); }},
-            {"screens", [&work] { benchOpeningEveryScreen(work.path()); }}};
+            {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
+            {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
         // An optional third argument runs only the groups whose names contain it.
         const QString only = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
         for (const auto &[name, run] : groups)

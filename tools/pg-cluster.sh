@@ -1,6 +1,8 @@
 # Sourced by tools/test.sh and tools/bench.sh: starts a private PostgreSQL cluster for the run
 # (initdb into a temporary folder as an unprivileged user, listening on 127.0.0.1 on a free port)
-# and stops it when the calling script ends. Exports SHELVORA_TEST_POSTGRESQL, the server's
+# and stops it when the calling script ends. The tests' cluster skips flushing to disk (nothing in it
+# outlives the run); with SHELVORA_PG_DURABLE=1 (the benchmarks) it flushes every commit as a school's
+# server would. Exports SHELVORA_TEST_POSTGRESQL, the server's
 # admin address; leaves it unset when no server is installed (the server tests then say so).
 shelvora_pg_start() {
   local bin
@@ -25,8 +27,10 @@ shelvora_pg_start() {
   done
   "${SHELVORA_PG_AS[@]}" "$bin/initdb" -D "$SHELVORA_PG_DIR/data" -U shelvora --auth=trust -E UTF8 --locale=C.UTF-8 >"$SHELVORA_PG_DIR/initdb.log" 2>&1 \
     || { cat "$SHELVORA_PG_DIR/initdb.log"; return 1; }
+  local flush="-c fsync=off -c synchronous_commit=off -c full_page_writes=off"
+  [ "${SHELVORA_PG_DURABLE:-0}" = 1 ] && flush=""
   "${SHELVORA_PG_AS[@]}" "$bin/pg_ctl" -D "$SHELVORA_PG_DIR/data" -l "$SHELVORA_PG_DIR/server.log" -w \
-    -o "-h 127.0.0.1 -p $port -k $SHELVORA_PG_DIR -c fsync=off -c synchronous_commit=off -c full_page_writes=off -c max_connections=200" start >/dev/null \
+    -o "-h 127.0.0.1 -p $port -k $SHELVORA_PG_DIR $flush -c max_connections=200" start >/dev/null \
     || { cat "$SHELVORA_PG_DIR/server.log"; return 1; }
   SHELVORA_PG_BIN=$bin
   export SHELVORA_TEST_POSTGRESQL="postgresql://shelvora@127.0.0.1:$port/postgres"

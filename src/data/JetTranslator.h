@@ -56,7 +56,15 @@ public:
     /// Whether TOP n becomes LIMIT n at the end of its SELECT.
     virtual bool topAsLimit() const { return true; }
     /// A [bracketed] name in a statement, as the engine reads it; bare is without its brackets.
-    virtual std::string bracketedName(std::string_view bare) const { return "[" + std::string(bare) + "]"; }
+    virtual std::string bracketedName(std::string_view bare) const
+    {
+        std::string name;
+        name.reserve(bare.size() + 2);
+        name += '[';
+        name.append(bare);
+        name += ']';
+        return name;
+    }
     /// Jet's Like compares without regard to case; the engine's keyword that does.
     virtual const char *likeKeyword() const { return "LIKE"; }
     /// Jet's / always divides as decimals; the engine's operator text that does.
