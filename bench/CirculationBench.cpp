@@ -130,8 +130,8 @@ void benchDesk()
         screenIssue.add(issued);
         const QStringList issueStatements = sent;
         DbConnection::traceStatements(nullptr);
-        run(LibraryDatabasePath, undoIssue);
         if (raw) {
+            run(LibraryDatabasePath, undoIssue);
             raw->prepare(issueStatements);
             rawIssue.time([&] { raw->run(); });
         }

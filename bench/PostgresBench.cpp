@@ -47,15 +47,15 @@ double readWithLibpq(const QString &uri, const QString &jet, int *rows)
     QElapsedTimer timer;
     timer.start();
     PGresult *r = PQexecParams(conn, sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0);
-    size_t bytes = 0;
+    static size_t touched = 0; // kept, so the reading is not optimised away
     for (int row = 0; row < PQntuples(r); ++row)
         for (int c = 0; c < PQnfields(r); ++c)
-            bytes += PQgetisnull(r, row, c) ? 0 : size_t(PQgetlength(r, row, c)) + size_t(*PQgetvalue(r, row, c) != 0);
+            touched += PQgetisnull(r, row, c) ? 0 : size_t(PQgetlength(r, row, c)) + size_t(*PQgetvalue(r, row, c) != 0);
     const double ms = double(timer.nsecsElapsed()) / 1e6;
     *rows = PQntuples(r);
     PQclear(r);
     PQfinish(conn);
-    return bytes ? ms : ms;
+    return ms;
 }
 
 void benchShowAll(const QString &uri)

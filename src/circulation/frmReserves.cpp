@@ -1,6 +1,4 @@
 #include "frmReserves.h"
-
-#include "Reservations.h"
 #include "ui_frmReserves.h"
 
 #include "AppError.h"
@@ -9,6 +7,7 @@
 #include "LoanRules.h"
 #include "MemberLists.h"
 #include "Recordset.h"
+#include "Reservations.h"
 #include "SpreadGrid.h"
 #include "SqlText.h"
 #include "TypedFields.h"

@@ -204,6 +204,14 @@ private:
                 continue;
             }
             Item item;
+            if (!afterDot && !followedByGroup && lw == "mod" && !st.segment.empty() && !st.segment.back().isOperator) {
+                // Jet's Mod operator: the remainder, as % on the engines.
+                item.isOperator = true;
+                item.op = "%";
+                item.toks.push_back(OutTok{"%"});
+                st.segment.push_back(std::move(item));
+                continue;
+            }
             if (!afterDot && !followedByGroup && (lw == "true" || lw == "false")) {
                 item.toks.push_back(OutTok{lw == "true" ? "-1" : "0"});
                 item.literal = true;

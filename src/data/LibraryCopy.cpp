@@ -126,5 +126,9 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
         target->RollbackTrans();
         throw;
     }
+    // The copy's own connection could write; later ones learn afresh what the database is
+    // (a school database is opened read-only).
+    target->Close();
+    ConnectionPool::shared().closeIdle(to);
     return copied;
 }

@@ -1,10 +1,10 @@
 #include "Reservations.h"
 
+#include "Clock.h"
 #include "DbConnection.h"
 #include "LoanRules.h"
 #include "Recordset.h"
 #include "SqlText.h"
-#include "Clock.h"
 #include "UpdateDatabase.h"
 
 namespace {

@@ -58,3 +58,22 @@ TEST_F(LibraryCopyTest, ALibraryMovesBetweenEnginesWhole)
         TestEngine::dropLibrary(server);
     }
 }
+
+// The school's database may sit on the same server; whoever opens it there cannot write it.
+TEST_F(LibraryCopyTest, TheSchoolDatabaseOnAServerIsReadOnly)
+{
+    if (!TestEngine::onPostgres())
+        GTEST_SKIP() << "about a server database";
+    central("Insert into Learner_Info(ID, AccessionNo, SName, FName, Grade, Class, Status) values (5, 'L5', 'Dlamini', 'Zola', 8, 1, 'C')");
+    const QString server = TestEngine::makeEmptyServerDatabase();
+    LibraryCopy::copy(centralPath_, server);
+    EXPECT_EQ(rowsIn(server, "select SName, FName from Learner_Info"), QStringList{"Dlamini|Zola"});
+    try {
+        runOn(server, "Update Learner_Info set SName = 'Changed'");
+        ADD_FAILURE() << "the school database was written";
+    } catch (const AppError &e) {
+        EXPECT_EQ(e.description(), "Cannot update.  Database or object is read-only.");
+    }
+    EXPECT_EQ(rowsIn(server, "select SName from Learner_Info"), QStringList{"Dlamini"});
+    TestEngine::dropLibrary(server);
+}

@@ -13,13 +13,14 @@
 namespace {
 
 // Server-side housekeeping of the tests (making and dropping databases) is not Jet: plain libpq.
-bool admin(const QString &sql, QString *error = nullptr)
+// With wantRow, a query answers whether it found a row.
+bool admin(const QString &sql, QString *error = nullptr, bool wantRow = false)
 {
     PGconn *conn = PQconnectdb(TestEngine::serverAddress().toUtf8().constData());
     bool ok = PQstatus(conn) == CONNECTION_OK;
     if (ok) {
         PGresult *r = PQexec(conn, sql.toUtf8().constData());
-        ok = PQresultStatus(r) == PGRES_COMMAND_OK;
+        ok = wantRow ? PQresultStatus(r) == PGRES_TUPLES_OK && PQntuples(r) > 0 : PQresultStatus(r) == PGRES_COMMAND_OK;
         if (!ok && error)
             *error = QString::fromUtf8(PQerrorMessage(conn));
         PQclear(r);
@@ -74,7 +75,7 @@ QString TestEngine::makeServerLibrary()
     // and renames it into place (the first rename wins; a loser drops its copy).
     static const QString templateName = [] {
         const QString wanted = QStringLiteral("shelvora_library_template");
-        if (!admin(QStringLiteral("ALTER DATABASE %1 SET search_path TO public").arg(wanted))) {
+        if (!admin(QStringLiteral("SELECT 1 FROM pg_database WHERE datname = '%1'").arg(wanted), nullptr, true)) {
             const QString location = makeEmptyServerDatabase();
             DatabaseSchema::createLibraryDatabase(location);
             ConnectionPool::shared().closeIdle(location);
