@@ -2,6 +2,8 @@
 #include "Clock.h"
 #include "DbConnection.h"
 #include "LoanRoutines.h"
+#include "LoanRules.h"
+#include "clsDataObject.h"
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
 #include "clsBusinessRules.h"
@@ -316,4 +318,19 @@ TEST_F(LoanTest, TwoDesksReturningOneLoanAtOnceFineItOnce)
         EXPECT_EQ(fineRows(), QStringList{"1|12|L|2|2026-11-05"}) << "round " << round;
         EXPECT_EQ(loanRow(), QStringList{"2026-11-05|True|0|2026-11-01"});
     }
+}
+
+// Another desk lends the copy between this desk's checks and its insert: the database keeps one open
+// loan per copy, and this desk is told the copy is out instead of being shown an engine error.
+TEST_F(LoanTest, AnIssueBeatenByAnotherDeskWritesNothing)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 11, 10), QTime(9, 0)));
+    const IssueCheck check = CheckIssue(12, "L", 2, "A2");
+    ASSERT_EQ(check.refusal, IssueRefusal::None);
+    lend("A2", check.itemID, "E", 12, QDate(2026, 11, 24)); // the other desk
+    clsDataObject data;
+    EXPECT_EQ(RecordIssue(data, "A2", "L", 12, check.itemID, QDate(2026, 11, 24), "select transactionid from tblLibTransactions where memberid = "),
+              LentElsewhere);
+    EXPECT_EQ(libraryRows("select MemberType from tblLibTransactions where AccessionID = 'A2'"), QStringList{"E"});
+    EXPECT_TRUE(messages_->shown().empty());
 }
