@@ -36,6 +36,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -279,10 +280,10 @@ int main(int argc, char *argv[])
             {"members", benchMembersAndReports},        {"startup", [&work] { benchStartUp(work.path()); }},
             {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
             {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
-        // An optional third argument runs only the groups whose names contain it.
-        const QString only = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+        // An optional third argument runs only the groups whose names contain it (several, separated by commas).
+        const QStringList only = argc > 2 ? QString::fromLocal8Bit(argv[2]).split(QLatin1Char(','), Qt::SkipEmptyParts) : QStringList();
         for (const auto &[name, run] : groups)
-            if (only.isEmpty() || QLatin1String(name).contains(only))
+            if (only.isEmpty() || std::any_of(only.begin(), only.end(), [&](const QString &o) { return QLatin1String(name).contains(o); }))
                 run();
     } catch (const AppError &e) {
         std::fprintf(stderr, "benchmark failed: %s\n%s\n", qPrintable(e.description()), qPrintable(e.statement()));

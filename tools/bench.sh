@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds in release mode, writes the large school once (into bench-school/) and runs every benchmark
-# (or only the groups whose names contain the first argument, e.g. tools/bench.sh postgresql).
+# (or only the groups whose names contain the first argument, e.g. tools/bench.sh postgresql or
+# tools/bench.sh circulation,getdata,postgresql).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 BUILD_DIR=build-release BUILD_TYPE=Release bash tools/build.sh
