@@ -359,6 +359,25 @@ private:
         } else {
             emitted = plusChain(parts[0]);
         }
+        // A concatenation made here (not one inside a group, which was wrapped where it was made).
+        bool concatenated = false;
+        int depth = 0;
+        for (const OutTok &t : emitted) {
+            depth += t.text == "(" ? 1 : t.text == ")" ? -1 : 0;
+            concatenated = concatenated || (t.text == "||" && depth == 1);
+        }
+        if (concatenated) {
+            const DialectTraits::Wrapper whole = traits_.concatenation();
+            if (!whole.before.empty() || !whole.after.empty()) {
+                Out wrapped;
+                for (size_t k = 0; k < whole.before.size(); ++k)
+                    wrapped.push_back(OutTok{whole.before[k], -1, JetToken::Number, k + 1 < whole.before.size() && whole.before[k + 1] == "("});
+                append(wrapped, emitted);
+                for (const std::string &t : whole.after)
+                    wrapped.push_back(OutTok{t});
+                emitted = std::move(wrapped);
+            }
+        }
         append(st.out, emitted);
         if (st.inOrderBy && !plainColumn && !position)
             st.out.push_back(OutTok{traits_.caseInsensitiveOrder()});

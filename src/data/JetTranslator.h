@@ -69,6 +69,8 @@ public:
     virtual const char *likeKeyword() const { return "LIKE"; }
     /// Jet's / always divides as decimals; the engine's operator text that does.
     virtual const char *divideOperator() const { return "/"; }
+    /// Round a whole concatenation (& or + with text), so that it compares and sorts without regard to case as Jet does.
+    virtual Wrapper concatenation() const { return {}; }
     /// An operand of Jet's & (any type; Null counts as empty) made into text.
     virtual Wrapper concatOperand() const { return {{"ifnull", "("}, {",", "''", ")"}}; }
     /// Statements to run after CREATE TABLE (or ALTER TABLE ADD when adding is set).

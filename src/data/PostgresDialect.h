@@ -18,6 +18,7 @@ public:
     std::string bracketedName(std::string_view bare) const override { return quoteName(bare); }
     const char *likeKeyword() const override { return "ILIKE"; }
     const char *divideOperator() const override { return "* 1.0 /"; }
+    Wrapper concatenation() const override { return {{"CAST", "("}, {"AS", "citext", ")"}}; }
     Wrapper concatOperand() const override { return {{"COALESCE", "(", "CAST", "("}, {"AS", "text", ")", ",", "''", ")"}}; }
     std::string columnDefinition(const std::string &name, JetColumnType type, bool counterKey, bool notNull,
                                  const std::string &defaultSql) const override;

@@ -12,6 +12,7 @@ public:
     std::string dateLiteral(const std::string &iso) const override { return "'" + iso + "'"; }
     std::string caseInsensitiveOrder() const override { return "COLLATE NOCASE"; }
     std::string quoteName(std::string_view bareName) const override;
+    Wrapper concatenation() const override { return {{"("}, {"COLLATE", "NOCASE", ")"}}; }
     /// Year(), Month(), Day(), Len() ... as CAST(... AS INTEGER): a call has no affinity in SQLite,
     /// so Year(d) <= '2026' would compare a number with text, which is always true there.
     Wrapper numericCall(std::string_view lowerJetName) const override;

@@ -22,8 +22,8 @@ TEST(JetTranslation, RewritesJetConstructsForSqlite)
     EXPECT_EQ(sqlite("Update t set d =#2026-11-23#, e = #11/3/2026#, f = true where g = false"),
               "Update t set d = '2026-11-23', e = '2026-11-03', f = -1 where g = 0");
     EXPECT_EQ(sqlite("Select a & ', ' & b as c from t order by c"),
-              "SELECT (ifnull(a, '') || ', ' || ifnull(b, '')) as c from t ORDER BY c COLLATE NOCASE");
-    EXPECT_EQ(sqlite("select (s + ', ' + f) as n, x + 1 from t"), "SELECT (((s) || (', ') || (f))) as n, x + 1 from t");
+              "SELECT ((ifnull(a, '') || ', ' || ifnull(b, '')) COLLATE NOCASE) as c from t ORDER BY c COLLATE NOCASE");
+    EXPECT_EQ(sqlite("select (s + ', ' + f) as n, x + 1 from t"), "SELECT ((((s) || (', ') || (f)) COLLATE NOCASE)) as n, x + 1 from t");
     EXPECT_EQ(sqlite("select x from t where isnull(p) = -1 and left(a,2) = 'ab' and ucase(b) = lcase(c)"),
               "SELECT x from t where jet_isnull(p) = - 1 and jet_left(a, 2) = 'ab' and upper(b) = lower(c)");
     EXPECT_EQ(sqlite("select \"it's\" as q"), "SELECT 'it''s' as q");
@@ -101,6 +101,10 @@ TEST_F(JetOnSqlite, TextComparesAndSortsWithoutRegardToCase)
     EXPECT_EQ(q("select [title] from [tblLibItems] where [AccessionID] = 'a2'"), QStringList{"Alpha"});
     EXPECT_EQ(q("select ucase(Title) & '-' & lcase(AccessionID) as k from tblLibItems order by k desc"),
               (QStringList{"GAMMA-a3", "BETA-a1", "ALPHA-a2"}));
+    // Joined texts compare and sort without regard to case too.
+    EXPECT_EQ(q("select Title from tblLibItems where Title & '/' & AccessionID = 'BETA/A1'"), QStringList{"beta"});
+    EXPECT_EQ(q("select Title & AccessionID as k from tblLibItems order by Title & AccessionID"),
+              (QStringList{"AlphaA2", "betaa1", "gammaA3"}));
 }
 
 TEST_F(JetOnSqlite, BooleansInEveryWrittenForm)
@@ -256,7 +260,7 @@ TEST(JetTranslation, RewritesJetConstructsForPostgres)
     EXPECT_EQ(postgres("select top 1 [Key], [Fine Amount] from (Educators) where SName like 'du%' order by EdID desc"),
               "SELECT \"key\", \"fine amount\" from Educators where SName ILIKE 'du%' ORDER BY EdID desc LIMIT 1");
     EXPECT_EQ(postgres("Select a & ', ' & b as c from t where d >= #11/3/2026# and ItemID mod 4 = 1 and f = true"),
-              "SELECT (COALESCE(CAST(a AS text), '') || ', ' || COALESCE(CAST(b AS text), '')) as c from t where d >= "
+              "SELECT CAST((COALESCE(CAST(a AS text), '') || ', ' || COALESCE(CAST(b AS text), '')) AS citext) as c from t where d >= "
               "CAST('2026-11-03' AS timestamp(0)) and ItemID % 4 = 1 and f = -1");
     EXPECT_EQ(postgres("select count(*) / 2, isnull(p), dateadd('d', 3, date()), int(x) from t"),
               "SELECT count(*) * 1.0 / 2, jet_isnull(p), jet_dateadd_checked('d', 3, jet_date()), jet_int(x) from t");
