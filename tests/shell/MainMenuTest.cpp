@@ -59,12 +59,17 @@ protected:
             all = all && child<QGroupBox>(menu, frame)->isEnabled();
         return all;
     }
-    QString schema(const QString &file)
+    void upgradesOnce(const QString &old);
+    /// The structure of a database as text: its definitions (a file) or its columns and types (a server).
+    QString schema(const QString &location)
     {
         DbConnection c;
-        c.DataSource = file;
+        c.DataSource = location;
         c.Open();
-        auto rs = c.Execute("select sql from sqlite_master where sql is not null order by name");
+        auto rs = c.Execute(location.startsWith("postgresql://")
+                                ? "select table_name & '.' & column_name & ' ' & data_type from information_schema.columns "
+                                  "where table_schema = 'public' order by table_name, column_name"
+                                : "select sql from sqlite_master where sql is not null order by name");
         QStringList out;
         for (; !rs->atEnd(); rs->MoveNext())
             out << rs->field(0).toString();
@@ -213,9 +218,10 @@ TEST_F(MainMenuTest, TheSchoolDatabaseIsNeverWrittenWhicheverWayItIsOpened)
     EXPECT_TRUE(rowsIn(centralPath_, "select name from sqlite_master where name = 'tblLibKeywords'").isEmpty());
 }
 
-TEST_F(MainMenuTest, AnOlderReleaseDatabaseIsUpgradedOnceAndKeepsItsRows)
+// An older release's library, as a file or on a server: upgraded at start-up, rows kept, and a second
+// start changes nothing more.
+void MainMenuTest::upgradesOnce(const QString &old)
 {
-    const QString old = path("old.db");
     DatabaseSchema::createDatabase(old, DatabaseSchema::olderReleaseLibraryStatements());
     runOn(old, "Insert into tblLibSubjectCodes (SubjectDescription, ClassificationNo) Values ('Sport', 796.5)");
     runOn(old, "Insert into tblLibItems (AccessionID, Title, ShelfNumber, ClassificationNo) Values ('A1', 'Rugby', '796 RUG', 796.5)");
@@ -246,6 +252,20 @@ TEST_F(MainMenuTest, AnOlderReleaseDatabaseIsUpgradedOnceAndKeepsItsRows)
     auto again = start(false);
     EXPECT_EQ(schema(old), upgraded);
     EXPECT_TRUE(messages_->shown().empty());
+}
+
+TEST_F(MainMenuTest, AnOlderReleaseDatabaseIsUpgradedOnceAndKeepsItsRows) { upgradesOnce(path("old.db")); }
+
+TEST_F(MainMenuTest, AnOlderReleaseDatabaseOnAServerIsUpgradedOnceAndKeepsItsRows)
+{
+    if (TestEngine::serverAddress().isEmpty()) {
+        std::fprintf(stderr, "skipped: no PostgreSQL\n");
+        GTEST_SKIP() << "skipped: no PostgreSQL";
+    }
+    const QString old = TestEngine::makeEmptyServerDatabase();
+    upgradesOnce(old);
+    ConnectionPool::shared().clear();
+    TestEngine::dropLibrary(old);
 }
 
 TEST_F(MainMenuTest, TheWriteProbeLeavesNoRowOnACurrentDatabase)
