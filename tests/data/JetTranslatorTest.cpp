@@ -141,6 +141,20 @@ TEST_F(JetOnSqlite, DatesAndDateFunctions)
     EXPECT_EQ(q("select DatePurchased from tblLibItems where DatePurchased is not null"), QStringList{"2026-11-23"});
 }
 
+// Jet's conversion and date functions give the same answers on every engine.
+TEST_F(JetOnSqlite, ConversionsAndDateArithmetic)
+{
+    EXPECT_EQ(q("select DateDiff('d', #2026-11-01#, #2026-11-23#), DateDiff('m', #2026-01-31#, #2026-03-01#), "
+                "DateDiff('yyyy', #2025-12-31#, #2026-01-01#), DateDiff('ww', #2026-11-01#, #2026-11-23#)"),
+              QStringList{"22|2|1|3"});
+    EXPECT_EQ(q("select Format(#2026-11-03#, 'dd/mm/yyyy'), Format(#2026-11-03 14:05:00#, 'yyyy-mm-dd hh:mm')"),
+              QStringList{"03/11/2026|2026-11-03 14:05"});
+    EXPECT_EQ(q("select CStr(12.5), CLng(2.5), CLng(3.5), CInt('7'), Val('12abc'), Int(-2.5), IIf(1 > 0, 1, 2.5)"),
+              QStringList{"12.5|2|4|7|12|-3|1"});
+    EXPECT_EQ(q("select AccessionID from tblLibItems where DateDiff('d', DateAdded, #2026-11-23#) > 300 order by AccessionID"),
+              (QStringList{"A2", "A3"}));
+}
+
 TEST_F(JetOnSqlite, NestedJoinsTopAndSubqueries)
 {
     EXPECT_EQ(q("SELECT i.AccessionID, c.Category, (a1.Authorsurname+', '+a1.Authorfirstname) AS Author1, a2.AuthorSurname "
