@@ -1,6 +1,7 @@
 // libFuzzer target: Jet translation alone. A finding is a sanitizer report, an exception other
 // than AppError, or a translation served from the shape cache that differs from a fresh one.
 #include "AppError.h"
+#include "PostgresDialect.h"
 #include "SqliteDialect.h"
 
 #include <cstdio>
@@ -19,20 +20,27 @@ std::string outcome(JetTranslator &translator, std::string_view sql)
     }
 }
 
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+// One translator keeps every shape it has seen across inputs; the other starts empty each time.
+void compare(JetTranslator &warm, JetTranslator &fresh, std::string_view sql)
 {
-    // One translator keeps every shape it has seen across inputs; the other starts empty each time.
-    static JetTranslator warm(std::make_unique<SqliteDialect>());
-    static JetTranslator fresh(std::make_unique<SqliteDialect>());
-    const std::string_view sql(reinterpret_cast<const char *>(data), size);
     fresh.clearCache();
     const std::string expected = outcome(fresh, sql);
     const std::string cached = outcome(warm, sql);
     if (cached != expected) {
-        std::fprintf(stderr, "cached translation differs\n  fresh:  %s\n  cached: %s\n", expected.c_str(), cached.c_str());
+        std::fprintf(stderr, "cached %s translation differs\n  fresh:  %s\n  cached: %s\n", fresh.traits().name(), expected.c_str(),
+                     cached.c_str());
         std::abort();
     }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    static JetTranslator sqliteWarm(std::make_unique<SqliteDialect>()), sqliteFresh(std::make_unique<SqliteDialect>());
+    static JetTranslator serverWarm(std::make_unique<PostgresDialect>()), serverFresh(std::make_unique<PostgresDialect>());
+    const std::string_view sql(reinterpret_cast<const char *>(data), size);
+    compare(sqliteWarm, sqliteFresh, sql);
+    compare(serverWarm, serverFresh, sql);
     return 0;
 }
