@@ -52,6 +52,8 @@ QStringList libraryTables(bool olderRelease)
                         "FineCancelled BIT DEFAULT false)");
     s << QStringLiteral("CREATE TABLE tblLibReserves (ReserveID COUNTER PRIMARY KEY, MemberType TEXT(1), MemberID INT, ItemID INT, "
                         "ReserveDate DATETIME, Canceled BIT DEFAULT false)");
+    if (!olderRelease)
+        s << DatabaseSchema::noticeTemplateTable();
     s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
                         "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
                         "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
@@ -84,6 +86,11 @@ QStringList DatabaseSchema::keywordIndexes()
     return {QStringLiteral("CREATE INDEX ixItemKeywordsItem ON tblLibItemKeywords (ItemID)"),
             QStringLiteral("CREATE INDEX ixKeywordsEnglish ON tblLibKeywords (KeywordEng)"),
             QStringLiteral("CREATE INDEX ixKeywordsAfrikaans ON tblLibKeywords (KeywordAfr)")};
+}
+
+QString DatabaseSchema::noticeTemplateTable()
+{
+    return QStringLiteral("CREATE TABLE tblLibNoticeTemplate (TemplateID COUNTER PRIMARY KEY, Body MEMO)");
 }
 
 QStringList DatabaseSchema::libraryStatements() { return libraryTables(false); }

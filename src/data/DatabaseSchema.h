@@ -13,6 +13,8 @@ public:
     /// The library database as an older release left it: numeric ClassificationNo,
     /// no keyword tables, no Author3, Edition or PhasedOut on languages and subject codes.
     static QStringList olderReleaseLibraryStatements();
+    /// The table keeping the wording of the overdue letters to parents (made with the database, or by an upgrade).
+    static QString noticeTemplateTable();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
     /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the

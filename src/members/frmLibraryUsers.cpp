@@ -233,30 +233,9 @@ void frmLibraryUsers::openLoanRecord(SpreadGrid *grid, const QString &memberType
     history.exec();
 }
 
-QString frmLibraryUsers::ExportLogFile()
-{
-#ifdef Q_OS_WIN
-    return QStringLiteral("C:\\LOGFILE.TXT");
-#else
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation)).filePath(QStringLiteral("LOGFILE.TXT"));
-#endif
-}
+QString frmLibraryUsers::ExportLogFile() { return WorkbookExportLog(); }
 
-void frmLibraryUsers::exportGrid(SpreadGrid *grid, const QString &sheetName)
-{
-    QString file = ShowSaveFileDialog(this, QStringLiteral("Export to Excel"), QStringLiteral("Excel Files (*.xlsx *.xls)"));
-    if (file.isEmpty()) {
-        UserMessage(QStringLiteral("You must provide a path and name for your export file."));
-        return;
-    }
-    // The workbook is written in today's format, whatever ending the name was given.
-    if (!file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive)) {
-        if (file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive))
-            file.chop(4);
-        file += QStringLiteral(".xlsx");
-    }
-    UserMessage(grid->ExportToExcel(file, sheetName, ExportLogFile()) ? QStringLiteral("Export complete.") : QStringLiteral("Export did not succeed."));
-}
+void frmLibraryUsers::exportGrid(SpreadGrid *grid, const QString &sheetName) { ExportGridToWorkbook(this, *grid, sheetName); }
 
 void frmLibraryUsers::printGrid(SpreadGrid *grid, const QString &heading, const QString &location)
 {

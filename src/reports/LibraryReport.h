@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PagedDocument.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -27,7 +29,7 @@ struct ReportDefinition {
 /// report's title, the period heading where the definition has one, a table of the fields with the
 /// member's name, a count per class in the by-class reports, and "Page n of m" at the foot. Money
 /// shows two decimals, right-aligned; the fines reports total each class and the whole report.
-class LibraryReport {
+class LibraryReport : public PagedDocument {
 public:
     LibraryReport() = default;
     LibraryReport(ReportDefinition definition, const QString &schoolName, const QString &periodHeading);
@@ -39,6 +41,7 @@ public:
     void finish();
 
     const ReportDefinition &definition() const { return definition_; }
+    QString title() const override { return definition_.title; }
     const QString &periodHeading() const { return periodHeading_; }
     int rowCount() const { return int(rows_.size()); }
     /// A row's cells as shown, in column order.
@@ -48,9 +51,9 @@ public:
     QStringList summaryLines() const;
 
     /// Pages needed for a page area (device units of the painter's device at that resolution).
-    int pageCount(const QRectF &page, double dpi) const;
+    int pageCount(const QRectF &page, double dpi) const override;
     /// Draws one page (1-based).
-    void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const;
+    void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const override;
 
 private:
     struct Row {

@@ -2,8 +2,10 @@
 
 #include "ScreenRegistry.h"
 #include "frmLibraryReport.h"
+#include "frmOverdueNotices.h"
 
 void registerReportScreens(ScreenRegistry &screens)
 {
     screens.add(QStringLiteral("frmLibraryReport"), [](QWidget *parent) { return new frmLibraryReport(parent); });
+    screens.add(QStringLiteral("frmOverdueNotices"), [](QWidget *parent) { return new frmOverdueNotices(parent); });
 }

@@ -26,7 +26,7 @@ void setUp(QPrinter &printer)
 // One page of the report on screen, drawn when it is painted, at the zoom chosen.
 class ReportPageView : public QWidget {
 public:
-    ReportPageView(const LibraryReport &report, QWidget *parent) : QWidget(parent), report_(report)
+    ReportPageView(const PagedDocument &report, QWidget *parent) : QWidget(parent), report_(report)
     {
         QPrinter printer(QPrinter::ScreenResolution);
         setUp(printer);
@@ -74,18 +74,18 @@ private:
         update();
     }
 
-    const LibraryReport &report_;
+    const PagedDocument &report_;
     QRectF page_; // points
     int pages_ = 1;
     int current_ = 1;
     double zoom_ = 1.0;
 };
 
-frmReportViewer::frmReportViewer(const LibraryReport &report, QWidget *parent)
+frmReportViewer::frmReportViewer(const PagedDocument &report, QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::frmReportViewer>()), report_(report)
 {
     ui->setupUi(this);
-    setWindowTitle(report.definition().title);
+    setWindowTitle(report.title());
     auto *scroll = new QScrollArea(ui->viewerArea);
     scroll->setAlignment(Qt::AlignHCenter);
     CRViewer1 = new ReportPageView(report_, scroll);

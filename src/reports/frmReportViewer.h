@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibraryReport.h"
+#include "PagedDocument.h"
 
 #include <QDialog>
 
@@ -18,7 +18,7 @@ class ReportPageView;
 class frmReportViewer : public QDialog {
     Q_OBJECT
 public:
-    frmReportViewer(const LibraryReport &report, QWidget *parent = nullptr);
+    frmReportViewer(const PagedDocument &report, QWidget *parent = nullptr);
     ~frmReportViewer() override;
 
     /// Writes the whole report as a PDF file; false when the file cannot be written.
@@ -35,6 +35,6 @@ private:
     void showPageNumber();
 
     std::unique_ptr<Ui::frmReportViewer> ui;
-    const LibraryReport &report_;
+    const PagedDocument &report_;
     ReportPageView *CRViewer1 = nullptr;
 };

@@ -92,6 +92,7 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     Frame5 = frame("Frame5", QStringLiteral("Reports"), this);
     Command2 = menuButton(Frame5, "Command2", QStringLiteral("Reports"), QStringLiteral("frmLibraryReport"));
     cmdLabels = menuButton(Frame5, "cmdLabels", QStringLiteral("Labels"), QStringLiteral("frmLabelList"));
+    cmdOverdueNotices = menuButton(Frame5, "cmdOverdueNotices", QStringLiteral("Overdue Notices"), QStringLiteral("frmOverdueNotices"));
     Frame6 = frame("Frame6", QStringLiteral("System Settings"), this);
     cmdSettings = menuButton(Frame6, "cmdSettings", QStringLiteral("General Settings"), QStringLiteral("frmSystemSettings"));
 
@@ -233,6 +234,7 @@ void frmMainMenu::upgradeStructure()
     upgradeClassificationNumbers();
     upgrade(QStringLiteral("select Author3 from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Author3 INT")});
     upgrade(QStringLiteral("select Edition from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Edition INT")});
+    upgrade(QStringLiteral("select Body from tblLibNoticeTemplate"), {DatabaseSchema::noticeTemplateTable()});
 }
 
 // A text written into a numeric ClassificationNo fails with a type mismatch: then the

@@ -7,6 +7,8 @@
 #include "modExtendedMsgBox.h"
 
 #include <QAbstractButton>
+#include <QDir>
+#include <QStandardPaths>
 #include <QPageLayout>
 #include <QPainter>
 #include <QWidget>
@@ -62,4 +64,29 @@ void PrintGridWithHeading(int orientation, const QString &heading, SpreadGrid &g
         grid.printPage(painter, area, p);
     }
     painter.end();
+}
+
+QString WorkbookExportLog()
+{
+#ifdef Q_OS_WIN
+    return QStringLiteral("C:\\LOGFILE.TXT");
+#else
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation)).filePath(QStringLiteral("LOGFILE.TXT"));
+#endif
+}
+
+void ExportGridToWorkbook(QWidget *parent, const SpreadGrid &grid, const QString &sheetName)
+{
+    QString file = ShowSaveFileDialog(parent, QStringLiteral("Export to Excel"), QStringLiteral("Excel Files (*.xlsx *.xls)"));
+    if (file.isEmpty()) {
+        UserMessage(QStringLiteral("You must provide a path and name for your export file."));
+        return;
+    }
+    // The workbook is written in today's format, whatever ending the name was given.
+    if (!file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive)) {
+        if (file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive))
+            file.chop(4);
+        file += QStringLiteral(".xlsx");
+    }
+    UserMessage(grid.ExportToExcel(file, sheetName, WorkbookExportLog()) ? QStringLiteral("Export complete.") : QStringLiteral("Export did not succeed."));
 }

@@ -18,3 +18,10 @@ inline constexpr int PrintLandscape = 2;
 /// Prints a grid under the heading SchoolName + " - " + heading, after telling the
 /// user how many pages it takes. Printer errors reach the caller as AppError.
 void PrintGridWithHeading(int orientation, const QString &heading, SpreadGrid &grid);
+
+/// The log of workbook exports (one line per export).
+QString WorkbookExportLog();
+
+/// Asks for a file name and writes the grid there as an .xlsx workbook (the name is given that ending),
+/// then says whether it worked: "Export complete." / "Export did not succeed.".
+void ExportGridToWorkbook(QWidget *parent, const SpreadGrid &grid, const QString &sheetName);

@@ -106,7 +106,7 @@ const QStringList LibraryTables = {
     "tblLibItems",           "tblLibCategories", "tblLibSubCategories",  "tblLibSubjectCodes", "tblLibItemSubjects",
     "tblLibKeywords",        "tblLibItemKeywords", "tblLibAuthors",       "tblLibPublishers",   "tblLibSeries",
     "tblLibItemLanguages",   "tblLibMasterCatalogue", "tblLibBook",       "tblLibTransactions", "tblLibTransactionFines",
-    "tblLibReserves",        "tblLibSettings"};
+    "tblLibReserves",        "tblLibNoticeTemplate", "tblLibSettings"};
 
 const QStringList Loans = {"tblLibTransactions", "tblLibTransactionFines", "tblLibReserves"};
 const QStringList ItemEditing = {"tblLibItems",        "tblLibItemSubjects", "tblLibItemKeywords", "tblLibSubjectCodes",
@@ -134,7 +134,8 @@ const std::map<QString, QStringList> &ownedTables()
         {"frmKeywordList", {"tblLibKeywords"}},
         {"frmLabelList", {}},
         {"frmLibraryUsers", Loans},
-        {"frmLibraryReport", {}}};
+        {"frmLibraryReport", {}},
+        {"frmOverdueNotices", {"tblLibNoticeTemplate"}}};
     return owned;
 }
 
@@ -386,7 +387,7 @@ INSTANTIATE_TEST_SUITE_P(Registered, EveryScreen,
                          ::testing::Values("frmIssueSystem", "frmSystemSettings", "frmReserves", "frmReservedItems", "frmFinePayment",
                                            "frmItemList", "frmItemAddModify", "frmCategories", "frmQuickFind", "frmSeries",
                                            "frmPublisher", "frmAuthor", "frmLanguages", "frmSubjectsList", "frmKeywordList",
-                                           "frmLabelList", "frmLibraryUsers", "frmLibraryReport"),
+                                           "frmLabelList", "frmLibraryUsers", "frmLibraryReport", "frmOverdueNotices"),
                          [](const auto &info) { return std::string(info.param); });
 
 TEST_F(InputSweep, TheListAboveIsEveryRegisteredScreen)

@@ -9,6 +9,7 @@
 #include "UpdateDatabase.h"
 
 #include <QProcess>
+#include <QXmlStreamReader>
 
 #include <cstdio>
 
@@ -92,4 +93,40 @@ QString pdfText(const QString &pdfPath)
         return QString();
     // Compatibility forms undone: typographic ligatures (ﬀ, ﬁ) read as their letters.
     return QString::fromUtf8(pdftotext.readAllStandardOutput()).normalized(QString::NormalizationForm_KC);
+}
+
+// The first sheet of a workbook as rows of cells joined by '|', read with unzip and the sheet's XML.
+QStringList workbookRows(const QString &file)
+{
+    auto part = [&](const char *name) {
+        QProcess unzip;
+        unzip.start("unzip", {"-p", file, QLatin1String(name)});
+        EXPECT_TRUE(unzip.waitForFinished(30000));
+        return unzip.readAllStandardOutput();
+    };
+    QStringList shared;
+    QXmlStreamReader strings(part("xl/sharedStrings.xml"));
+    while (!strings.atEnd())
+        if (strings.readNext() == QXmlStreamReader::StartElement && strings.name() == QLatin1String("t"))
+            shared << strings.readElementText();
+    QStringList rows;
+    QXmlStreamReader sheet(part("xl/worksheets/sheet1.xml"));
+    QStringList cells;
+    QString type;
+    while (!sheet.atEnd()) {
+        sheet.readNext();
+        if (sheet.isStartElement() && sheet.name() == QLatin1String("row"))
+            cells.clear();
+        else if (sheet.isStartElement() && sheet.name() == QLatin1String("c")) {
+            const int column = sheet.attributes().value("r").toString().at(0).toLatin1() - 'A';
+            while (cells.size() < column)
+                cells << QString();
+            type = sheet.attributes().value("t").toString();
+        } else if (sheet.isStartElement() && sheet.name() == QLatin1String("v")) {
+            const QString v = sheet.readElementText();
+            cells << (type == "s" ? shared.value(v.toInt()) : "#" + v); // numbers marked with #
+        } else if (sheet.isEndElement() && sheet.name() == QLatin1String("row"))
+            rows << cells.join('|');
+    }
+    return rows;
 }

@@ -46,5 +46,8 @@ void runOn(const QString &databasePath, const QString &sql);
 inline void PrintTo(const QString &s, std::ostream *os) { *os << '"' << s.toStdString() << '"'; }
 
 
+/// The first sheet of a workbook as rows of cells joined by '|' (numbers marked with #), read with unzip and the sheet's XML.
+QStringList workbookRows(const QString &file);
+
 /// The text of a PDF file (pdftotext, layout kept), for tests that print.
 QString pdfText(const QString &pdfPath);

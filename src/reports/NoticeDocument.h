@@ -1,0 +1,50 @@
+#pragma once
+
+#include "OverdueList.h"
+#include "PagedDocument.h"
+
+#include <QDate>
+#include <QString>
+
+#include <vector>
+
+/// The overdue notices drawn by Qt for the report viewer: class lists for the class teachers (one
+/// or more pages per class, in class order, with a line for the teacher's signature) or letters to
+/// parents (one page per learner, the school's name as heading, the wording of NoticeTemplate).
+class NoticeDocument : public PagedDocument {
+public:
+    enum Kind { ClassLists, Letters };
+    NoticeDocument(Kind kind, std::vector<OverdueRow> rows, const QString &schoolName, const QDate &asAt,
+                   const QString &letterWording = QString());
+
+    QString title() const override;
+    int pageCount(const QRectF &page, double dpi) const override;
+    void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const override;
+
+    /// Each member's rows: [first, last) into the rows, in order.
+    struct Group {
+        size_t first = 0;
+        size_t last = 0;
+    };
+    /// A letter's text with its placeholders filled (tests read it back from the PDF).
+    QString letterText(const Group &learner) const;
+
+private:
+    struct Page {
+        size_t group = 0;     // the class (class lists) or the learner (letters)
+        size_t first = 0;     // rows on this page: [first, last)
+        size_t last = 0;
+        bool closing = false; // the class's last page: the signature line goes here
+    };
+    std::vector<Page> layout(const QRectF &page, double dpi) const;
+    void paintClassPage(QPainter &painter, const QRectF &page, const Page &p) const;
+    void paintLetter(QPainter &painter, const QRectF &page, const Page &p) const;
+
+    Kind kind_;
+    std::vector<OverdueRow> rows_;
+    QString school_;
+    QDate asAt_;
+    QString wording_;
+    std::vector<Group> classes_;
+    std::vector<Group> learners_;
+};

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+class QPainter;
+class QRectF;
+
+/// A document drawn by Qt page by page: what the report viewer shows, prints and saves as PDF.
+class PagedDocument {
+public:
+    virtual ~PagedDocument() = default;
+    /// The viewer's window title.
+    virtual QString title() const = 0;
+    /// Pages needed for a page area (device units of the painter's device at that resolution).
+    virtual int pageCount(const QRectF &page, double dpi) const = 0;
+    /// Draws one page (1-based).
+    virtual void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const = 0;
+};
