@@ -1,0 +1,46 @@
+#include "NoticesBench.h"
+
+#include "BenchTimer.h"
+#include "Clock.h"
+#include "NoticeDocument.h"
+#include "OverdueList.h"
+#include "frmReportViewer.h"
+
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <set>
+
+void benchOverdueNotices()
+{
+    std::printf("Overdue notices (every learner of the school, as at today)\n");
+    OverdueQuery query;
+    query.asAt = Clock::today();
+    std::vector<OverdueRow> rows;
+    Samples list;
+    for (int run = 0; run < 7; ++run)
+        list.time([&] { rows = OverdueList::load(query); });
+    std::set<int> learners;
+    for (const OverdueRow &r : rows)
+        learners.insert(r.memberID);
+    std::printf("  %zu overdue books of %zu learners\n", rows.size(), learners.size());
+    list.report("overdue list of the whole school");
+
+    // The first 500 learners' letters, one page each.
+    std::vector<OverdueRow> first;
+    std::set<int> taken;
+    for (const OverdueRow &r : rows) {
+        if (!taken.count(r.memberID) && taken.size() == 500)
+            continue;
+        taken.insert(r.memberID);
+        first.push_back(r);
+    }
+    const NoticeDocument letters(NoticeDocument::Letters, first, QStringLiteral("Large School"), query.asAt, NoticeTemplate::defaultText());
+    QTemporaryDir dir;
+    frmReportViewer viewer(letters);
+    Samples pdf;
+    for (int run = 0; run < 3; ++run)
+        pdf.time([&] { viewer.saveAsPdf(dir.filePath(QStringLiteral("letters.pdf"))); });
+    std::printf("  %zu letters (%d pages)\n", taken.size(), viewer.pageCount());
+    pdf.report("letters to parents to PDF");
+}

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Overdue notices on the large school: the whole school's overdue list, and 500 letters to parents to PDF.
+void benchOverdueNotices();
