@@ -2,7 +2,7 @@
 # Installs the Debian packages Shelvora builds and tests with, skipping those already present.
 set -euo pipefail
 packages=(build-essential cmake ninja-build pkg-config
-          qt6-base-dev qt6-base-dev-tools libgl-dev qt6-charts-dev
+          qt6-base-dev qt6-base-dev-tools libgl-dev qt6-charts-dev libqt6opengl6-dev
           libsqlite3-dev libpq-dev libgtest-dev
           postgresql postgresql-contrib  # the library database on a server; tests start a private one
           libzint-dev glabels-data libxlsxwriter-dev  # barcodes, label stocks, spreadsheets

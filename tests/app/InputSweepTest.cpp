@@ -135,7 +135,8 @@ const std::map<QString, QStringList> &ownedTables()
         {"frmLabelList", {}},
         {"frmLibraryUsers", Loans},
         {"frmLibraryReport", {}},
-        {"frmOverdueNotices", {"tblLibNoticeTemplate"}}};
+        {"frmOverdueNotices", {"tblLibNoticeTemplate"}},
+        {"frmLibraryStatistics", {}}};
     return owned;
 }
 
@@ -387,7 +388,8 @@ INSTANTIATE_TEST_SUITE_P(Registered, EveryScreen,
                          ::testing::Values("frmIssueSystem", "frmSystemSettings", "frmReserves", "frmReservedItems", "frmFinePayment",
                                            "frmItemList", "frmItemAddModify", "frmCategories", "frmQuickFind", "frmSeries",
                                            "frmPublisher", "frmAuthor", "frmLanguages", "frmSubjectsList", "frmKeywordList",
-                                           "frmLabelList", "frmLibraryUsers", "frmLibraryReport", "frmOverdueNotices"),
+                                           "frmLabelList", "frmLibraryUsers", "frmLibraryReport", "frmOverdueNotices",
+                                           "frmLibraryStatistics"),
                          [](const auto &info) { return std::string(info.param); });
 
 TEST_F(InputSweep, TheListAboveIsEveryRegisteredScreen)

@@ -1,0 +1,127 @@
+// The Library Statistics screen driven through its widgets on the school of the statistics tests:
+// the figures shown, the charts saved as PNG, the workbooks read back and the printed page.
+#include "Clock.h"
+#include "ScreenDriver.h"
+#include "SpreadGrid.h"
+#include "StatisticsSchool.h"
+#include "TestDatabases.h"
+#include "UpdateDatabase.h"
+#include "frmLibraryStatistics.h"
+#include "frmReportViewer.h"
+
+#include <QApplication>
+#include <QDateEdit>
+#include <QImage>
+#include <QProcess>
+#include <QTimer>
+
+using namespace ScreenDriver;
+
+namespace {
+
+class StatisticsScreen : public DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        writeStatisticsSchool(libraryPath_, centralPath_);
+        Clock::setFixed(QDateTime(QDate(2026, 4, 10), QTime(9, 0)));
+        SchoolName = "Hillview High";
+    }
+    void TearDown() override
+    {
+        SchoolName.clear();
+        DatabaseTest::TearDown();
+    }
+    static QStringList rows(SpreadGrid *grid)
+    {
+        QStringList out;
+        for (int r = 1; r <= grid->maxRows(); ++r) {
+            QStringList cells;
+            for (int c = 1; c <= grid->maxCols(); ++c)
+                cells << grid->cellText(c, r);
+            out << cells.join('|');
+        }
+        return out;
+    }
+    void quarter(frmLibraryStatistics &screen)
+    {
+        child<QDateEdit>(screen, "dtFrom")->setDate(QDate(2026, 1, 1));
+        child<QDateEdit>(screen, "dtTo")->setDate(QDate(2026, 3, 31));
+        click(screen, "cmdShow");
+    }
+};
+
+} // namespace
+
+TEST_F(StatisticsScreen, TheQuartersFiguresAreShownAndTheDefaultIsTheLastTwelveMonths)
+{
+    frmLibraryStatistics screen;
+    EXPECT_EQ(child<QDateEdit>(screen, "dtFrom")->date(), QDate(2025, 4, 11));
+    EXPECT_EQ(child<QDateEdit>(screen, "dtTo")->date(), QDate(2026, 4, 10));
+    EXPECT_EQ(child<SpreadGrid>(screen, "gridMonths")->maxRows(), 13); // April 2025 to April 2026
+    quarter(screen);
+    EXPECT_EQ(rows(child<SpreadGrid>(screen, "gridMonths")),
+              (QStringList{"2026-01|2|0|0|50.0|3.00|0.00|0.00", "2026-02|2|0|0|50.0|0.00|3.00|0.00", "2026-03|0|1|0|100.0|1.50|0.00|1.50"}));
+    EXPECT_EQ(rows(child<SpreadGrid>(screen, "gridTopTitles")), (QStringList{"Book 1|2", "Book 3|2", "Book 2|1"}));
+    EXPECT_EQ(rows(child<SpreadGrid>(screen, "gridTopClasses")), (QStringList{"8A|2", "8B|1", "10A|1"}));
+    EXPECT_EQ(rows(child<SpreadGrid>(screen, "gridUnborrowed")), (QStringList{"F4|Book 4|Fiction", "F5|Book 5|Science"}));
+
+    child<QDateEdit>(screen, "dtFrom")->setDate(QDate(2026, 4, 1));
+    click(screen, "cmdShow");
+    EXPECT_EQ(messages_->prompts().last(), "The period's first day must not be after its last day.");
+    EXPECT_EQ(child<SpreadGrid>(screen, "gridMonths")->maxRows(), 3); // the last figures stay
+}
+
+TEST_F(StatisticsScreen, ChartsSaveAsImagesAndFiguresAsWorkbooks)
+{
+    frmLibraryStatistics screen;
+    quarter(screen);
+    messages_->queueFileName(path("quarter.png"));
+    click(screen, "cmdSaveCharts");
+    for (const char *chart : {"loans-per-month", "loans-per-grade", "loans-per-class", "overdue-and-fines", "not-borrowed"}) {
+        const QImage image(path(QString("quarter-%1.png").arg(chart)));
+        ASSERT_FALSE(image.isNull()) << chart;
+        EXPECT_EQ(image.size(), QSize(1000, 600)) << chart;
+        // Something was drawn: more than a handful of colours.
+        QSet<QRgb> colours;
+        for (int y = 0; y < image.height(); y += 7)
+            for (int x = 0; x < image.width(); x += 7)
+                colours.insert(image.pixel(x, y));
+        EXPECT_GT(colours.size(), 5) << chart;
+    }
+    messages_->queueFileName(path("figures"));
+    click(screen, "cmdExportFigures");
+    EXPECT_EQ(workbookRows(path("figures.xlsx")),
+              (QStringList{"Month|Learners|Educators|Staff|Overdue %|Fines Charged|Fines Paid|Fines Cancelled",
+                           "2026-01|#2|#0|#0|#50|#3|#0|#0", "2026-02|#2|#0|#0|#50|#0|#3|#0", "2026-03|#0|#1|#0|#100|#1.5|#0|#1.5"}));
+    messages_->queueFileName(path("weeding"));
+    click(screen, "cmdExportUnborrowed");
+    EXPECT_EQ(workbookRows(path("weeding.xlsx")), (QStringList{"Accession No|Title|Category", "F4|Book 4|Fiction", "F5|Book 5|Science"}));
+}
+
+TEST_F(StatisticsScreen, ThePagePrintsWithItsChartsAndFigures)
+{
+    frmLibraryStatistics screen;
+    quarter(screen);
+    int pages = -1;
+    QObject scope;
+    QTimer::singleShot(0, &scope, [&] {
+        if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
+            pages = viewer->pageCount();
+            EXPECT_TRUE(viewer->saveAsPdf(path("statistics.pdf")));
+            viewer->close();
+        }
+    });
+    click(screen, "cmdPrint");
+    EXPECT_EQ(pages, 4);
+    const QString text = pdfText(path("statistics.pdf"));
+    for (const char *expected : {"Hillview High - Library Statistics", "2026-01-01 to 2026-03-31", "Figures per month", "Most borrowed titles",
+                                 "Book 1", "Most active classes", "Copies not borrowed in the period (2)", "Page 4 of 4"})
+        EXPECT_TRUE(text.contains(expected)) << expected;
+    // The five charts are drawn on the pages as pictures.
+    QProcess images;
+    images.start("pdfimages", {"-list", path("statistics.pdf")});
+    ASSERT_TRUE(images.waitForFinished(30000));
+    EXPECT_EQ(QString::fromUtf8(images.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts).size(), 2 + 5); // two heading lines
+}
