@@ -10,7 +10,25 @@
 #include <QStackedBarSeries>
 #include <QValueAxis>
 
+#include <algorithm>
+
 namespace {
+
+// A count axis whose ticks fall on whole numbers.
+QValueAxis *countAxis(int largest)
+{
+    auto *y = new QValueAxis;
+    y->setLabelFormat(QStringLiteral("%d"));
+    const int top = std::max(1, largest);
+    if (top <= 10) {
+        y->setRange(0, top);
+        y->setTickCount(top + 1);
+    } else {
+        y->setRange(0, top);
+        y->applyNiceNumbers();
+    }
+    return y;
+}
 
 QChart *barChart(const QString &title, const QString &setName, const std::vector<LibraryStatistics::Count> &counts)
 {
@@ -18,9 +36,11 @@ QChart *barChart(const QString &title, const QString &setName, const std::vector
     chart->setTitle(title);
     auto *set = new QBarSet(setName);
     QStringList categories;
+    int largest = 0;
     for (const auto &c : counts) {
         *set << c.count;
         categories << c.name;
+        largest = std::max(largest, c.count);
     }
     auto *series = new QBarSeries;
     series->append(set);
@@ -29,8 +49,7 @@ QChart *barChart(const QString &title, const QString &setName, const std::vector
     x->append(categories);
     chart->addAxis(x, Qt::AlignBottom);
     series->attachAxis(x);
-    auto *y = new QValueAxis;
-    y->setLabelFormat(QStringLiteral("%d"));
+    auto *y = countAxis(largest);
     chart->addAxis(y, Qt::AlignLeft);
     series->attachAxis(y);
     chart->legend()->setVisible(false);
@@ -78,8 +97,10 @@ QChart *StatisticsCharts::make(Chart which, const LibraryStatistics &s)
         x->append(monthNames(s));
         chart->addAxis(x, Qt::AlignBottom);
         series->attachAxis(x);
-        auto *y = new QValueAxis;
-        y->setLabelFormat(QStringLiteral("%d"));
+        int largest = 0;
+        for (const auto &m : s.months)
+            largest = std::max(largest, m.loans());
+        auto *y = countAxis(largest);
         chart->addAxis(y, Qt::AlignLeft);
         series->attachAxis(y);
         return chart;

@@ -22,7 +22,7 @@ double drawTable(QPainter &painter, const QRectF &area, const QString &heading, 
     for (int r = 0; r < rows.size() && y + line <= area.bottom(); ++r) {
         const QStringList cells = rows[r].split(QLatin1Char('|'));
         painter.setFont(r == 0 ? bold : plain);
-        const double first = area.width() * (cells.size() > 2 ? 0.3 : 0.7);
+        const double first = area.width() * (cells.size() > 4 ? 0.16 : cells.size() > 2 ? 0.3 : 0.7);
         const double rest = cells.size() > 1 ? (area.width() - first) / double(cells.size() - 1) : 0;
         for (int c = 0; c < cells.size(); ++c) {
             const QRectF cell(c == 0 ? area.left() : area.left() + first + rest * (c - 1), y, c == 0 ? first : rest - 4, line);
@@ -36,8 +36,9 @@ double drawTable(QPainter &painter, const QRectF &area, const QString &heading, 
 
 void drawChart(QPainter &painter, const QRectF &area, StatisticsCharts::Chart chart, const LibraryStatistics &s)
 {
-    const double scale = std::min(1.0, 1600.0 / area.width());
-    const QImage image = StatisticsCharts::render(chart, s, QSize(int(area.width() * scale), int(area.height() * scale)));
+    // Drawn at a screen's size and scaled onto the page, so its lettering keeps its proportion to the chart.
+    const double width = 900.0;
+    const QImage image = StatisticsCharts::render(chart, s, QSize(int(width), int(width * area.height() / area.width())));
     painter.drawImage(area, image);
 }
 
