@@ -4,11 +4,16 @@
 #include "Clock.h"
 #include "NoticeDocument.h"
 #include "OverdueList.h"
+#include "frmLibraryStatistics.h"
 #include "frmReportViewer.h"
+
+#include <QAbstractButton>
+#include <QApplication>
 
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <memory>
 #include <set>
 
 void benchOverdueNotices()
@@ -43,4 +48,23 @@ void benchOverdueNotices()
         pdf.time([&] { viewer.saveAsPdf(dir.filePath(QStringLiteral("letters.pdf"))); });
     std::printf("  %zu letters (%d pages)\n", taken.size(), viewer.pageCount());
     pdf.report("letters to parents to PDF");
+}
+
+void benchLibraryStatistics()
+{
+    std::printf("Library statistics (the last twelve months, every chart and table filled)\n");
+    Samples open, show;
+    for (int run = 0; run < 5; ++run) {
+        std::unique_ptr<frmLibraryStatistics> screen;
+        open.time([&] { screen = std::make_unique<frmLibraryStatistics>(); });
+        screen->show();
+        QApplication::processEvents();
+        auto *button = screen->findChild<QAbstractButton *>(QStringLiteral("cmdShow"));
+        show.time([&] {
+            button->click();
+            QApplication::processEvents();
+        });
+    }
+    open.report("screen opened with its figures and charts");
+    show.report("\"Show\" pressed to charts drawn");
 }

@@ -2,3 +2,6 @@
 
 /// Overdue notices on the large school: the whole school's overdue list, and 500 letters to parents to PDF.
 void benchOverdueNotices();
+
+/// The statistics screen for the last twelve months on the large school.
+void benchLibraryStatistics();

@@ -67,6 +67,7 @@ QStringList libraryTables(bool olderRelease)
     s << QStringLiteral("CREATE INDEX ixTransactionsItem ON tblLibTransactions (ItemID, Returned)");
     s << QStringLiteral("CREATE INDEX ixTransactionsAccession ON tblLibTransactions (AccessionID, Returned)");
     s << QStringLiteral("CREATE INDEX ixTransactionsMember ON tblLibTransactions (MemberID, MemberType, Returned)");
+
     // Two desks can never lend one copy twice: at most one open loan per item.
     s << QStringLiteral("CREATE UNIQUE INDEX uxTransactionsOpenLoan ON tblLibTransactions (ItemID) WHERE Returned = false");
     s << QStringLiteral("CREATE INDEX ixFinesTransaction ON tblLibTransactionFines (TransactionID, MemberID, MemberType)");
@@ -74,7 +75,7 @@ QStringList libraryTables(bool olderRelease)
     s << QStringLiteral("CREATE INDEX ixReservesItem ON tblLibReserves (ItemID, ReserveDate)");
     s << QStringLiteral("CREATE INDEX ixReservesMember ON tblLibReserves (MemberID, MemberType)");
     if (!olderRelease)
-        s << DatabaseSchema::keywordIndexes();
+        s << DatabaseSchema::keywordIndexes() << DatabaseSchema::periodIndexes();
     return s;
 }
 
@@ -86,6 +87,14 @@ QStringList DatabaseSchema::keywordIndexes()
     return {QStringLiteral("CREATE INDEX ixItemKeywordsItem ON tblLibItemKeywords (ItemID)"),
             QStringLiteral("CREATE INDEX ixKeywordsEnglish ON tblLibKeywords (KeywordEng)"),
             QStringLiteral("CREATE INDEX ixKeywordsAfrikaans ON tblLibKeywords (KeywordAfr)")};
+}
+
+QStringList DatabaseSchema::periodIndexes()
+{
+    // The statistics of a period read its loans and fines from these, never the whole tables.
+    return {QStringLiteral("CREATE INDEX ixTransactionsIssued ON tblLibTransactions (IssueDate, MemberType, MemberID, ItemID, DueDate, Returned, ReturnDate)"),
+            QStringLiteral("CREATE INDEX ixFinesFined ON tblLibTransactionFines (DateFined, FineAmount, FineCancelled)"),
+            QStringLiteral("CREATE INDEX ixFinesPaid ON tblLibTransactionFines (PaymentDate, PaymentAmount)")};
 }
 
 QString DatabaseSchema::noticeTemplateTable()

@@ -15,6 +15,8 @@ public:
     static QStringList olderReleaseLibraryStatements();
     /// The table keeping the wording of the overdue letters to parents (made with the database, or by an upgrade).
     static QString noticeTemplateTable();
+    /// The loans by issue date and the fines by their dates (made with the database, or by the upgrade that adds the notice table).
+    static QStringList periodIndexes();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
     /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the

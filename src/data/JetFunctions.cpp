@@ -59,6 +59,24 @@ void jetTime(sqlite3_context *ctx, int, sqlite3_value **)
 template <int Part>
 void jetDatePart(sqlite3_context *ctx, int, sqlite3_value **argv)
 {
+    // The stored form "yyyy-mm-dd" (with or without its time) read directly: statistics call this for every loan of a year.
+    if (sqlite3_value_type(argv[0]) == SQLITE_TEXT && sqlite3_value_bytes(argv[0]) >= 10) {
+        const unsigned char *t = sqlite3_value_text(argv[0]);
+        auto digits = [&](int at, int count) {
+            int v = 0;
+            for (int k = at; k < at + count; ++k) {
+                if (t[k] < '0' || t[k] > '9')
+                    return -1;
+                v = v * 10 + (t[k] - '0');
+            }
+            return v;
+        };
+        const int year = digits(0, 4), month = digits(5, 2), day = digits(8, 2);
+        if (t[4] == '-' && t[7] == '-' && (t[10] == 0 || t[10] == ' ') && year >= 0 && month >= 0 && day >= 0 && QDate::isValid(year, month, day)) {
+            sqlite3_result_int(ctx, Part == 0 ? year : Part == 1 ? month : day);
+            return;
+        }
+    }
     bool ok = false;
     const QDateTime dt = argDate(argv[0], &ok);
     if (!ok) {

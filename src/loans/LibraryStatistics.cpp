@@ -43,37 +43,44 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
     const QString issued = QStringLiteral(" IssueDate >= ") + jetDate(from) + QStringLiteral(" and IssueDate < ") + jetDate(to.addDays(1));
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
 
-    auto rs = db->Execute(QStringLiteral("select Year(IssueDate) as y, Month(IssueDate) as m, MemberType, count(*) as n from tblLibTransactions where")
-                          + issued + QStringLiteral(" group by Year(IssueDate), Month(IssueDate), MemberType"));
-    for (; !rs->atEnd(); rs->MoveNext()) {
-        Month &m = months[monthOf(rs->field(0), rs->field(1))];
-        const QString kind = rs->field(2).toString();
-        (kind == QLatin1String("L") ? m.learners : kind == QLatin1String("E") ? m.educators : m.staff) += rs->field(3).toInt();
+    // Month by month (a range of the issue-date index each, no grouping to sort): how many loans of each member
+    // kind, and how many of them went overdue (returned late, or still out past their due date at the period's end).
+    for (auto &entry : months) {
+        const QDate first = QDate::fromString(entry.first + QStringLiteral("-01"), Qt::ISODate);
+        const QDate start = std::max(first, from), end = std::min(first.addMonths(1), to.addDays(1));
+        auto rs = db->Execute(QStringLiteral("select sum(IIf(MemberType = 'L', 1, 0)) as l, sum(IIf(MemberType = 'E', 1, 0)) as e, "
+                                             "sum(IIf(MemberType = 'S', 1, 0)) as s, sum(IIf((Returned = true and ReturnDate > DueDate) or "
+                                             "(Returned = false and DueDate < ")
+                              + jetDate(to) + QStringLiteral("), 1, 0)) as late from tblLibTransactions where IssueDate >= ") + jetDate(start)
+                              + QStringLiteral(" and IssueDate < ") + jetDate(end));
+        Month &m = entry.second;
+        const auto number = [&](int f) { return rs->atEnd() || rs->field(f).isNull() ? 0 : rs->field(f).toInt(); };
+        m.learners = number(0);
+        m.educators = number(1);
+        m.staff = number(2);
+        m.overdue = number(3);
     }
-    rs = db->Execute(QStringLiteral("select Year(IssueDate) as y, Month(IssueDate) as m, count(*) as n from tblLibTransactions where")
-                     + issued + QStringLiteral(" and ((Returned = true and ReturnDate > DueDate) or (Returned = false and DueDate < ")
-                     + jetDate(to) + QStringLiteral(")) group by Year(IssueDate), Month(IssueDate)"));
-    for (; !rs->atEnd(); rs->MoveNext())
-        months[monthOf(rs->field(0), rs->field(1))].overdue += rs->field(2).toInt();
-    // Fines by the month of their own date: fined (charged, and cancelled when cancelled), paid.
-    const auto fines = [&](const char *dateColumn, const char *amountColumn, const char *extra, Money Month::*into) {
-        const QString column = QLatin1String(dateColumn);
-        auto f = db->Execute(QStringLiteral("select Year(%1) as y, Month(%1) as m, sum(%2) as total from tblLibTransactionFines where %1 >= ")
-                                 .arg(column, QLatin1String(amountColumn))
-                             + jetDate(from) + QStringLiteral(" and ") + column + QStringLiteral(" < ") + jetDate(to.addDays(1))
-                             + QLatin1String(extra) + QStringLiteral(" group by Year(%1), Month(%1)").arg(column));
-        for (; !f->atEnd(); f->MoveNext())
-            months[monthOf(f->field(0), f->field(1))].*into += f->field(2).toMoney();
-    };
-    fines("DateFined", "FineAmount", "", &Month::charged);
-    fines("PaymentDate", "PaymentAmount", "", &Month::paid);
-    fines("DateFined", "FineAmount", " and FineCancelled = true", &Month::cancelled);
+    // Fines by the month of their own date: fined (charged, and cancelled when cancelled) and paid.
+    const QString range = QStringLiteral(" >= ") + jetDate(from) + QStringLiteral(" and %1 < ") + jetDate(to.addDays(1));
+    auto f = db->Execute(QStringLiteral("select Year(DateFined) as y, Month(DateFined) as m, sum(FineAmount) as charged, "
+                                        "sum(IIf(FineCancelled = true, FineAmount, 0)) as cancelled from tblLibTransactionFines where DateFined")
+                         + range.arg(QStringLiteral("DateFined")) + QStringLiteral(" group by Year(DateFined), Month(DateFined)"));
+    for (; !f->atEnd(); f->MoveNext()) {
+        Month &m = months[monthOf(f->field(0), f->field(1))];
+        m.charged += f->field(2).toMoney();
+        m.cancelled += f->field(3).toMoney();
+    }
+    f = db->Execute(QStringLiteral("select Year(PaymentDate) as y, Month(PaymentDate) as m, sum(PaymentAmount) as paid from tblLibTransactionFines "
+                                   "where PaymentDate")
+                    + range.arg(QStringLiteral("PaymentDate")) + QStringLiteral(" group by Year(PaymentDate), Month(PaymentDate)"));
+    for (; !f->atEnd(); f->MoveNext())
+        months[monthOf(f->field(0), f->field(1))].paid += f->field(2).toMoney();
     for (auto &entry : months)
         s.months.push_back(entry.second);
 
     // Learners' loans per learner (counted by the database), then to their grades and classes.
     QHash<int, int> perLearner;
-    rs = db->Execute(QStringLiteral("select MemberID, count(*) as n from tblLibTransactions where MemberType = 'L' and") + issued
+    auto rs = db->Execute(QStringLiteral("select MemberID, count(*) as n from tblLibTransactions where MemberType = 'L' and") + issued
                      + QStringLiteral(" group by MemberID"));
     for (; !rs->atEnd(); rs->MoveNext())
         perLearner.insert(rs->field(0).toInt(), rs->field(1).toInt());
@@ -99,21 +106,32 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
     std::sort(s.loansByClass.begin(), s.loansByClass.end(), [](const Count &a, const Count &b) { return NaturalLess(a.name, b.name); });
     s.topClasses = topOf(s.loansByClass, 20);
 
-    std::vector<Count> titles;
-    rs = db->Execute(QStringLiteral("select i.Title, count(*) as n from tblLibTransactions as t inner join tblLibItems as i on t.ItemID = i.ItemID where t.")
-                     + issued.trimmed() + QStringLiteral(" group by i.Title"));
-    for (; !rs->atEnd(); rs->MoveNext())
-        titles.push_back({rs->field(0).toString(), rs->field(1).toInt()});
-    s.topTitles = topOf(std::move(titles), 20);
-
-    const QString notBorrowed = QStringLiteral(" from tblLibItems as i inner join tblLibCategories as c on i.CategoryID = c.CategoryID "
-                                               "where i.PhasedOut = false and not exists (select * from tblLibTransactions as t where t.ItemID = i.ItemID and t.")
-                                + issued.trimmed() + QStringLiteral(")");
-    rs = db->Execute(QStringLiteral("select c.Category, count(*) as n") + notBorrowed + QStringLiteral(" group by c.Category order by c.Category"));
-    for (; !rs->atEnd(); rs->MoveNext())
-        s.unborrowedByCategory.push_back({rs->field(0).toString(), rs->field(1).toInt()});
-    rs = db->Execute(QStringLiteral("select i.AccessionID, i.Title, c.Category") + notBorrowed + QStringLiteral(" order by c.Category, i.AccessionID"));
-    for (; !rs->atEnd(); rs->MoveNext())
-        s.unborrowed.push_back({rs->field(0).toString(), rs->field(1).toString(), rs->field(2).toString()});
+    // Every copy with its loans in the period, counted per copy by the database (one grouping of the period's
+    // loans): the titles' totals and the copies never borrowed both come from this one reading of the catalogue.
+    rs = db->Execute(QStringLiteral("select i.Title, i.AccessionID, c.Category, i.PhasedOut, g.n from (tblLibItems as i left join tblLibCategories as c "
+                                    "on i.CategoryID = c.CategoryID) left join (select ItemID, count(*) as n from tblLibTransactions where")
+                     + issued + QStringLiteral(" group by ItemID) as g on g.ItemID = i.ItemID order by c.Category, i.AccessionID"));
+    QHash<QString, Count> titles; // by the title in lower case: titles differing only in case are one, as Jet groups them
+    std::map<QString, int> categories;
+    for (; !rs->atEnd(); rs->MoveNext()) {
+        const int loans = rs->field(4).isNull() ? 0 : rs->field(4).toInt();
+        const QString title = rs->field(0).toString();
+        if (loans > 0) {
+            Count &t = titles[title.toLower()];
+            if (t.name.isEmpty())
+                t.name = title;
+            t.count += loans;
+        } else if (!rs->field(3).toBool()) {
+            const QString category = rs->field(2).isNull() ? QStringLiteral("(no category)") : rs->field(2).toString();
+            s.unborrowed.push_back({rs->field(1).toString(), title, category});
+            if (s.unborrowedByCategory.empty() || s.unborrowedByCategory.back().name != category)
+                s.unborrowedByCategory.push_back({category, 0});
+            ++s.unborrowedByCategory.back().count;
+        }
+    }
+    std::vector<Count> borrowed;
+    for (const Count &t : titles)
+        borrowed.push_back(t);
+    s.topTitles = topOf(std::move(borrowed), 20);
     return s;
 }

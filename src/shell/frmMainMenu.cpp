@@ -235,7 +235,8 @@ void frmMainMenu::upgradeStructure()
     upgradeClassificationNumbers();
     upgrade(QStringLiteral("select Author3 from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Author3 INT")});
     upgrade(QStringLiteral("select Edition from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Edition INT")});
-    upgrade(QStringLiteral("select Body from tblLibNoticeTemplate"), {DatabaseSchema::noticeTemplateTable()});
+    // Both came with the overdue notices and the statistics: a database without the one lacks the other.
+    upgrade(QStringLiteral("select Body from tblLibNoticeTemplate"), QStringList{DatabaseSchema::noticeTemplateTable()} + DatabaseSchema::periodIndexes());
 }
 
 // A text written into a numeric ClassificationNo fails with a type mismatch: then the
