@@ -3,6 +3,7 @@
 #include "DbConnection.h"
 #include "LoanRoutines.h"
 #include "LoanRules.h"
+#include "OverdueList.h"
 #include "clsDataObject.h"
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
@@ -333,4 +334,27 @@ TEST_F(LoanTest, AnIssueBeatenByAnotherDeskWritesNothing)
               LentElsewhere);
     EXPECT_EQ(libraryRows("select MemberType from tblLibTransactions where AccessionID = 'A2'"), QStringList{"E"});
     EXPECT_TRUE(messages_->shown().empty());
+}
+
+// The overdue list (each engine): open loans past their due date at the day, with the learner's
+// class and the fine so far, a fine for every started interval of the loan rules.
+TEST_F(LoanTest, TheOverdueListNamesTheLearnerClassAndFineSoFar)
+{
+    lend("A1", 1, "L", 12, QDate(2026, 11, 1));
+    lend("A2", 2, "L", 12, QDate(2026, 11, 25)); // not yet due
+    lend("A3", 3, "E", 12, QDate(2026, 11, 2));  // an educator's
+    OverdueQuery query;
+    query.asAt = QDate(2026, 11, 20);
+    const std::vector<OverdueRow> rows = OverdueList::load(query);
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].memberName, "Botha, Anna");
+    EXPECT_EQ(rows[0].className, "8A");
+    EXPECT_EQ(rows[0].accession, "A1");
+    EXPECT_EQ(rows[0].daysOverdue, 19);
+    EXPECT_EQ(rows[0].fine.toDisplayText(), "1.50"); // 19 days: three started weeks at 0.50
+    query.memberType = "E";
+    const std::vector<OverdueRow> educators = OverdueList::load(query);
+    ASSERT_EQ(educators.size(), 1u);
+    EXPECT_EQ(educators[0].fine.toDisplayText(), "22.50"); // 18 days at 1.25 a day
+    EXPECT_EQ(OverdueList::firstLoanDay(), QDate(2026, 10, 18));
 }
