@@ -47,6 +47,8 @@ QChart *barChart(const QString &title, const QString &setName, const std::vector
     chart->addSeries(series);
     auto *x = new QBarCategoryAxis;
     x->append(categories);
+    if (categories.size() > 6)
+        x->setLabelsAngle(-90); // many classes or categories: upright names stay whole
     chart->addAxis(x, Qt::AlignBottom);
     series->attachAxis(x);
     auto *y = countAxis(largest);
@@ -95,6 +97,7 @@ QChart *StatisticsCharts::make(Chart which, const LibraryStatistics &s)
         chart->addSeries(series);
         auto *x = new QBarCategoryAxis;
         x->append(monthNames(s));
+        x->setLabelsAngle(-90);
         chart->addAxis(x, Qt::AlignBottom);
         series->attachAxis(x);
         int largest = 0;
@@ -110,6 +113,7 @@ QChart *StatisticsCharts::make(Chart which, const LibraryStatistics &s)
         chart->setTitle(QStringLiteral("Overdue rate and fines per month"));
         auto *x = new QBarCategoryAxis;
         x->append(monthNames(s));
+        x->setLabelsAngle(-90);
         chart->addAxis(x, Qt::AlignBottom);
         auto *money = new QValueAxis;
         money->setTitleText(QStringLiteral("Fines"));

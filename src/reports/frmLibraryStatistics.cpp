@@ -151,7 +151,17 @@ void frmLibraryStatistics::cmdSaveCharts_Click()
 
 void frmLibraryStatistics::cmdExportFigures_Click()
 {
-    if (shown())
+    if (!shown())
+        return;
+    // The figures of the page on show.
+    QWidget *page = ui->tabStatistics->currentWidget();
+    if (page == ui->tabClasses)
+        ExportGridToWorkbook(this, *ui->gridTopClasses, QStringLiteral("Classes"));
+    else if (page == ui->tabTitles)
+        ExportGridToWorkbook(this, *ui->gridTopTitles, QStringLiteral("Titles"));
+    else if (page == ui->tabUnborrowed)
+        ExportGridToWorkbook(this, *ui->gridUnborrowed, QStringLiteral("Not borrowed"));
+    else
         ExportGridToWorkbook(this, *ui->gridMonths, QStringLiteral("Figures"));
 }
 

@@ -112,6 +112,8 @@ protected:
             screen->findChild<QAbstractButton *>("cmdFind")->click();
         } else if (name == QLatin1String("frmLibraryUsers")) {
             screen->findChild<QAbstractButton *>("cmdShowAllLearners")->click();
+        } else if (name == QLatin1String("frmOverdueNotices")) {
+            screen->findChild<QAbstractButton *>("cmdShow")->click();
         }
         return screen;
     }
@@ -167,7 +169,8 @@ INSTANTIATE_TEST_SUITE_P(Busy, ScreenLayout,
                                            Case{"FrmuserloanHistory", 1.25}, Case{"frmFinePayment", 1.0}, Case{"frmFinePayment", 1.25},
                                            Case{"frmReservedItems", 1.0}, Case{"frmReservedItems", 1.25}, Case{"frmLibraryUsers", 1.0},
                                            Case{"frmLibraryUsers", 1.25}, Case{"frmItemAddModify", 1.0}, Case{"frmItemAddModify", 1.25},
-                                           Case{"frmSystemSettings", 1.0}, Case{"frmSystemSettings", 1.25}),
+                                           Case{"frmSystemSettings", 1.0}, Case{"frmSystemSettings", 1.25}, Case{"frmOverdueNotices", 1.0},
+                                           Case{"frmOverdueNotices", 1.25}, Case{"frmLibraryStatistics", 1.0}, Case{"frmLibraryStatistics", 1.25}),
                          [](const ::testing::TestParamInfo<Case> &info) {
                              return std::string(info.param.screen) + (info.param.scale > 1 ? "_125" : "_100");
                          });

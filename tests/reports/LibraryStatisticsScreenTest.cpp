@@ -13,6 +13,7 @@
 #include <QDateEdit>
 #include <QImage>
 #include <QProcess>
+#include <QTabWidget>
 #include <QTimer>
 
 using namespace ScreenDriver;
@@ -95,6 +96,10 @@ TEST_F(StatisticsScreen, ChartsSaveAsImagesAndFiguresAsWorkbooks)
     EXPECT_EQ(workbookRows(path("figures.xlsx")),
               (QStringList{"Month|Learners|Educators|Staff|Overdue %|Fines Charged|Fines Paid|Fines Cancelled",
                            "2026-01|#2|#0|#0|#50|#3|#0|#0", "2026-02|#2|#0|#0|#50|#0|#3|#0", "2026-03|#0|#1|#0|#100|#1.5|#0|#1.5"}));
+    child<QTabWidget>(screen, "tabStatistics")->setCurrentIndex(2); // the figures of the page on show
+    messages_->queueFileName(path("titles"));
+    click(screen, "cmdExportFigures");
+    EXPECT_EQ(workbookRows(path("titles.xlsx")), (QStringList{"Title|Loans", "Book 1|#2", "Book 3|#2", "Book 2|#1"}));
     messages_->queueFileName(path("weeding"));
     click(screen, "cmdExportUnborrowed");
     EXPECT_EQ(workbookRows(path("weeding.xlsx")), (QStringList{"Accession No|Title|Category", "F4|Book 4|Fiction", "F5|Book 5|Science"}));
