@@ -110,7 +110,7 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
     // loans): the titles' totals and the copies never borrowed both come from this one reading of the catalogue.
     rs = db->Execute(QStringLiteral("select i.Title, i.AccessionID, c.Category, i.PhasedOut, g.n from (tblLibItems as i left join tblLibCategories as c "
                                     "on i.CategoryID = c.CategoryID) left join (select ItemID, count(*) as n from tblLibTransactions where")
-                     + issued + QStringLiteral(" group by ItemID) as g on g.ItemID = i.ItemID order by c.Category, i.AccessionID"));
+                     + issued + QStringLiteral(" group by ItemID) as g on g.ItemID = i.ItemID"));
     QHash<QString, Count> titles; // by the title in lower case: titles differing only in case are one, as Jet groups them
     std::map<QString, int> categories;
     for (; !rs->atEnd(); rs->MoveNext()) {
@@ -124,10 +124,17 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
         } else if (!rs->field(3).toBool()) {
             const QString category = rs->field(2).isNull() ? QStringLiteral("(no category)") : rs->field(2).toString();
             s.unborrowed.push_back({rs->field(1).toString(), title, category});
-            if (s.unborrowedByCategory.empty() || s.unborrowedByCategory.back().name != category)
-                s.unborrowedByCategory.push_back({category, 0});
-            ++s.unborrowedByCategory.back().count;
         }
+    }
+    // The weeding list by category and accession number (sorted here: only the unborrowed part of the catalogue needs an order).
+    std::sort(s.unborrowed.begin(), s.unborrowed.end(), [](const Unborrowed &a, const Unborrowed &b) {
+        const int byCategory = a.category.compare(b.category, Qt::CaseInsensitive);
+        return byCategory != 0 ? byCategory < 0 : a.accession.compare(b.accession, Qt::CaseInsensitive) < 0;
+    });
+    for (const Unborrowed &u : s.unborrowed) {
+        if (s.unborrowedByCategory.empty() || s.unborrowedByCategory.back().name.compare(u.category, Qt::CaseInsensitive) != 0)
+            s.unborrowedByCategory.push_back({u.category, 0});
+        ++s.unborrowedByCategory.back().count;
     }
     std::vector<Count> borrowed;
     for (const Count &t : titles)
