@@ -53,7 +53,7 @@ QStringList libraryTables(bool olderRelease)
     s << QStringLiteral("CREATE TABLE tblLibReserves (ReserveID COUNTER PRIMARY KEY, MemberType TEXT(1), MemberID INT, ItemID INT, "
                         "ReserveDate DATETIME, Canceled BIT DEFAULT false)");
     if (!olderRelease)
-        s << DatabaseSchema::noticeTemplateTable();
+        s << DatabaseSchema::noticeTemplateTable() << DatabaseSchema::stocktakeTables();
     s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
                         "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
                         "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
@@ -95,6 +95,15 @@ QStringList DatabaseSchema::periodIndexes()
     return {QStringLiteral("CREATE INDEX ixTransactionsIssued ON tblLibTransactions (IssueDate, MemberType, MemberID, ItemID, DueDate, Returned, ReturnDate)"),
             QStringLiteral("CREATE INDEX ixFinesFined ON tblLibTransactionFines (DateFined, FineAmount, FineCancelled)"),
             QStringLiteral("CREATE INDEX ixFinesPaid ON tblLibTransactionFines (PaymentDate, PaymentAmount)")};
+}
+
+QStringList DatabaseSchema::stocktakeTables()
+{
+    return {QStringLiteral("CREATE TABLE tblLibStocktakes (StocktakeID COUNTER PRIMARY KEY, StocktakeName TEXT(100), StartDate DATETIME, "
+                           "Categories TEXT(255), SubCategories TEXT(255), Finished BIT DEFAULT false)"),
+            QStringLiteral("CREATE TABLE tblLibStocktakeScans (StocktakeID INT NOT NULL, AccessionID TEXT(50) NOT NULL, ItemID INT, "
+                           "ScannedAt DATETIME, Outcome TEXT(1), PRIMARY KEY (StocktakeID, AccessionID))"),
+            QStringLiteral("CREATE INDEX ixStocktakeScansItem ON tblLibStocktakeScans (StocktakeID, ItemID)")};
 }
 
 QString DatabaseSchema::noticeTemplateTable()

@@ -17,6 +17,8 @@ public:
     static QString noticeTemplateTable();
     /// The loans by issue date and the fines by their dates (made with the database, or by the upgrade that adds the notice table).
     static QStringList periodIndexes();
+    /// The stocktakes and their scans (made with the database, or by a structure upgrade).
+    static QStringList stocktakeTables();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
     /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the

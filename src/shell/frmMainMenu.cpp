@@ -237,6 +237,7 @@ void frmMainMenu::upgradeStructure()
     upgrade(QStringLiteral("select Edition from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Edition INT")});
     // Both came with the overdue notices and the statistics: a database without the one lacks the other.
     upgrade(QStringLiteral("select Body from tblLibNoticeTemplate"), QStringList{DatabaseSchema::noticeTemplateTable()} + DatabaseSchema::periodIndexes());
+    upgrade(QStringLiteral("select StocktakeID from tblLibStocktakeScans"), DatabaseSchema::stocktakeTables());
 }
 
 // A text written into a numeric ClassificationNo fails with a type mismatch: then the

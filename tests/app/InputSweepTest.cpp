@@ -106,7 +106,7 @@ const QStringList LibraryTables = {
     "tblLibItems",           "tblLibCategories", "tblLibSubCategories",  "tblLibSubjectCodes", "tblLibItemSubjects",
     "tblLibKeywords",        "tblLibItemKeywords", "tblLibAuthors",       "tblLibPublishers",   "tblLibSeries",
     "tblLibItemLanguages",   "tblLibMasterCatalogue", "tblLibBook",       "tblLibTransactions", "tblLibTransactionFines",
-    "tblLibReserves",        "tblLibNoticeTemplate", "tblLibSettings"};
+    "tblLibReserves",        "tblLibNoticeTemplate", "tblLibSettings", "tblLibStocktakes", "tblLibStocktakeScans"};
 
 const QStringList Loans = {"tblLibTransactions", "tblLibTransactionFines", "tblLibReserves"};
 const QStringList ItemEditing = {"tblLibItems",        "tblLibItemSubjects", "tblLibItemKeywords", "tblLibSubjectCodes",

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// A check of the shelves against the catalogue, kept in the library database
+/// (tblLibStocktakes, tblLibStocktakeScans) so that it survives closing the program and can be
+/// resumed; several may exist, one open at a time. Its scope is the whole catalogue or chosen
+/// categories and sub-categories. Every scan is recorded at once.
+class Stocktake {
+public:
+    /// What a scan found.
+    enum class Scan {
+        OnShelf,      // a copy in scope, as expected
+        AlreadyScanned,
+        Unknown,      // no copy has this accession number
+        OutsideScope,
+        PhasedOut,    // the catalogue shows the copy as removed
+        OnLoan,       // the catalogue shows the copy out on loan, yet it is on the shelf
+    };
+    struct Copy {
+        QString accession;
+        QString title;
+    };
+    struct Result {
+        std::vector<Copy> missing;   // in scope, not scanned, not on loan
+        std::vector<Copy> phasedOut; // scanned although removed
+        std::vector<Copy> onLoan;    // scanned although out on loan
+        std::vector<Copy> unknown;   // numbers no copy has (title empty)
+        std::vector<Copy> outside;   // copies outside the scope
+        int scanned = 0;             // copies of the scope found (on the shelf or on loan)
+        int expected = 0;
+    };
+
+    /// Starts a stocktake (scope: category and sub-category numbers; both empty for the whole catalogue).
+    /// Throws AppError when another one is open or the name is empty.
+    static Stocktake start(const QString &name, const QDate &startDate, const std::vector<int> &categories,
+                           const std::vector<int> &subCategories);
+    /// The open stocktake, if there is one.
+    static std::optional<Stocktake> open();
+
+    int id() const { return id_; }
+    const QString &name() const { return name_; }
+    const QDate &startDate() const { return startDate_; }
+
+    /// Records one scan (the number as the scanner typed it, trimmed).
+    Scan scan(const QString &accession);
+    /// Copies of the scope found so far, and copies the scope holds (not phased out).
+    int scannedCount() const;
+    int expectedCount() const;
+    Result result() const;
+    /// Ends the stocktake (a new one may then start).
+    void finish();
+    /// Phases the missing copies out with the reason "Lost" and the stocktake's date, as the item editor
+    /// does; returns how many.
+    int markMissingLost();
+
+private:
+    Stocktake() = default;
+    QString scope(const QString &alias) const;
+
+    int id_ = 0;
+    QString name_;
+    QDate startDate_;
+    QString categories_;    // "1,4" or empty
+    QString subCategories_; // "7" or empty
+};

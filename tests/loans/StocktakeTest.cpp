@@ -1,0 +1,76 @@
+// A stocktake of two categories of a small catalogue, on each engine: every kind of scan, the counts,
+// the result lists, resuming, one open at a time, and the missing copies marked lost.
+#include "AppError.h"
+#include "Clock.h"
+#include "Stocktake.h"
+#include "TestDatabases.h"
+
+namespace {
+
+class StocktakeTest : public DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        if (IsSkipped())
+            return;
+        Clock::setFixed(QDateTime(QDate(2026, 11, 24), QTime(9, 0)));
+        // Fiction (1): S1..S4, S5 phased out; Science (2): S6, S7; History (3): S8.
+        const int categories[] = {1, 1, 1, 1, 1, 2, 2, 3};
+        for (int i = 1; i <= 8; ++i)
+            library(QString("Insert into tblLibItems(ItemID, AccessionID, Title, CategoryID, PhasedOut) values (%1, 'S%1', 'Title %1', %2, %3)")
+                        .arg(i).arg(categories[i - 1]).arg(i == 5 ? "true" : "false"));
+        library("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('S3', 'L', 1, 3, #2026-11-01#, #2026-11-15#)");
+    }
+    static QStringList numbers(const std::vector<Stocktake::Copy> &copies)
+    {
+        QStringList out;
+        for (const auto &c : copies)
+            out << c.accession;
+        return out;
+    }
+};
+
+} // namespace
+
+TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
+{
+    Stocktake take = Stocktake::start("Year end 2026", QDate(2026, 11, 24), {1, 2}, {});
+    EXPECT_EQ(take.expectedCount(), 6); // S1-S4, S6, S7 (S5 is phased out)
+    EXPECT_EQ(take.scan("S1"), Stocktake::Scan::OnShelf);
+    EXPECT_EQ(take.scan(" S1 "), Stocktake::Scan::AlreadyScanned);
+    EXPECT_EQ(take.scan("S3"), Stocktake::Scan::OnLoan);
+    EXPECT_EQ(take.scan("S5"), Stocktake::Scan::PhasedOut);
+    EXPECT_EQ(take.scan("S8"), Stocktake::Scan::OutsideScope);
+    EXPECT_EQ(take.scan("X'; DELETE FROM tblLibItems; --"), Stocktake::Scan::Unknown);
+    EXPECT_EQ(take.scan("s6"), Stocktake::Scan::OnShelf); // accession numbers compare without regard to case
+    EXPECT_EQ(take.scannedCount(), 3);                    // S1, S3 (on loan but on the shelf), S6
+
+    // Closing the program loses nothing: the open stocktake is found again with its scans.
+    std::optional<Stocktake> resumed = Stocktake::open();
+    ASSERT_TRUE(resumed);
+    EXPECT_EQ(resumed->name(), "Year end 2026");
+    EXPECT_EQ(resumed->scan("S6"), Stocktake::Scan::AlreadyScanned);
+    const Stocktake::Result r = resumed->result();
+    EXPECT_EQ(numbers(r.missing), (QStringList{"S2", "S4", "S7"}));
+    EXPECT_EQ(numbers(r.onLoan), QStringList{"S3"});
+    EXPECT_EQ(numbers(r.phasedOut), QStringList{"S5"});
+    EXPECT_EQ(numbers(r.outside), QStringList{"S8"});
+    EXPECT_EQ(numbers(r.unknown), QStringList{"X'; DELETE FROM tblLibItems; --"});
+    EXPECT_EQ(r.scanned, 3);
+    EXPECT_EQ(r.expected, 6);
+    EXPECT_EQ(libraryValue("select count(*) from tblLibItems"), "8");
+
+    // One open at a time.
+    EXPECT_THROW(Stocktake::start("Another", QDate(2026, 11, 24), {}, {}), AppError);
+
+    // The missing copies are phased out as lost, with the stocktake's date.
+    EXPECT_EQ(resumed->markMissingLost(), 3);
+    EXPECT_EQ(libraryRows("select AccessionID, PhasedOutReason, PhasedOutDate from tblLibItems where PhasedOut = true order by AccessionID"),
+              (QStringList{"S2|Lost|2026-11-24", "S4|Lost|2026-11-24", "S5||", "S7|Lost|2026-11-24"}));
+    resumed->finish();
+    EXPECT_FALSE(Stocktake::open());
+    Stocktake whole = Stocktake::start("Whole catalogue", QDate(2026, 11, 25), {}, {});
+    EXPECT_EQ(whole.expectedCount(), 4); // S1, S3, S6, S8 are left
+    EXPECT_EQ(whole.scan("S8"), Stocktake::Scan::OnShelf);
+}
