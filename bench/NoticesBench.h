@@ -5,3 +5,6 @@ void benchOverdueNotices();
 
 /// The statistics screen for the last twelve months on the large school.
 void benchLibraryStatistics();
+
+/// A stocktake of the whole large school: scans with their counts, and the result.
+void benchStocktake();

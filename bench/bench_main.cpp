@@ -278,7 +278,7 @@ int main(int argc, char *argv[])
             {"translation", benchTranslation},          {"getdata", benchGetData},   {"fillspread", benchFillSpread},
             {"loans", benchLoanEngine},                 {"circulation", benchCirculationScreens},
             {"references", benchCatalogueScreens},      {"labels", benchLabels},     {"items", benchItemScreens},
-            {"members", benchMembersAndReports},        {"overdue", benchOverdueNotices}, {"statistics", benchLibraryStatistics},        {"startup", [&work] { benchStartUp(work.path()); }},
+            {"members", benchMembersAndReports},        {"overdue", benchOverdueNotices}, {"statistics", benchLibraryStatistics}, {"stocktake", benchStocktake},        {"startup", [&work] { benchStartUp(work.path()); }},
             {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
             {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
         // An optional third argument runs only the groups whose names contain it (several, separated by commas).

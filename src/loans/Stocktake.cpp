@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "Clock.h"
 #include "DbConnection.h"
+#include "LoanRoutines.h"
 #include "Recordset.h"
 #include "SqlText.h"
 #include "UpdateDatabase.h"
@@ -78,6 +79,7 @@ Stocktake Stocktake::start(const QString &name, const QDate &startDate, const st
         s.id_ = db->Execute(QStringLiteral("select max(StocktakeID) from tblLibStocktakes"))->field(0).toInt();
         return true;
     });
+    s.recount();
     return s;
 }
 
@@ -96,6 +98,7 @@ std::optional<Stocktake> Stocktake::open()
     s.subCategories_ = rs->field(4).toString();
     if (!isNumberList(s.categories_) || !isNumberList(s.subCategories_))
         throw AppError(AppError::TypeMismatch, QStringLiteral("The stocktake's scope is damaged."));
+    s.recount();
     return s;
 }
 
@@ -132,19 +135,19 @@ Stocktake::Scan Stocktake::scan(const QString &typed)
             return Scan::AlreadyScanned; // the number was recorded before: nothing changes
         throw;
     }
+    if (outcome == Scan::OnShelf || outcome == Scan::OnLoan)
+        ++scanned_;
     return outcome;
 }
 
-int Stocktake::scannedCount() const
+void Stocktake::countInDatabase(int *scanned, int *expected) const
 {
-    return countOf(QStringLiteral("select count(*) from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
-                   + QStringLiteral(" and Outcome in ('S', 'L')"));
+    *scanned = countOf(QStringLiteral("select count(*) from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
+                       + QStringLiteral(" and Outcome in ('S', 'L')"));
+    *expected = countOf(QStringLiteral("select count(*) from tblLibItems as i where i.PhasedOut = false and ") + scope(QStringLiteral("i")));
 }
 
-int Stocktake::expectedCount() const
-{
-    return countOf(QStringLiteral("select count(*) from tblLibItems as i where i.PhasedOut = false and ") + scope(QStringLiteral("i")));
-}
+void Stocktake::recount() { countInDatabase(&scanned_, &expected_); }
 
 Stocktake::Result Stocktake::result() const
 {
@@ -160,9 +163,25 @@ Stocktake::Result Stocktake::result() const
     r.onLoan = copies(scanned.arg(QLatin1Char('L')));
     r.unknown = copies(scanned.arg(QLatin1Char('U')));
     r.outside = copies(scanned.arg(QLatin1Char('O')));
-    r.scanned = scannedCount();
-    r.expected = expectedCount();
+    countInDatabase(&r.scanned, &r.expected);
     return r;
+}
+
+bool Stocktake::returnToShelf(const QString &accession)
+{
+    QString memberType;
+    if (ItemAvailable(accession, &memberType))
+        return ReturnOrRenewLoan(accession, Clock::today(), 0, QStringLiteral("return"), QDate(), Money(), 1); // tells that it is not out
+    Money fineAmount;
+    qint16 fineInterval = 1;
+    GetFineSettings(accession, memberType, &fineAmount, &fineInterval);
+    if (!ReturnOrRenewLoan(accession, Clock::today(), 0, QStringLiteral("return"), QDate(), fineAmount, fineInterval))
+        return false;
+    const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
+    db->Execute(QStringLiteral("Update tblLibStocktakeScans set Outcome = 'S' where StocktakeID = ") + QString::number(id_)
+                + QStringLiteral(" and AccessionID = '") + Safesql(accession) + QStringLiteral("'"));
+    recount();
+    return true;
 }
 
 void Stocktake::finish()
@@ -189,5 +208,6 @@ int Stocktake::markMissingLost()
         }
         return true;
     });
+    recount();
     return marked;
 }

@@ -48,10 +48,16 @@ public:
 
     /// Records one scan (the number as the scanner typed it, trimmed).
     Scan scan(const QString &accession);
-    /// Copies of the scope found so far, and copies the scope holds (not phased out).
-    int scannedCount() const;
-    int expectedCount() const;
+    /// Copies of the scope found so far, and copies the scope holds (not phased out): counted by the
+    /// database when the stocktake is started or opened and after a return or marking lost, and kept
+    /// up to date by each scan, so a scan costs no count of the catalogue.
+    int scannedCount() const { return scanned_; }
+    int expectedCount() const { return expected_; }
     Result result() const;
+    /// Returns a copy scanned on the shelf although the catalogue shows it on loan, as the issue desk
+    /// returns it (today, with the fine of its loan rules); its scan then counts as on the shelf.
+    /// False (after the loan routine's message) when it is not on loan.
+    bool returnToShelf(const QString &accession);
     /// Ends the stocktake (a new one may then start).
     void finish();
     /// Phases the missing copies out with the reason "Lost" and the stocktake's date, as the item editor
@@ -61,10 +67,14 @@ public:
 private:
     Stocktake() = default;
     QString scope(const QString &alias) const;
+    void countInDatabase(int *scanned, int *expected) const;
+    void recount();
 
     int id_ = 0;
     QString name_;
     QDate startDate_;
     QString categories_;    // "1,4" or empty
     QString subCategories_; // "7" or empty
+    int scanned_ = 0;
+    int expected_ = 0;
 };

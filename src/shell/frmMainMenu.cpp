@@ -94,6 +94,7 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     cmdLabels = menuButton(Frame5, "cmdLabels", QStringLiteral("Labels"), QStringLiteral("frmLabelList"));
     cmdOverdueNotices = menuButton(Frame5, "cmdOverdueNotices", QStringLiteral("Overdue Notices"), QStringLiteral("frmOverdueNotices"));
     cmdStatistics = menuButton(Frame5, "cmdStatistics", QStringLiteral("Library Statistics"), QStringLiteral("frmLibraryStatistics"));
+    cmdStocktake = menuButton(Frame3, "cmdStocktake", QStringLiteral("Stocktake"), QStringLiteral("frmStocktake"));
     Frame6 = frame("Frame6", QStringLiteral("System Settings"), this);
     cmdSettings = menuButton(Frame6, "cmdSettings", QStringLiteral("General Settings"), QStringLiteral("frmSystemSettings"));
 

@@ -41,7 +41,7 @@ public:
     QPushButton *cmdSettings;
     // Reports
     QGroupBox *Frame5;
-    QPushButton *cmdLabels, *Command2, *cmdOverdueNotices, *cmdStatistics;
+    QPushButton *cmdLabels, *Command2, *cmdOverdueNotices, *cmdStatistics, *cmdStocktake;
     // Library Catalogue
     QGroupBox *Frame3;
     QPushButton *cmdKeywordList, *cmdLanguage, *cmdItems, *cmdSubjectcodes, *cmdCategories, *cmdSeries, *cmdPublisher, *cmdAuthors;

@@ -136,7 +136,8 @@ const std::map<QString, QStringList> &ownedTables()
         {"frmLibraryUsers", Loans},
         {"frmLibraryReport", {}},
         {"frmOverdueNotices", {"tblLibNoticeTemplate"}},
-        {"frmLibraryStatistics", {}}};
+        {"frmLibraryStatistics", {}},
+        {"frmStocktake", {"tblLibStocktakes", "tblLibStocktakeScans", "tblLibItems", "tblLibTransactions", "tblLibTransactionFines"}}};
     return owned;
 }
 
@@ -389,7 +390,7 @@ INSTANTIATE_TEST_SUITE_P(Registered, EveryScreen,
                                            "frmItemList", "frmItemAddModify", "frmCategories", "frmQuickFind", "frmSeries",
                                            "frmPublisher", "frmAuthor", "frmLanguages", "frmSubjectsList", "frmKeywordList",
                                            "frmLabelList", "frmLibraryUsers", "frmLibraryReport", "frmOverdueNotices",
-                                           "frmLibraryStatistics"),
+                                           "frmLibraryStatistics", "frmStocktake"),
                          [](const auto &info) { return std::string(info.param); });
 
 TEST_F(InputSweep, TheListAboveIsEveryRegisteredScreen)
