@@ -414,15 +414,6 @@ bool PostgresDatabase::inTransaction() const
     return conn_ && !broken_ && PQtransactionStatus(conn_) != PQTRANS_IDLE && PQtransactionStatus(conn_) != PQTRANS_UNKNOWN;
 }
 
-std::vector<QString> PostgresDatabase::tableNames()
-{
-    std::vector<QString> names;
-    Result r(run("SELECT tablename FROM pg_tables WHERE schemaname = current_schema() ORDER BY tablename", QString()), PQclear);
-    for (int i = 0; i < PQntuples(r.get()); ++i)
-        names.push_back(QString::fromUtf8(PQgetvalue(r.get(), i, 0)));
-    return names;
-}
-
 void PostgresDatabase::vacuumAnalyze() { exec("VACUUM (ANALYZE)"); }
 
 void PostgresDatabase::alterColumnType(const TranslatedStatement &ts, const QString &jetSql)

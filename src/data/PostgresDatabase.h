@@ -52,8 +52,6 @@ public:
 
     /// Runs native SQL without rows (schema work, maintenance). Throws AppError.
     void exec(const std::string &nativeSql, const QString &jetSql = QString());
-    /// Names of the user tables of the database, as defined (original letter case where known).
-    std::vector<QString> tableNames();
     /// Runs VACUUM (ANALYZE) on the whole database (outside any transaction).
     void vacuumAnalyze();
 

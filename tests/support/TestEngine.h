@@ -19,10 +19,3 @@ QString makeEmptyServerDatabase();
 /// Removes a database made above (server databases only; files go with their folder).
 void dropLibrary(const QString &location);
 } // namespace TestEngine
-
-/// In a test on a database engine that lacks what the test is about (a file's write-ahead log), skip it visibly.
-#define SQLITE_ONLY()                                                                                                  \
-    do {                                                                                                               \
-        if (TestEngine::onPostgres())                                                                                  \
-            GTEST_SKIP() << "about the embedded database file";                                                        \
-    } while (0)
