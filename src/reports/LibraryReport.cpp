@@ -24,7 +24,6 @@ Columns withName(std::initializer_list<std::pair<const char *, const char *>> fi
     return columns;
 }
 
-constexpr double Point = 1.0 / 72.0; // inches
 
 } // namespace
 
@@ -164,7 +163,7 @@ QStringList LibraryReport::summaryLines() const
 // Layout in points: 12 pt lines; the header takes 5 lines (school, title, period, gap, captions), the foot 2.
 int LibraryReport::linesPerPage(const QRectF &page, double dpi) const
 {
-    const double lineHeight = 12.0 * Point * dpi;
+    const double lineHeight = PrintLineHeight(dpi);
     return std::max(1, int(page.height() / lineHeight) - 7);
 }
 
@@ -178,16 +177,12 @@ int LibraryReport::pageCount(const QRectF &page, double dpi) const
 void LibraryReport::paintPage(QPainter &painter, const QRectF &page, int pageNumber) const
 {
     const double dpi = painter.device()->logicalDpiY();
-    const double line = 12.0 * Point * dpi;
+    const double line = PrintLineHeight(dpi);
     const std::vector<Line> &all = lines_;
     const int perPage = linesPerPage(page, dpi);
     const int pages = std::max(1, (int(all.size()) + perPage - 1) / perPage);
-    QFont font(QStringLiteral("Sans Serif"));
-    font.setPointSizeF(8);
-    QFont bold = font;
-    bold.setBold(true);
-    QFont big = bold;
-    big.setPointSizeF(12);
+    const PageFonts fonts(8, 12);
+    const QFont &font = fonts.plain, &bold = fonts.bold, &big = fonts.big;
 
     painter.save();
     double y = page.top();

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr double Point = 1.0 / 72.0;
 constexpr int HeaderLines = 6; // school, title, date, blank, column captions, rule
 constexpr int FooterLines = 4; // signature line and its space
 
@@ -49,7 +48,7 @@ std::vector<NoticeDocument::Page> NoticeDocument::layout(const QRectF &page, dou
             pages.push_back({g, learners_[g].first, learners_[g].last, true});
         return pages;
     }
-    const int lines = std::max(1, int(page.height() / (12.0 * Point * dpi)) - HeaderLines - FooterLines);
+    const int lines = std::max(1, int(page.height() / PrintLineHeight(dpi)) - HeaderLines - FooterLines);
     for (size_t g = 0; g < classes_.size(); ++g) {
         for (size_t first = classes_[g].first; first < classes_[g].last; first += size_t(lines)) {
             const size_t last = std::min(classes_[g].last, first + size_t(lines));
@@ -77,13 +76,9 @@ void NoticeDocument::paintPage(QPainter &painter, const QRectF &page, int pageNu
 void NoticeDocument::paintClassPage(QPainter &painter, const QRectF &page, const Page &p) const
 {
     const double dpi = painter.device()->logicalDpiY();
-    const double line = 12.0 * Point * dpi;
-    QFont font(QStringLiteral("Sans Serif"));
-    font.setPointSizeF(9);
-    QFont bold = font;
-    bold.setBold(true);
-    QFont big = bold;
-    big.setPointSizeF(13);
+    const double line = PrintLineHeight(dpi);
+    const PageFonts fonts;
+    const QFont &font = fonts.plain, &bold = fonts.bold, &big = fonts.big;
     const QString className = rows_[p.first].className.isEmpty() ? QStringLiteral("(no class)") : rows_[p.first].className;
     double y = page.top();
     auto text = [&](const QFont &f, double x, double width, const QString &s, Qt::Alignment align = Qt::AlignLeft) {
@@ -139,12 +134,9 @@ QString NoticeDocument::letterText(const Group &learner) const
 void NoticeDocument::paintLetter(QPainter &painter, const QRectF &page, const Page &p) const
 {
     const double dpi = painter.device()->logicalDpiY();
-    const double line = 12.0 * Point * dpi;
-    QFont font(QStringLiteral("Sans Serif"));
-    font.setPointSizeF(10);
-    QFont big = font;
-    big.setBold(true);
-    big.setPointSizeF(15);
+    const double line = PrintLineHeight(dpi);
+    const PageFonts fonts(10, 15);
+    const QFont &font = fonts.plain, &big = fonts.big;
     painter.setFont(big);
     painter.drawText(QRectF(page.left(), page.top(), page.width(), line * 2), Qt::AlignHCenter | Qt::AlignVCenter, school_);
     double y = page.top() + line * 3;

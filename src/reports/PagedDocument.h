@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFont>
 #include <QString>
 
 class QPainter;
@@ -16,3 +17,19 @@ public:
     /// Draws one page (1-based).
     virtual void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const = 0;
 };
+
+/// The printed pages' lettering: plain text, bold headings, and the big bold title.
+struct PageFonts {
+    QFont plain, bold, big;
+    explicit PageFonts(double plainPoints = 9, double bigPoints = 13) : plain(QStringLiteral("Sans Serif"))
+    {
+        plain.setPointSizeF(plainPoints);
+        bold = plain;
+        bold.setBold(true);
+        big = bold;
+        big.setPointSizeF(bigPoints);
+    }
+};
+
+/// The height of one printed line (12 points) at a resolution.
+inline double PrintLineHeight(double dpi) { return 12.0 / 72.0 * dpi; }

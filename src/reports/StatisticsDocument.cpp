@@ -59,13 +59,10 @@ int StatisticsDocument::pageCount(const QRectF &, double) const { return Pages; 
 void StatisticsDocument::paintPage(QPainter &painter, const QRectF &page, int pageNumber) const
 {
     const double dpi = painter.device()->logicalDpiY();
-    const double line = 12.0 / 72.0 * dpi;
+    const double line = PrintLineHeight(dpi);
     painter.save();
-    QFont font(QStringLiteral("Sans Serif"));
-    font.setPointSizeF(9);
-    QFont big = font;
-    big.setBold(true);
-    big.setPointSizeF(13);
+    const PageFonts fonts;
+    const QFont &font = fonts.plain, &big = fonts.big;
     painter.setFont(big);
     painter.drawText(QRectF(page.left(), page.top(), page.width(), line * 1.5), Qt::AlignLeft | Qt::AlignVCenter,
                      QStringLiteral("%1 - Library Statistics").arg(school_));

@@ -25,7 +25,7 @@ StocktakeReport::StocktakeReport(const QString &schoolName, const QString &name,
 
 int StocktakeReport::linesPerPage(const QRectF &page, double dpi) const
 {
-    return std::max(1, int(page.height() / (12.0 / 72.0 * dpi)) - 5);
+    return std::max(1, int(page.height() / PrintLineHeight(dpi)) - 5);
 }
 
 int StocktakeReport::pageCount(const QRectF &page, double dpi) const
@@ -37,15 +37,11 @@ int StocktakeReport::pageCount(const QRectF &page, double dpi) const
 void StocktakeReport::paintPage(QPainter &painter, const QRectF &page, int pageNumber) const
 {
     const double dpi = painter.device()->logicalDpiY();
-    const double line = 12.0 / 72.0 * dpi;
+    const double line = PrintLineHeight(dpi);
     const int per = linesPerPage(page, dpi);
     painter.save();
-    QFont font(QStringLiteral("Sans Serif"));
-    font.setPointSizeF(9);
-    QFont bold = font;
-    bold.setBold(true);
-    QFont big = bold;
-    big.setPointSizeF(13);
+    const PageFonts fonts;
+    const QFont &font = fonts.plain, &bold = fonts.bold, &big = fonts.big;
     painter.setFont(big);
     painter.drawText(QRectF(page.left(), page.top(), page.width(), line * 1.5), Qt::AlignLeft | Qt::AlignVCenter,
                      QStringLiteral("%1 - Stocktake \"%2\"").arg(school_, name_));
