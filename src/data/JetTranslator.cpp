@@ -449,6 +449,20 @@ bool needsSpace(const std::string &prev, bool prevCall, const std::string &cur)
     return !(prev == "(" || prev == "." || cur == ")" || cur == "," || cur == ".");
 }
 
+// The names written with capitals, brackets taken off.
+std::shared_ptr<const std::vector<std::string>> spelledNames(const std::vector<JetToken> &tokens)
+{
+    auto names = std::make_shared<std::vector<std::string>>();
+    for (const JetToken &tok : tokens) {
+        if (tok.kind != JetToken::Word && tok.kind != JetToken::Bracketed)
+            continue;
+        const std::string_view name = tok.kind == JetToken::Bracketed ? tok.text.substr(1, tok.text.size() - 2) : tok.text;
+        if (std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; }))
+            names->emplace_back(name);
+    }
+    return names;
+}
+
 JetTranslator::Template compile(TranslatedStatement::Kind kind, const Out &out)
 {
     JetTranslator::Template tpl;
@@ -581,7 +595,9 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
         if (first.isWord("select"))
             reduceOuterJoins(body);
         const Out out = Rewriter(*traits_, body, sql).run();
-        auto made = std::make_shared<const Template>(compile(first.isWord("select") ? TranslatedStatement::Rows : TranslatedStatement::Command, out));
+        Template compiled = compile(first.isWord("select") ? TranslatedStatement::Rows : TranslatedStatement::Command, out);
+        compiled.spelledNames = spelledNames(tokens);
+        auto made = std::make_shared<const Template>(std::move(compiled));
         std::lock_guard lock(mutex_);
         if (cache_.size() >= MaxCachedShapes)
             cache_.clear();
@@ -597,6 +613,7 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
             literals.push_back(&tok);
     TranslatedStatement ts;
     ts.kind = tpl->kind;
+    ts.spelledNames = tpl->spelledNames;
     ts.sql.reserve(sql.size() + 32);
     for (const Piece &piece : tpl->pieces) {
         ts.sql += piece.fixed;

@@ -19,6 +19,9 @@ struct TranslatedStatement {
     std::string table;
     std::string column;
     JetColumnType newType;
+    // The names the statement writes with capitals (aliases, columns), for engines that hand result
+    // columns back in lower case; shared with every statement of the same shape.
+    std::shared_ptr<const std::vector<std::string>> spelledNames;
     // Native statements the engine runs right after this one, in the same transaction
     // (what an engine needs besides the table itself: name records, counter triggers).
     std::vector<std::string> after;
@@ -113,6 +116,7 @@ public:
     struct Template {
         TranslatedStatement::Kind kind = TranslatedStatement::Command;
         std::vector<Piece> pieces;
+        std::shared_ptr<const std::vector<std::string>> spelledNames;
     };
 
 private:

@@ -2,7 +2,6 @@
 
 #include "AppError.h"
 #include "Clock.h"
-#include "JetLexer.h"
 #include "PostgresDialect.h"
 #include "PostgresSupport.h"
 #include "Recordset.h"
@@ -245,7 +244,7 @@ int PostgresDatabase::execute(const QString &jetSql, Recordset *rows)
         }
         if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
             if (rows)
-                readRows(result.get(), rows, jetSql);
+                readRows(result.get(), rows, ts);
             return 0;
         }
         const char *count = PQcmdTuples(result.get());
@@ -289,7 +288,7 @@ int PostgresDatabase::columnKind(unsigned int table, int column)
     return column > 0 && size_t(column) < it->second.size() ? it->second[size_t(column)] : int(Recordset::FieldType::Unknown);
 }
 
-std::vector<QString> PostgresDatabase::columnNames(PGresult *result, const QString &jetSql)
+std::vector<QString> PostgresDatabase::columnNames(PGresult *result, const TranslatedStatement &ts)
 {
     const int columns = PQnfields(result);
     std::vector<QString> names;
@@ -303,21 +302,11 @@ std::vector<QString> PostgresDatabase::columnNames(PGresult *result, const QStri
     // The server hands names back in lower case: the statement's own spelling (an alias as
     // written), else the column's name as its table defined it.
     std::map<QString, QString> spelled;
-    const QByteArray utf8 = jetSql.toUtf8();
-    std::vector<JetToken> tokens;
-    std::string error;
-    if (JetLexer::tokenize(std::string_view(utf8.constData(), size_t(utf8.size())), &tokens, &error)) {
-        for (const JetToken &token : tokens) {
-            if (token.kind != JetToken::Word && token.kind != JetToken::Bracketed)
-                continue;
-            std::string_view text = token.text;
-            if (token.kind == JetToken::Bracketed)
-                text = text.substr(1, text.size() - 2);
-            const QString name = QString::fromUtf8(text.data(), qsizetype(text.size()));
-            if (!isLowerCase(name))
-                spelled[name.toLower()] = name;
+    if (ts.spelledNames)
+        for (const std::string &written : *ts.spelledNames) {
+            const QString name = QString::fromStdString(written);
+            spelled[name.toLower()] = name;
         }
-    }
     if (!namesLoaded_) {
         definedNames_.clear();
         Result r(run("SELECT a.attname, col_description(a.attrelid, a.attnum) FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
@@ -340,12 +329,12 @@ std::vector<QString> PostgresDatabase::columnNames(PGresult *result, const QStri
     return names;
 }
 
-void PostgresDatabase::readRows(PGresult *result, Recordset *rows, const QString &jetSql)
+void PostgresDatabase::readRows(PGresult *result, Recordset *rows, const TranslatedStatement &ts)
 {
     const int columns = PQnfields(result);
     const int count = PQntuples(result);
     std::vector<Oid> types(static_cast<size_t>(columns));
-    const std::vector<QString> names = columnNames(result, jetSql);
+    const std::vector<QString> names = columnNames(result, ts);
     for (int c = 0; c < columns; ++c) {
         types[size_t(c)] = PQftype(result, c);
         const Oid table = PQftable(result, c);

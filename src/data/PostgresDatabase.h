@@ -58,11 +58,11 @@ public:
 private:
     pg_result *run(const std::string &sql, const QString &jetSql);
     [[noreturn]] void raise(pg_result *result, const QString &jetSql);
-    void readRows(pg_result *result, Recordset *rows, const QString &jetSql);
+    void readRows(pg_result *result, Recordset *rows, const TranslatedStatement &ts);
     void installSupport();
     void setClock();
-    void alterColumnType(const struct TranslatedStatement &ts, const QString &jetSql);
-    std::vector<QString> columnNames(pg_result *result, const QString &jetSql);
+    void alterColumnType(const TranslatedStatement &ts, const QString &jetSql);
+    std::vector<QString> columnNames(pg_result *result, const TranslatedStatement &ts);
     int columnKind(unsigned int table, int column);
 
     pg_conn *conn_ = nullptr;
