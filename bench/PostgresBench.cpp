@@ -143,9 +143,7 @@ int runDeskWorker(const QString &library, const QString &central, int desk, int 
         const double issue = Samples::measure([&] {
             const IssueCheck check = CheckIssue(member.toInt(), QStringLiteral("L"), 1000, copy);
             if (check.refusal == IssueRefusal::None) {
-                clsDataObject data;
-                RecordIssue(data, copy, QStringLiteral("L"), member.toInt(), check.itemID, today.addDays(14),
-                            QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
+                RecordIssue(copy, QStringLiteral("L"), member.toInt(), check.itemID, today.addDays(14));
             }
         });
         std::printf("%.3f\n", issue);

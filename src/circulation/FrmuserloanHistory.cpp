@@ -150,9 +150,7 @@ void FrmuserloanHistory::cmdissue_Click()
             UserMessage(historyRefusal(check));
             return;
         }
-        if (RecordIssue(data_, accession, memberType_, memberID_, ItemID, due,
-                        QStringLiteral("select transactionid from tblLibTransactions where memberid =  "))
-            == LentElsewhere) {
+        if (RecordIssue(accession, memberType_, memberID_, ItemID, due) == LentElsewhere) {
             UserMessage(historyRefusal(IssueCheck{IssueRefusal::OnLoan, ItemID, QString()}));
             return;
         }

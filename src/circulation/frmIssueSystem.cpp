@@ -352,8 +352,7 @@ void frmIssueSystem::cmdLoanProcess_Click()
             readyForScan(ui->txtLoanAccession);
             return;
         }
-        const int recorded = RecordIssue(data_, accession, type, member, check.itemID, due,
-                                         QStringLiteral("select transactionid from tblLibTransactions where memberid = "));
+        const int recorded = RecordIssue(accession, type, member, check.itemID, due);
         if (recorded == LentElsewhere) {
             UserMessage(deskRefusal(IssueCheck{IssueRefusal::OnLoan, check.itemID, QString()}));
             readyForScan(ui->txtLoanAccession);

@@ -71,6 +71,13 @@ int DbConnection::ExecuteCommand(const QString &sql)
     return physical().execute(sql, nullptr);
 }
 
+qint64 DbConnection::ExecuteInsert(const QString &sql, const QString &keyColumn)
+{
+    if (traceSink)
+        traceSink->append(sql);
+    return physical().insertReturningKey(sql, keyColumn);
+}
+
 void DbConnection::BeginTrans() { physical().beginTransaction(); }
 void DbConnection::CommitTrans() { physical().commitTransaction(); }
 void DbConnection::RollbackTrans() { physical().rollbackTransaction(); }

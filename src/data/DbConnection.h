@@ -43,6 +43,8 @@ public:
     std::shared_ptr<Recordset> Execute(const QString &sql, int count, const std::function<void(const Recordset &)> &show);
     /// Runs one Jet statement as a command: a query is only started (enough to prove it can run), no rows are kept.
     int ExecuteCommand(const QString &sql);
+    /// Runs one Jet INSERT of a single row; returns the counter (keyColumn) the engine gave the new row.
+    qint64 ExecuteInsert(const QString &sql, const QString &keyColumn);
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();

@@ -16,6 +16,9 @@ public:
     /// (rows may be null for commands). Returns the number of rows changed.
     /// Throws AppError carrying the Jet text on any failure.
     virtual int execute(const QString &jetSql, Recordset *rows) = 0;
+    /// Runs one Jet INSERT of a single row and returns the counter the engine gave it (the
+    /// column keyColumn), taken from the insert itself, never read back by other values.
+    virtual qint64 insertReturningKey(const QString &jetSql, const QString &keyColumn) = 0;
 
     virtual void beginTransaction() = 0;
     virtual void commitTransaction() = 0;

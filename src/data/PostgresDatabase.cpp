@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <strings.h>
 #include <memory>
 
 namespace {
@@ -226,6 +227,33 @@ int PostgresDatabase::execute(const QString &jetSql, Recordset *rows)
         alterColumnType(ts, jetSql);
         return 0;
     }
+    Result result(runTranslated(ts, ts.sql, jetSql), PQclear);
+    if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
+        if (rows)
+            readRows(result.get(), rows, ts);
+        return 0;
+    }
+    const char *count = PQcmdTuples(result.get());
+    return count && *count ? std::atoi(count) : 0;
+}
+
+qint64 PostgresDatabase::insertReturningKey(const QString &jetSql, const QString &keyColumn)
+{
+    const QByteArray utf8 = jetSql.toUtf8();
+    const TranslatedStatement ts = sharedTranslator().translate(std::string_view(utf8.constData(), size_t(utf8.size())));
+    if (ts.kind != TranslatedStatement::Command || strncasecmp(ts.sql.c_str(), "insert ", 7) != 0)
+        throw AppError(AppError::SyntaxError, QStringLiteral("Only an INSERT statement can hand back its new key."), jetSql);
+    const std::string sql = ts.sql + " RETURNING " + PostgresDialect().quoteName(keyColumn.toLower().toStdString());
+    Result result(runTranslated(ts, sql, jetSql), PQclear);
+    if (PQntuples(result.get()) != 1)
+        throw AppError(AppError::ProviderError, QStringLiteral("The row was not added."), jetSql);
+    return std::strtoll(PQgetvalue(result.get(), 0, 0), nullptr, 10);
+}
+
+// Runs a translated statement (sql: its text, possibly extended) with what the engine runs after it,
+// in a transaction of its own when it needs one and none is open. The caller owns the result.
+PGresult *PostgresDatabase::runTranslated(const TranslatedStatement &ts, const std::string &sql, const QString &jetSql)
+{
     if (ts.sql.find("jet_date(") != std::string::npos || ts.sql.find("jet_now(") != std::string::npos
         || ts.sql.find("jet_time(") != std::string::npos)
         setClock();
@@ -233,25 +261,21 @@ int PostgresDatabase::execute(const QString &jetSql, Recordset *rows)
     if (ownTransaction)
         exec("BEGIN");
     try {
-        Result result(run(ts.sql, jetSql), PQclear);
-        for (const std::string &sql : ts.after)
-            exec(sql, jetSql);
+        Result result(run(sql, jetSql), PQclear);
+        for (const std::string &next : ts.after)
+            exec(next, jetSql);
         if (ownTransaction)
             exec("COMMIT");
         if (!ts.after.empty()) {
             columnKinds_.clear();
             namesLoaded_ = false;
         }
-        if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
-            if (rows)
-                readRows(result.get(), rows, ts);
-            return 0;
-        }
-        const char *count = PQcmdTuples(result.get());
-        return count && *count ? std::atoi(count) : 0;
+        return result.release();
     } catch (...) {
-        if (ownTransaction && !broken_)
+        if (ownTransaction && !broken_) {
             PQclear(PQexec(conn_, "ROLLBACK"));
+            forgetUncommitted();
+        }
         throw;
     }
 }
@@ -392,10 +416,20 @@ void PostgresDatabase::commitTransaction() { exec("COMMIT"); }
 
 void PostgresDatabase::rollbackTransaction()
 {
+    forgetUncommitted();
     // A lost connection has nothing left to undo: the server dropped the transaction with it.
     if (broken_)
         return;
     exec("ROLLBACK");
+}
+
+// A rollback takes back the session settings and structure read inside the transaction: the
+// desk's clock is set again and column facts read again by the next statement that needs them.
+void PostgresDatabase::forgetUncommitted()
+{
+    clockSecond_ = -1;
+    columnKinds_.clear();
+    namesLoaded_ = false;
 }
 
 bool PostgresDatabase::inTransaction() const
@@ -432,6 +466,7 @@ void PostgresDatabase::alterColumnType(const TranslatedStatement &ts, const QStr
     } catch (...) {
         if (!broken_)
             PQclear(PQexec(conn_, ownTransaction ? "ROLLBACK" : "ROLLBACK TO SAVEPOINT shelvora_alter"));
+        forgetUncommitted();
         throw;
     }
     columnKinds_.clear();

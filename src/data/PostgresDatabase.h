@@ -43,6 +43,7 @@ public:
     QString serverVersion() const;
 
     int execute(const QString &jetSql, Recordset *rows) override;
+    qint64 insertReturningKey(const QString &jetSql, const QString &keyColumn) override;
     void beginTransaction() override;
     void commitTransaction() override;
     void rollbackTransaction() override;
@@ -61,6 +62,8 @@ private:
     void readRows(pg_result *result, Recordset *rows, const TranslatedStatement &ts);
     void installSupport();
     void setClock();
+    void forgetUncommitted();
+    pg_result *runTranslated(const TranslatedStatement &ts, const std::string &sql, const QString &jetSql);
     void alterColumnType(const TranslatedStatement &ts, const QString &jetSql);
     std::vector<QString> columnNames(pg_result *result, const TranslatedStatement &ts);
     int columnKind(unsigned int table, int column);

@@ -108,13 +108,18 @@ const char *const Sql[] = {
     "DECLARE v bigint := CAST(to_jsonb(NEW) ->> TG_ARGV[0] AS bigint); s text := pg_get_serial_sequence(TG_TABLE_NAME, TG_ARGV[0]); "
     "BEGIN IF v IS NOT NULL AND v > COALESCE(pg_sequence_last_value(CAST(s AS regclass)), 0) THEN "
     "PERFORM setval(CAST(s AS regclass), v); END IF; RETURN NEW; END $$",
-    "CREATE OR REPLACE FUNCTION jet_support_version() RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT 3 $$",
 };
 
 } // namespace
 
 const std::vector<std::string> &PostgresSupport::statements()
 {
-    static const std::vector<std::string> list(std::begin(Sql), std::end(Sql));
+    static const std::vector<std::string> list = [] {
+        std::vector<std::string> all(std::begin(Sql), std::end(Sql));
+        // Written last: a database answers the new number only once everything above is in place.
+        all.push_back("CREATE OR REPLACE FUNCTION jet_support_version() RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT "
+                      + std::to_string(Version) + " $$");
+        return all;
+    }();
     return list;
 }

@@ -215,6 +215,14 @@ int SqliteDatabase::execute(const QString &jetSql, Recordset *rows)
     return run(ts, rows, jetSql);
 }
 
+qint64 SqliteDatabase::insertReturningKey(const QString &jetSql, const QString &keyColumn)
+{
+    Q_UNUSED(keyColumn); // a counter column is the table's rowid
+    if (execute(jetSql, nullptr) != 1)
+        throw AppError(AppError::ProviderError, QStringLiteral("The row was not added."), jetSql);
+    return sqlite3_last_insert_rowid(db_);
+}
+
 int SqliteDatabase::run(const TranslatedStatement &ts, Recordset *rows, const QString &jetSql)
 {
     if (ts.kind == TranslatedStatement::AlterColumnType) {

@@ -30,6 +30,7 @@ public:
     static QString engineVersion();
 
     int execute(const QString &jetSql, Recordset *rows) override;
+    qint64 insertReturningKey(const QString &jetSql, const QString &keyColumn) override;
     void beginTransaction() override;
     void commitTransaction() override;
     void rollbackTransaction() override;

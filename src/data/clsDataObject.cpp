@@ -29,6 +29,8 @@ void clsDataObject::Connection()
 
 bool clsDataObject::ConOpen()
 {
+    if (held_)
+        return true; // a transaction's statements share its connection
     try {
         if (connection_ && connection_->state() != DbConnection::adStateClosed)
             connection_ = std::make_unique<DbConnection>();
@@ -52,8 +54,8 @@ void clsDataObject::rstRecordSetOpen()
     auto run = [this](DbConnection &connection) {
         return showFirst_ ? connection.Execute(commandText_, firstRows_, showFirst_) : connection.Execute(commandText_);
     };
-    if (connection_ && connection_->state() == DbConnection::adStateOpen) {
-        rst = run(*connection_);
+    if (held_ || (connection_ && connection_->state() == DbConnection::adStateOpen)) {
+        rst = run(active());
         return;
     }
     // The command opens its own connection from the connection text, and fails as that open fails.
@@ -67,9 +69,51 @@ void clsDataObject::ExecuteNonQuery(const QString &sql)
 {
     if (ConOpen()) {
         prepare(sql);
-        connection_->ExecuteCommand(sql);
+        active().ExecuteCommand(sql);
     }
     ConClose();
+}
+
+int clsDataObject::ExecuteCounted(const QString &sql)
+{
+    int changed = 0;
+    if (ConOpen()) {
+        prepare(sql);
+        active().Execute(sql, &changed);
+    }
+    ConClose();
+    return changed;
+}
+
+qint64 clsDataObject::InsertReturningKey(const QString &sql, const QString &keyColumn)
+{
+    qint64 key = 0;
+    if (ConOpen()) {
+        prepare(sql);
+        key = active().ExecuteInsert(sql, keyColumn);
+    }
+    ConClose();
+    return key;
+}
+
+DbConnection &clsDataObject::active() { return held_ ? *held_ : *connection_; }
+
+bool clsDataObject::RunTransaction(const std::function<bool()> &work)
+{
+    if (held_)
+        return work(); // already inside one: the outer transaction decides
+    DbConnection connection;
+    connection.DataSource = LibraryDatabasePath;
+    connection.Open();
+    struct Release {
+        clsDataObject *d;
+        ~Release() { d->held_ = nullptr; }
+    } release{this};
+    held_ = &connection;
+    return connection.RunTransaction([&] {
+        rstRecordSetclose();
+        return work();
+    });
 }
 
 bool clsDataObject::TableExist(const QString &sql)
@@ -151,6 +195,8 @@ QVariant clsDataObject::GetKeyword(const QString &sql, bool english)
 
 void clsDataObject::ConClose()
 {
+    if (held_)
+        return; // closed when the transaction ends
     if (connection_ && connection_->state() == DbConnection::adStateOpen)
         connection_->Close();
 }
@@ -163,7 +209,7 @@ void clsDataObject::CloseCompact()
     ConClose();
 }
 
-bool clsDataObject::connectionOpen() const { return connection_ && connection_->state() == DbConnection::adStateOpen; }
+bool clsDataObject::connectionOpen() const { return held_ || (connection_ && connection_->state() == DbConnection::adStateOpen); }
 
 void clsDataObject::openForReading(const QString &sql)
 {

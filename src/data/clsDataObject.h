@@ -60,6 +60,15 @@ public:
     void rstRecordSetclose();
     void CloseCompact();
 
+    /// Runs work as one transaction: every operation of this object inside it uses one connection
+    /// and is committed together when work answers true, or not at all (false, or an error, which
+    /// reaches the caller). Throws AppError when the library database cannot be opened.
+    bool RunTransaction(const std::function<bool()> &work);
+    /// Runs one INSERT of a single row (inside RunTransaction, on its connection); the new row's counter.
+    qint64 InsertReturningKey(const QString &sql, const QString &keyColumn);
+    /// Runs an UPDATE or DELETE; the number of rows it changed.
+    int ExecuteCounted(const QString &sql);
+
     /// Whether this object's connection is open (tests and the compaction step look).
     bool connectionOpen() const;
 
@@ -69,7 +78,10 @@ private:
     void fillRows(GridTarget &grid, int firstRow, bool widen);
     void fillGrid(GridTarget &grid, const QString &sql, bool captionsAndWidths);
 
+    DbConnection &active();
+
     std::unique_ptr<DbConnection> connection_;
+    DbConnection *held_ = nullptr; // the connection of the transaction under way, if any
     QString commandText_; // the prepared statement; it runs on this object's connection
     int firstRows_ = 0;   // with showFirst_: the first rows of the next result are shown early
     std::function<void(const Recordset &)> showFirst_;

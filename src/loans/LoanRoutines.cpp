@@ -215,7 +215,6 @@ bool MemberCanBorrow(int memberID, const QString &memberType, qint16 maximumItem
 
 bool GetNextReservation(int itemID, int memberID, const QString &memberType, QString *reservedFor)
 {
-    Q_UNUSED(memberType);
     std::shared_ptr<Recordset> reservation;
     {
         LibraryScope library;
@@ -224,11 +223,12 @@ bool GetNextReservation(int itemID, int memberID, const QString &memberType, QSt
     }
     if (reservation->atEnd())
         return false;
+    // Learners, educators and staff are numbered apart: learner 12 is not educator 12.
     const int holder = reservation->field(QStringLiteral("memberid")).toInt();
-    if (holder == memberID)
+    const QString holderType = reservation->field(QStringLiteral("membertype")).toString();
+    if (holder == memberID && holderType == memberType)
         return false;
 
-    const QString holderType = reservation->field(QStringLiteral("membertype")).toString();
     QString name;
     if (holderType == QLatin1String("L")) {
         const auto rs = SchoolQuery(QStringLiteral("select fname, sname, classname from Learner_info left join classes on Learner_info.class = classes.classid where [ID] = ")

@@ -32,7 +32,8 @@ bool ItemAvailable(const QString &accession, QString *borrowerType = nullptr);
 void GetItemHolder(int itemID, QString *memberType, QVariant *memberID);
 /// True when the member holds fewer open loans than maximumItems.
 bool MemberCanBorrow(int memberID, const QString &memberType, qint16 maximumItems);
-/// True when the item's oldest open reservation belongs to another member, whose name goes to reservedFor.
+/// True when the item's oldest open reservation belongs to another member (another kind, or another
+/// number), whose name goes to reservedFor.
 bool GetNextReservation(int itemID, int memberID, const QString &memberType, QString *reservedFor = nullptr);
 /// Why a copy may not be issued to a member, in the order the checks are made.
 enum class IssueRefusal { None, UnknownMember, LoanLimit, UnknownItem, OnLoan, ReservedForAnother };

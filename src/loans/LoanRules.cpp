@@ -54,28 +54,29 @@ qint16 LoanRules::maxRenewals(clsDataObject &data)
 
 QString SqlDate(const QDate &date) { return date.toString(QStringLiteral("yyyy-MM-dd")); }
 
-int RecordIssue(clsDataObject &data, const QString &accession, const QString &memberType, int memberID, int itemID,
-                const QDate &dueDate, const QString &readBackLead)
+int RecordIssue(const QString &accession, const QString &memberType, int memberID, int itemID, const QDate &dueDate)
 {
     const QString today = SqlDate(Clock::today());
+    clsDataObject data;
+    qint64 transaction = 0;
     try {
-        data.ExecuteNonQuery(QStringLiteral("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('")
-                             + Safesql(accession) + QStringLiteral("','") + memberType + QStringLiteral("',") + QString::number(memberID)
-                             + QLatin1Char(',') + QString::number(itemID) + QStringLiteral(",#") + today + QStringLiteral("#,#")
-                             + SqlDate(dueDate) + QStringLiteral("#)"));
+        data.RunTransaction([&] {
+            transaction = data.InsertReturningKey(
+                QStringLiteral("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('")
+                    + Safesql(accession) + QStringLiteral("','") + memberType + QStringLiteral("',") + QString::number(memberID)
+                    + QLatin1Char(',') + QString::number(itemID) + QStringLiteral(",#") + today + QStringLiteral("#,#") + SqlDate(dueDate)
+                    + QStringLiteral("#)"),
+                QStringLiteral("TransactionID"));
+            data.ExecuteNonQuery(QStringLiteral("Delete from tblLibreserves where itemid = ") + QString::number(itemID)
+                                 + QStringLiteral(" and membertype = '") + memberType + QStringLiteral("' and memberid = ")
+                                 + QString::number(memberID));
+            return true;
+        });
     } catch (const AppError &e) {
         // Another desk lent this copy between the checks and this insert: the database keeps one open loan per copy.
         if (e.cause() == AppError::Cause::Duplicate)
             return LentElsewhere;
         throw;
     }
-    data.ExecuteNonQuery(QStringLiteral("Delete from tblLibreserves where itemid = ") + QString::number(itemID)
-                         + QStringLiteral(" and membertype = '") + memberType + QStringLiteral("' and memberid = ") + QString::number(memberID));
-    int transaction = 0;
-    if (data.GetData(readBackLead + QString::number(memberID) + QStringLiteral(" and itemid = ") + QString::number(itemID)
-                     + QStringLiteral(" and returned = false and issuedate =#") + today + QStringLiteral("#"))
-        > 0)
-        transaction = data.rst->field(QStringLiteral("transactionid")).toInt();
-    data.CloseCompact();
-    return transaction;
+    return int(transaction);
 }

@@ -33,14 +33,12 @@ public:
     QStringList shown;
 };
 
-/// Writes an issue: the loan row (issued today, due dueDate), then the removal of this member's
-/// reservation of the item (an issue consumes it), then reads back the new loan's transaction
-/// number; the read-back starts with readBackLead (the screens differ in its spacing), the first
-/// row found is taken. Returns 0 when none is found, LentElsewhere (and writes nothing) when another
-/// desk lent the copy since the checks.
+/// Writes an issue as one transaction: the loan row (issued today, due dueDate) and the removal of
+/// this member's reservation of the item (an issue consumes it); returns the new loan's transaction
+/// number as the insert gave it. LentElsewhere (and nothing written) when another desk lent the copy
+/// since the checks. Other errors reach the caller as AppError, with nothing written.
 constexpr int LentElsewhere = -1;
-int RecordIssue(clsDataObject &data, const QString &accession, const QString &memberType, int memberID, int itemID,
-                const QDate &dueDate, const QString &readBackLead);
+int RecordIssue(const QString &accession, const QString &memberType, int memberID, int itemID, const QDate &dueDate);
 
 /// A date as the circulation statements write it between # signs.
 QString SqlDate(const QDate &date);

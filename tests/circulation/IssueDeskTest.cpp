@@ -71,7 +71,7 @@ TEST_F(IssueDesk, ADayAtTheDesk)
     EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
     EXPECT_TRUE(sent_.contains("Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('A1','L',12,1,#2026-11-23#,#2026-12-07#)"));
     EXPECT_TRUE(sent_.contains("Delete from tblLibreserves where itemid = 1 and membertype = 'L' and memberid = 12"));
-    EXPECT_TRUE(sent_.contains("select transactionid from tblLibTransactions where memberid = 12 and itemid = 1 and returned = false and issuedate =#2026-11-23#"));
+    EXPECT_TRUE(sent_.filter("select transactionid from tblLibTransactions").isEmpty()); // the insert gives the loan's number
     EXPECT_EQ(transactions(*desk), QStringList{"A1|Book 1|Issue|L12|Botha, Anna 8A||2026-11-23|2026-12-07|0"});
     EXPECT_EQ(child<QLineEdit>(*desk, "txtLoanAccession")->text(), "");
     EXPECT_EQ(desk->focusWidget(), child<QLineEdit>(*desk, "txtLoanAccession"));

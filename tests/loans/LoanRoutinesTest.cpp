@@ -6,6 +6,7 @@
 #include "OverdueList.h"
 #include "clsDataObject.h"
 #include "TestDatabases.h"
+#include "TestEngine.h"
 #include "UpdateDatabase.h"
 #include "clsBusinessRules.h"
 
@@ -206,9 +207,18 @@ TEST_F(LoanTest, AReservationByAnotherMemberBlocksAndNamesTheHolder)
     EXPECT_TRUE(GetNextReservation(1, 3, "S", &holder));
     EXPECT_EQ(holder, "Anna Botha 8A");
 
+    // Educator 12 is another person than learner 12: the learner's number does not let the educator take it.
+    EXPECT_TRUE(GetNextReservation(1, 12, "E", &holder));
+    EXPECT_EQ(holder, "Anna Botha 8A");
+
     library("Update tblLibReserves set Canceled = true where MemberType = 'L'");
     EXPECT_TRUE(GetNextReservation(1, 3, "S", &holder));
     EXPECT_EQ(holder, "Ravi Naidoo");
+    // ...and the other way round: learner 12 may not take what educator 12 reserved.
+    EXPECT_TRUE(GetNextReservation(1, 12, "L", &holder));
+    EXPECT_EQ(holder, "Ravi Naidoo");
+    EXPECT_EQ(CheckIssue(12, "L", 2, "A1").refusal, IssueRefusal::ReservedForAnother);
+    EXPECT_FALSE(GetNextReservation(1, 12, "E", &holder));
     EXPECT_FALSE(GetNextReservation(2, 3, "S", &holder));
     EXPECT_TRUE(sent_.contains(" select top 1 * from tbllibreserves  where (itemid = 2 and ([canceled] <> true or [canceled] = false)) order by [reservedate]"));
 }
@@ -329,11 +339,37 @@ TEST_F(LoanTest, AnIssueBeatenByAnotherDeskWritesNothing)
     const IssueCheck check = CheckIssue(12, "L", 2, "A2");
     ASSERT_EQ(check.refusal, IssueRefusal::None);
     lend("A2", check.itemID, "E", 12, QDate(2026, 11, 24)); // the other desk
-    clsDataObject data;
-    EXPECT_EQ(RecordIssue(data, "A2", "L", 12, check.itemID, QDate(2026, 11, 24), "select transactionid from tblLibTransactions where memberid = "),
-              LentElsewhere);
+    EXPECT_EQ(RecordIssue("A2", "L", 12, check.itemID, QDate(2026, 11, 24)), LentElsewhere);
     EXPECT_EQ(libraryRows("select MemberType from tblLibTransactions where AccessionID = 'A2'"), QStringList{"E"});
     EXPECT_TRUE(messages_->shown().empty());
+}
+
+// An issue is one transaction (each engine): the loan and the removal of the member's own
+// reservation together, the loan's number taken from the insert itself (no read-back by member,
+// copy and day, which could find another loan); a failure part way leaves neither.
+TEST_F(LoanTest, AnIssueIsWrittenWholeAndKnowsItsOwnLoanNumber)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 11, 10), QTime(9, 0)));
+    // Loans of the same member, copy and day before: an earlier one returned, so a read-back could meet it.
+    lend("A2", 2, "L", 12, QDate(2026, 11, 24));
+    library("Update tblLibTransactions set Returned = true, IssueDate = #2026-11-10#");
+    library("Insert into tblLibReserves(ItemID, MemberType, MemberID, ReserveDate) values (2, 'L', 12, #2026-11-01#)");
+    library("Insert into tblLibReserves(ItemID, MemberType, MemberID, ReserveDate) values (2, 'E', 12, #2026-11-02#)");
+    sent_.clear();
+    const int loan = RecordIssue("A2", "L", 12, 2, QDate(2026, 11, 24));
+    EXPECT_EQ(QString::number(loan), libraryValue("select TransactionID from tblLibTransactions where Returned = false"));
+    EXPECT_EQ(loan, 2);
+    EXPECT_EQ(sent_, (QStringList{"Insert into tblLibTransactions(accessionId,MemberType,MemberId,ItemID,Issuedate,DueDate)VALUES('A2','L',12,2,#2026-11-10#,#2026-11-24#)",
+                                  "Delete from tblLibreserves where itemid = 2 and membertype = 'L' and memberid = 12"}));
+    EXPECT_EQ(libraryRows("select MemberType, MemberID from tblLibReserves"), QStringList{"E|12"}); // the educator's stays
+
+    // The reservation's removal fails: the loan is not kept either.
+    library("Update tblLibTransactions set Returned = true");
+    library("Insert into tblLibReserves(ItemID, MemberType, MemberID, ReserveDate) values (2, 'L', 12, #2026-11-03#)");
+    TestEngine::refuse(libraryPath_, "tblLibReserves", "DELETE");
+    EXPECT_THROW(RecordIssue("A2", "L", 12, 2, QDate(2026, 11, 24)), AppError);
+    EXPECT_EQ(libraryCount("select * from tblLibTransactions where Returned = false"), 0);
+    EXPECT_EQ(libraryCount("select * from tblLibReserves"), 2);
 }
 
 // The overdue list (each engine): open loans past their due date at the day, with the learner's

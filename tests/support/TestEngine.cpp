@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include <libpq-fe.h>
+#include <sqlite3.h>
 
 #include <atomic>
 
@@ -14,9 +15,9 @@ namespace {
 
 // Server-side housekeeping of the tests (making and dropping databases) is not Jet: plain libpq.
 // With wantRow, a query answers whether it found a row.
-bool admin(const QString &sql, QString *error = nullptr, bool wantRow = false)
+bool admin(const QString &sql, QString *error = nullptr, bool wantRow = false, const QString &address = TestEngine::serverAddress())
 {
-    PGconn *conn = PQconnectdb(TestEngine::serverAddress().toUtf8().constData());
+    PGconn *conn = PQconnectdb(address.toUtf8().constData());
     bool ok = PQstatus(conn) == CONNECTION_OK;
     if (ok) {
         PGresult *r = PQexec(conn, sql.toUtf8().constData());
@@ -98,4 +99,26 @@ void TestEngine::dropLibrary(const QString &location)
         return;
     ConnectionPool::shared().closeIdle(location);
     admin(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(QUrl(location).path().mid(1)));
+}
+
+void TestEngine::refuse(const QString &location, const QString &table, const QString &operation)
+{
+    ConnectionPool::shared().closeIdle(location);
+    const QString name = QStringLiteral("refuse_%1_%2").arg(table, operation).toLower();
+    if (location.startsWith(QLatin1String("postgresql://"))) {
+        QString error;
+        if (!admin(QStringLiteral("CREATE FUNCTION %1() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION 'refused'; END $$").arg(name),
+                   &error, false, location)
+            || !admin(QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3 FOR EACH ROW EXECUTE FUNCTION %1()").arg(name, operation, table.toLower()),
+                      &error, false, location))
+            qFatal("cannot make the refusing trigger: %s", qPrintable(error));
+        return;
+    }
+    sqlite3 *db = nullptr;
+    sqlite3_open(location.toUtf8().constData(), &db);
+    const QByteArray sql = QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3 BEGIN SELECT RAISE(ABORT, 'refused'); END").arg(name, operation, table).toUtf8();
+    char *error = nullptr;
+    if (sqlite3_exec(db, sql.constData(), nullptr, nullptr, &error) != SQLITE_OK)
+        qFatal("cannot make the refusing trigger: %s", error);
+    sqlite3_close(db);
 }

@@ -16,6 +16,9 @@ QString makeLibrary(const QString &sqlitePath);
 QString makeServerLibrary();
 /// A new empty database on the server (no schema); its address.
 QString makeEmptyServerDatabase();
+/// Makes the database refuse every `operation` (INSERT, UPDATE or DELETE) on `table` with an
+/// error, natively (a trigger): tests of what a failing statement halfway through an action leaves.
+void refuse(const QString &location, const QString &table, const QString &operation);
 /// Removes a database made above (server databases only; files go with their folder).
 void dropLibrary(const QString &location);
 } // namespace TestEngine
