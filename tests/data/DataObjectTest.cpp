@@ -1,4 +1,5 @@
 #include "AppError.h"
+#include "Clock.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
 #include "Recordset.h"
@@ -290,4 +291,45 @@ TEST_F(DataObjectTest, ALostServerConnectionIsOneMessageAndTheNextActionReconnec
     clsDataObject data;
     EXPECT_EQ(data.GetData("select * from tblLibItems"), libraryCount("select * from tblLibItems"));
     data.CloseCompact();
+}
+
+// The data object's transaction: its operations share one connection and are kept together or not
+// at all; after a rollback the desk's clock still holds in the next transaction (each engine).
+TEST_F(DataObjectTest, ATransactionKeepsAllItsStatementsOrNone)
+{
+    clsDataObject data;
+    EXPECT_FALSE(data.RunTransaction([&] {
+        data.ExecuteNonQuery("Insert into tblLibSubjectCodes (ClassificationNo) Values ('one')");
+        EXPECT_EQ(data.GetData("select * from tblLibSubjectCodes"), 1); // its own writes are seen inside
+        return false;
+    }));
+    EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
+    EXPECT_THROW(data.RunTransaction([&] {
+        data.ExecuteNonQuery("Insert into tblLibSubjectCodes (ClassificationNo) Values ('two')");
+        data.ExecuteNonQuery("Insert into tblLibNoSuchTable (x) Values (1)");
+        return true;
+    }), AppError);
+    EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 0);
+    EXPECT_FALSE(data.connectionOpen());
+    EXPECT_TRUE(data.RunTransaction([&] {
+        const qint64 first = data.InsertReturningKey("Insert into tblLibSubjectCodes (ClassificationNo) Values ('three')", "Id");
+        EXPECT_EQ(data.InsertReturningKey("Insert into tblLibSubjectCodes (ClassificationNo) Values ('four')", "Id"), first + 1);
+        EXPECT_EQ(data.ExecuteCounted("Update tblLibSubjectCodes set ClassificationNo = 'x' where ClassificationNo = 'three'"), 1);
+        return true;
+    }));
+    EXPECT_EQ(libraryRows("select ClassificationNo from tblLibSubjectCodes order by ClassificationNo"), (QStringList{"four", "x"}));
+
+    Clock::setFixed(QDateTime(QDate(2026, 3, 4), QTime(10, 0)));
+    QString seen;
+    data.RunTransaction([&] {
+        data.GetData("select Date() as d from tblLibSubjectCodes");
+        return false;
+    });
+    data.RunTransaction([&] {
+        data.GetData("select Date() as d from tblLibSubjectCodes");
+        seen = data.rst->field(0).toDate().toString(Qt::ISODate);
+        return false;
+    });
+    Clock::setFixed(QDateTime());
+    EXPECT_EQ(seen, "2026-03-04");
 }
