@@ -165,31 +165,37 @@ void frmFinePayment::markPending(bool pending)
 void frmFinePayment::cmdPaymentProcess_Click()
 {
     Trap(Location, QStringLiteral("Process"), [&] {
-        markPending(false);
         SpreadGrid &list = *ui->fpSpreadPayCancel;
         if (list.maxRows() == 0) {
             UserMessage(QStringLiteral("Please select an item to process"));
             return;
         }
-        const int rows = list.maxRows();
-        for (int row = 1; row <= rows; ++row) {
-            // The grids are emptied after each statement, as the screen always did: a second pass reads empty cells.
+        // Every ticked fine is paid or cancelled together, or none is.
+        QStringList updates;
+        for (int row = 1; row <= list.maxRows(); ++row) {
             const qint64 transaction = qint64(number(list.cellText(0, row)));
             const double amount = number(list.cellText(2, row));
             const QDate paid = QDate::fromString(list.cellText(3, row), QStringLiteral("yyyy-MM-dd"));
-            const bool cancel = number(list.cellText(4, row)) == 1;
-            if (cancel)
-                data_.ExecuteNonQuery(QStringLiteral(" Update tblLibTransactionFines") + QStringLiteral(" Set FineCancelled = true")
-                                      + QStringLiteral(" Where TransactionID = ") + QString::number(transaction));
+            if (number(list.cellText(4, row)) == 1)
+                updates << QStringLiteral(" Update tblLibTransactionFines") + QStringLiteral(" Set FineCancelled = true")
+                               + QStringLiteral(" Where TransactionID = ") + QString::number(transaction);
             else
-                data_.ExecuteNonQuery(QStringLiteral(" Update tblLibTransactionFines") + QStringLiteral(" Set PaymentDate = #") + SqlDate(paid)
-                                      + QStringLiteral("#") + QStringLiteral(" , PaymentAmount = ") + QString::number(amount, 'g', 15)
-                                      + QStringLiteral(" Where TransactionID = ") + QString::number(transaction));
-            ClearSpreads();
-            ui->txtTotal->setText(Money().toDisplayText()); // money looks like money: "0.00"
+                updates << QStringLiteral(" Update tblLibTransactionFines") + QStringLiteral(" Set PaymentDate = #") + SqlDate(paid)
+                               + QStringLiteral("#") + QStringLiteral(" , PaymentAmount = ") + QString::number(amount, 'g', 15)
+                               + QStringLiteral(" Where TransactionID = ") + QString::number(transaction);
         }
+        data_.RunTransaction([&] {
+            for (const QString &sql : updates)
+                data_.ExecuteNonQuery(sql);
+            return true;
+        });
+        ClearSpreads();
+        ui->txtTotal->setText(Money().toDisplayText()); // money looks like money: "0.00"
+        if (!member_.isEmpty())
+            LoadFines(finesOfMember() + QStringLiteral(" order by tblLibItems.Title")); // what is still open
+        markPending(false);
         UserMessage(QStringLiteral("Processed Successfully"));
-    });
+    }, [&] { data_.CloseCompact(); });
 }
 
 void frmFinePayment::cmdPrint_Click()
