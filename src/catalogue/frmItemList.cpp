@@ -157,12 +157,17 @@ void frmItemList::fill(const QString &sql)
     grid.setMaxRows(0);
     grid.setMaxRows(rows);
     Money total;
+    shown_.clear();
     if (rows > 0) {
         const ListFields fields(rs);
         writeRows(grid, rs, fields);
-        for (int r = 0; r < rows; ++r)
+        const int itemID = rs.fieldIndex(QStringLiteral("ItemID")), loanType = rs.fieldIndex(QStringLiteral("LoanType"));
+        shown_.reserve(size_t(rows));
+        for (int r = 0; r < rows; ++r) {
             if (!rs.fieldAt(r, fields.cost).isNull())
                 total += rs.fieldAt(r, fields.cost).toMoney();
+            shown_.push_back({rs.fieldAt(r, itemID).toInt(), rs.fieldAt(r, fields.restricted).toBool(), rs.fieldAt(r, loanType).toString()});
+        }
     }
     grid.endFill();
     data_.CloseCompact();
@@ -176,6 +181,7 @@ void frmItemList::cmdSearch_Click()
         ui->cmdSearch->setPalette(QPalette());
         if (ui->fpSpreadStock->maxRows() > 0)
             ui->fpSpreadStock->clearRows();
+        shown_.clear();
         const QString criteria = criteria_.condition();
         QString where;
         if (ui->chRemoved->isChecked()) {
@@ -282,9 +288,30 @@ void frmItemList::cmdprocess_Click()
         const SpreadGrid &grid = *ui->fpSpreadStock;
         if (grid.maxRows() == 0)
             return;
+        // Only the rows the librarian changed are written, together: what other desks changed
+        // in the other rows meanwhile stays theirs.
         const clsTSQL sql;
-        for (int row = 1; row <= grid.maxRows(); ++row)
-            data_.ExecuteNonQuery(sql.spItemsUpdateRole(grid.cellText(0, row).toInt(), grid.isChecked(RestrictedColumn, row), grid.cellText(LoanTypeColumn, row)));
+        std::vector<std::pair<size_t, QString>> changed;
+        for (int row = 1; row <= grid.maxRows(); ++row) {
+            const int itemID = grid.cellText(0, row).toInt();
+            const bool restricted = grid.isChecked(RestrictedColumn, row);
+            const QString loanType = grid.cellText(LoanTypeColumn, row);
+            const size_t index = size_t(row - 1);
+            if (index < shown_.size() && shown_[index].itemID == itemID && shown_[index].restricted == restricted
+                && shown_[index].loanType == loanType)
+                continue;
+            changed.emplace_back(index, sql.spItemsUpdateRole(itemID, restricted, loanType));
+        }
+        data_.RunTransaction([&] {
+            for (const auto &[index, update] : changed)
+                data_.ExecuteNonQuery(update);
+            return true;
+        });
+        for (const auto &[index, update] : changed)
+            if (index < shown_.size()) {
+                shown_[index].restricted = grid.isChecked(RestrictedColumn, int(index) + 1);
+                shown_[index].loanType = grid.cellText(LoanTypeColumn, int(index) + 1);
+            }
         UserMessage(QStringLiteral("Your data has been saved."));
     });
 }

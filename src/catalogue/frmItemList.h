@@ -54,4 +54,11 @@ private:
     QString listStatement_;
     ItemCriteria criteria_;
     ItemListOrder order_;
+    // The marks each listed row had when it was read: Process writes only the rows changed since.
+    struct Marks {
+        int itemID;
+        bool restricted;
+        QString loanType;
+    };
+    std::vector<Marks> shown_;
 };

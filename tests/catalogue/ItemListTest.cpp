@@ -4,6 +4,7 @@
 #include "ScreenDriver.h"
 #include "ScreenRegistry.h"
 #include "TestDatabases.h"
+#include "TestEngine.h"
 #include "UpdateDatabase.h"
 #include "frmItemList.h"
 
@@ -125,6 +126,50 @@ TEST_F(ItemList, MarksAreWrittenBackByProcessAndSortingTogglesDirection)
     EXPECT_EQ(messages_->prompts(), QStringList{"Your data has been saved."});
     EXPECT_EQ(libraryRows("select AccessionID, Restricted, LoanType from tblLibItems where PhasedOut = false order by ItemID"),
               (QStringList{"A1|True|N", "A2|True|L", "A3|False|N"}));
+}
+
+// Process after Show All writes only the rows whose marks the librarian changed, in one
+// transaction: another desk's change to a row left alone is kept, and a failure writes none.
+TEST_F(ItemList, ProcessWritesOnlyTheChangedRowsTogether)
+{
+    for (int i = 10; i < 40; ++i)
+        library(QString("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID) values ('B%1', 'Book %1', 1, 1)").arg(i));
+    frmItemList screen(screens_);
+    click(screen, "cmdAll");
+    SpreadGrid *grid = child<SpreadGrid>(screen, "fpSpreadStock");
+    ASSERT_EQ(grid->maxRows(), 32);
+    auto rowOf = [&](const QString &accession) {
+        for (int row = 1; row <= grid->maxRows(); ++row)
+            if (grid->cellText(1, row) == accession)
+                return row;
+        return 0;
+    };
+    grid->toggleCheck(7, rowOf("B11"));
+    grid->model()->setData(grid->model()->index(rowOf("B12") - 1, 7), "S", Qt::EditRole);
+    grid->model()->setData(grid->model()->index(rowOf("B13") - 1, 7), "L", Qt::EditRole);
+    grid->toggleCheck(7, rowOf("B14"));
+    grid->toggleCheck(7, rowOf("B14")); // ticked and unticked again: unchanged
+    library("Update tblLibItems set LoanType = 'S' where AccessionID = 'B20'"); // another desk, meanwhile
+
+    // The third change fails: nothing of the three is kept.
+    TestEngine::refuse(libraryPath_, "tblLibItems", "UPDATE", "NEW.LoanType = 'L'");
+    click(screen, "cmdprocess");
+    EXPECT_EQ(messages_->shown().size(), 1u);
+    EXPECT_EQ(libraryRows("select AccessionID from tblLibItems where Restricted = true or LoanType <> 'N' order by AccessionID"),
+              (QStringList{"A2", "B20"}));
+
+    TestEngine::unrefuse(libraryPath_, "tblLibItems", "UPDATE");
+    messages_->clear();
+    sent_.clear();
+    click(screen, "cmdprocess");
+    EXPECT_EQ(messages_->prompts(), QStringList{"Your data has been saved."});
+    EXPECT_EQ(sent_.filter("update tblLibItems").size(), 3);
+    EXPECT_EQ(libraryRows("select AccessionID, Restricted, LoanType from tblLibItems where Restricted = true or LoanType <> 'N' order by AccessionID"),
+              (QStringList{"A2|False|S", "B11|True|N", "B12|False|S", "B13|False|L", "B20|False|S"}));
+    // Written once: a second Process has nothing to write.
+    sent_.clear();
+    click(screen, "cmdprocess");
+    EXPECT_TRUE(sent_.filter("update tblLibItems").isEmpty());
 }
 
 TEST_F(ItemList, HandOffsToTheEditorNeedASelectedItem)

@@ -101,24 +101,43 @@ void TestEngine::dropLibrary(const QString &location)
     admin(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(QUrl(location).path().mid(1)));
 }
 
-void TestEngine::refuse(const QString &location, const QString &table, const QString &operation)
+namespace {
+QString refusalName(const QString &table, const QString &operation) { return QStringLiteral("refuse_%1_%2").arg(table, operation).toLower(); }
+
+// Native statements on a test database: the server's through libpq, a file's through SQLite.
+void runNative(const QString &location, const QString &sql)
 {
     ConnectionPool::shared().closeIdle(location);
-    const QString name = QStringLiteral("refuse_%1_%2").arg(table, operation).toLower();
     if (location.startsWith(QLatin1String("postgresql://"))) {
         QString error;
-        if (!admin(QStringLiteral("CREATE FUNCTION %1() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION 'refused'; END $$").arg(name),
-                   &error, false, location)
-            || !admin(QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3 FOR EACH ROW EXECUTE FUNCTION %1()").arg(name, operation, table.toLower()),
-                      &error, false, location))
-            qFatal("cannot make the refusing trigger: %s", qPrintable(error));
+        if (!admin(sql, &error, false, location))
+            qFatal("%s: %s", qPrintable(sql), qPrintable(error));
         return;
     }
     sqlite3 *db = nullptr;
     sqlite3_open(location.toUtf8().constData(), &db);
-    const QByteArray sql = QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3 BEGIN SELECT RAISE(ABORT, 'refused'); END").arg(name, operation, table).toUtf8();
     char *error = nullptr;
-    if (sqlite3_exec(db, sql.constData(), nullptr, nullptr, &error) != SQLITE_OK)
-        qFatal("cannot make the refusing trigger: %s", error);
+    if (sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, &error) != SQLITE_OK)
+        qFatal("%s: %s", qPrintable(sql), error);
     sqlite3_close(db);
+}
+} // namespace
+
+void TestEngine::unrefuse(const QString &location, const QString &table, const QString &operation)
+{
+    const QString name = refusalName(table, operation);
+    runNative(location, location.startsWith(QLatin1String("postgresql://")) ? QStringLiteral("DROP TRIGGER %1 ON %2").arg(name, table.toLower())
+                                                                             : QStringLiteral("DROP TRIGGER %1").arg(name));
+}
+
+void TestEngine::refuse(const QString &location, const QString &table, const QString &operation, const QString &when)
+{
+    const QString name = refusalName(table, operation);
+    const QString condition = when.isEmpty() ? QString() : QStringLiteral("WHEN (%1)").arg(when);
+    if (location.startsWith(QLatin1String("postgresql://"))) {
+        runNative(location, QStringLiteral("CREATE OR REPLACE FUNCTION %1() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION 'refused'; END $$").arg(name));
+        runNative(location, QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3 FOR EACH ROW %4 EXECUTE FUNCTION %1()").arg(name, operation, table.toLower(), condition));
+        return;
+    }
+    runNative(location, QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3 %4 BEGIN SELECT RAISE(ABORT, 'refused'); END").arg(name, operation, table, condition));
 }

@@ -17,8 +17,11 @@ QString makeServerLibrary();
 /// A new empty database on the server (no schema); its address.
 QString makeEmptyServerDatabase();
 /// Makes the database refuse every `operation` (INSERT, UPDATE or DELETE) on `table` with an
-/// error, natively (a trigger): tests of what a failing statement halfway through an action leaves.
-void refuse(const QString &location, const QString &table, const QString &operation);
+/// error, natively (a trigger), or only the rows meeting `when` (NEW.column = value, lower-case
+/// names): tests of what a failing statement halfway through an action leaves.
+void refuse(const QString &location, const QString &table, const QString &operation, const QString &when = QString());
+/// Takes such a refusal away again.
+void unrefuse(const QString &location, const QString &table, const QString &operation);
 /// Removes a database made above (server databases only; files go with their folder).
 void dropLibrary(const QString &location);
 } // namespace TestEngine
