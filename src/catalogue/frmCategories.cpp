@@ -138,13 +138,18 @@ void frmCategories::cmdCatAdd_Click()
                 UserMessage(QStringLiteral("Blanks are not allowed"));
                 return;
             }
-            const int found = data_.GetData(QStringLiteral("Select Category from tblLibCategories where Phasedout=false and Category = '") + Safesql(name) + QStringLiteral("'"));
+            // The check and the insert are one transaction: two desks cannot both add the name.
+            const bool added = data_.RunTransaction([&] {
+                if (data_.GetData(QStringLiteral("Select Category from tblLibCategories where Phasedout=false and Category = '") + Safesql(name) + QStringLiteral("'")) > 0)
+                    return false;
+                data_.ExecuteNonQuery(sql.spCategoriesInsert(name));
+                return true;
+            });
             data_.CloseCompact();
-            if (found > 0) {
+            if (!added) {
                 UserMessage(QLatin1Char('\'') + name + QStringLiteral("' has already been added to the category list."));
                 return;
             }
-            data_.ExecuteNonQuery(sql.spCategoriesInsert(name));
             UserMessage(QStringLiteral("Category added successfully"));
         } else {
             const QString name = ui->txtSubCategory->text().trimmed();
@@ -156,14 +161,19 @@ void frmCategories::cmdCatAdd_Click()
                 UserMessage(QStringLiteral("Blanks are not allowed."));
                 return;
             }
-            const int found = data_.GetData(QStringLiteral("Select SubCategory from tblLibSubCategories where Phasedout= False and subCategory = '") + Safesql(name)
-                                            + QStringLiteral("' and categoryID = ") + QString::number(categoryID_));
+            const bool added = data_.RunTransaction([&] {
+                if (data_.GetData(QStringLiteral("Select SubCategory from tblLibSubCategories where Phasedout= False and subCategory = '") + Safesql(name)
+                                  + QStringLiteral("' and categoryID = ") + QString::number(categoryID_))
+                    > 0)
+                    return false;
+                data_.ExecuteNonQuery(sql.spSubCategoriesInsert(categoryID_, name));
+                return true;
+            });
             data_.CloseCompact();
-            if (found > 0) {
+            if (!added) {
                 UserMessage(QLatin1Char('\'') + name + QStringLiteral("' has already been added to the Sub Category list of the selected Category."));
                 return;
             }
-            data_.ExecuteNonQuery(sql.spSubCategoriesInsert(categoryID_, name));
             UserMessage(QStringLiteral("Sub-Category added successfully."));
         }
         afterChange();
@@ -219,8 +229,11 @@ void frmCategories::cmdCatDelete_Click()
             }
             if (!UserQuestion(QStringLiteral("Do you want to delete the selected Category Item and all its sub-categories?")))
                 return;
-            data_.ExecuteNonQuery(clsTSQL().spCategoriesPhaseOut(categoryID_));
-            data_.ExecuteNonQuery(clsTSQL().spSubCategoriesBulkPhaseOut(categoryID_));
+            data_.RunTransaction([&] {
+                data_.ExecuteNonQuery(clsTSQL().spCategoriesPhaseOut(categoryID_));
+                data_.ExecuteNonQuery(clsTSQL().spSubCategoriesBulkPhaseOut(categoryID_));
+                return true;
+            });
         } else {
             if (linked(QStringLiteral(" SELECT ItemID") + joins + QStringLiteral(" WHERE (i.PhasedOut = 0) and (sc.SubCategoryID = ") + QString::number(subCategoryID_) + QStringLiteral(")"))) {
                 UserMessage(QStringLiteral("There are records already linked to this sub-category and cannot be deleted"));

@@ -256,12 +256,14 @@ void frmItemAddModify::phaseOut(const QString &holderType, int holderID)
             ui->cboWeed->setCurrentIndex(-1);
             return;
         }
-        // The loan is closed, and any fine charged, exactly as at the issue desk.
-        const QString accession = Safesql(sheet_->value(2, FirstAccessionRow));
+        // The loan is closed, and any fine charged, exactly as at the issue desk: through the copy's
+        // stored number (the cell may have been edited), as typed (the loan routines double quotes).
+        // A copy whose loan stays open is not removed.
         Money fineAmount;
         qint16 fineInterval = 1;
-        GetFineSettings(accession, holderType, &fineAmount, &fineInterval);
-        ReturnOrRenewLoan(accession, Clock::today(), 0, QStringLiteral("return"), QDate(), fineAmount, fineInterval);
+        GetFineSettings(ownAccession_, holderType, &fineAmount, &fineInterval);
+        if (!ReturnOrRenewLoan(ownAccession_, Clock::today(), 0, QStringLiteral("return"), QDate(), fineAmount, fineInterval))
+            return;
     } else if (!UserWarning(QStringLiteral("This book will be removed from the library stock. Are you sure you want to continue?"))) {
         ui->cboWeed->setCurrentIndex(-1);
         return;
@@ -373,11 +375,15 @@ void frmItemAddModify::SaveLinks(bool subjects)
         }
         const clsTSQL sql;
         const QVector<int> terms = TermIds(subjects ? *ui->gridSearchTerms : *ui->gridKSearchTerms);
-        for (int item : itemID_ != 0 ? QVector<int>{itemID_} : savedItems_) {
-            data_.ExecuteNonQuery(subjects ? sql.spSubjectsDeleteItem(item) : sql.spKeywordsRemoveItem(item));
-            for (int term : terms)
-                data_.ExecuteNonQuery(subjects ? sql.spSubjectsLinkItem(term, item) : sql.spKeywordsAddItem(term, item));
-        }
+        // Replaced whole: the old links go only together with the new ones coming.
+        data_.RunTransaction([&] {
+            for (int item : itemID_ != 0 ? QVector<int>{itemID_} : savedItems_) {
+                data_.ExecuteNonQuery(subjects ? sql.spSubjectsDeleteItem(item) : sql.spKeywordsRemoveItem(item));
+                for (int term : terms)
+                    data_.ExecuteNonQuery(subjects ? sql.spSubjectsLinkItem(term, item) : sql.spKeywordsAddItem(term, item));
+            }
+            return true;
+        });
         UserMessage(QStringLiteral("Saved Successfully"));
     }, [&] { data_.CloseCompact(); });
 }

@@ -7,7 +7,6 @@
 #include "Recordset.h"
 #include "SqlText.h"
 #include "UpdateDatabase.h"
-#include "clsTSQL.h"
 
 #include <QStringList>
 
@@ -192,20 +191,16 @@ void Stocktake::finish()
 
 int Stocktake::markMissingLost()
 {
-    const std::vector<Copy> missing = result().missing;
+    // One statement decides, inside the transaction, which copies are still missing: a copy lent,
+    // scanned or removed by another desk since the result was shown is left as it is.
+    const QString lost = QStringLiteral(" Update tblLibItems Set PhasedOut = true ,PhasedOutDate = ") + jetDate(startDate_)
+                         + QStringLiteral(" ,PhasedOutReason = 'Lost' Where PhasedOut = false and ") + scope(QStringLiteral("tblLibItems"))
+                         + QStringLiteral(" and ItemID not in (select ItemID from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
+                         + QStringLiteral(" and ItemID is not null) and ItemID not in (select ItemID from tblLibTransactions where Returned = false)");
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
-    const clsTSQL sql;
     int marked = 0;
     db->RunTransaction([&] {
-        marked = 0;
-        for (const Copy &c : missing) {
-            const auto item = db->Execute(QStringLiteral("select ItemID from tblLibItems where AccessionID = '") + Safesql(c.accession)
-                                          + QStringLiteral("' and PhasedOut = false"));
-            for (; !item->atEnd(); item->MoveNext()) {
-                db->Execute(sql.spItemsPhasedOut(item->field(0).toInt(), startDate_, QStringLiteral("Lost")));
-                ++marked;
-            }
-        }
+        db->Execute(lost, &marked);
         return true;
     });
     recount();

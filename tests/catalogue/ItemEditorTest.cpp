@@ -7,6 +7,7 @@
 #include "ScreenDriver.h"
 #include "ScreenRegistry.h"
 #include "TestDatabases.h"
+#include "TestEngine.h"
 #include "UpdateDatabase.h"
 #include "frmItemAddModify.h"
 #include "frmItemList.h"
@@ -308,6 +309,11 @@ TEST_F(ItemEditor, TermsLinkToEveryCopyJustSaved)
     click(screen, "cmdRemove");
     click(screen, "cmdSaveterms");
     EXPECT_EQ(libraryRows("select itemid, subjectid from tblLibItemSubjects order by itemid"), (QStringList{"1|3", "2|3"}));
+    // Replacing is whole: when a new link cannot be written the old ones stay.
+    choose(screen, "cboSearch", "Poetry");
+    TestEngine::refuse(libraryPath_, "tblLibItemSubjects", "INSERT");
+    click(screen, "cmdSaveterms");
+    EXPECT_EQ(libraryRows("select itemid, subjectid from tblLibItemSubjects order by itemid"), (QStringList{"1|3", "2|3"}));
 }
 
 TEST_F(ItemEditor, ACopyTakesTheDetailsAndItsTermsGoToTheCopiedItem)
@@ -396,6 +402,38 @@ TEST_F(ItemEditor, ALentItemCannotBeEditedAndIsReturnedBeforeItIsPhasedOut)
     EXPECT_EQ(libraryRows("select Returned, ReturnDate from tblLibTransactions"), QStringList{"True|2026-11-23"});
     EXPECT_EQ(libraryRows("select MemberID, MemberType, FineAmount from tblLibTransactionFines"), QStringList{"12|L|4"});
     EXPECT_EQ(libraryCount("select * from tblLibItemKeywords"), 1); // links stay
+}
+
+// A lent copy with a quote in its number, its number cell edited before removing: the loan is
+// closed through the stored number; when the loan cannot be closed the copy stays in stock.
+TEST_F(ItemEditor, ALentCopyIsRemovedOnlyOnceItsLoanIsClosed)
+{
+    central("Insert into Classes(ClassID, ClassName, Grade) values (1, '8A', 8)");
+    central("Insert into Learner_Info(ID, AccessionNo, SName, FName, Grade, Class, Status) values (12, 'L100', 'Botha', 'Anna', 8, 1, 'C')");
+    library("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID, Author1, ItemLanguageID, ShelfNumber) values ('O''B1', 'Lent', 1, 1, 1, 1, 'F')");
+    lend("O''B1", 1, "L", 12, "2026-11-30");
+    ItemEditMode = 2;
+    CurrentItemID = 1;
+    frmItemAddModify screen(screens_);
+    sheet(screen).setCellText(2, 13, "X9");
+    QComboBox *weed = child<QComboBox>(screen, "cboWeed");
+
+    TestEngine::refuse(libraryPath_, "tblLibTransactions", "UPDATE");
+    weed->setCurrentIndex(weed->findText("Lost"));
+    messages_->queueAnswer(MessageScript::Yes);
+    click(screen, "cmdSave");
+    EXPECT_NE(messages_->prompts().last(), "Saved Successfully");
+    EXPECT_EQ(libraryRows("select AccessionID, PhasedOut from tblLibItems"), QStringList{"O'B1|False"});
+    EXPECT_EQ(libraryRows("select Returned from tblLibTransactions"), QStringList{"False"});
+
+    TestEngine::unrefuse(libraryPath_, "tblLibTransactions", "UPDATE");
+    weed->setCurrentIndex(weed->findText("Lost"));
+    messages_->clear();
+    messages_->queueAnswer(MessageScript::Yes);
+    click(screen, "cmdSave");
+    EXPECT_EQ(messages_->prompts().last(), "Saved Successfully");
+    EXPECT_EQ(libraryRows("select AccessionID, PhasedOut, PhasedOutReason from tblLibItems"), QStringList{"O'B1|True|Lost"});
+    EXPECT_EQ(libraryRows("select Returned from tblLibTransactions"), QStringList{"True"});
 }
 
 TEST_F(ItemEditor, AnItemOnTheShelfIsPhasedOutAfterAWarning)

@@ -64,13 +64,16 @@ TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
     // One open at a time.
     EXPECT_THROW(Stocktake::start("Another", QDate(2026, 11, 24), {}, {}), AppError);
 
-    // The missing copies are phased out as lost, with the stocktake's date.
-    EXPECT_EQ(resumed->markMissingLost(), 3);
+    // The missing copies are phased out as lost, with the stocktake's date; since the result was shown
+    // another desk lent S4 and removed S7 as damaged: neither is marked.
+    library("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('S4', 'L', 2, 4, #2026-11-24#, #2026-12-08#)");
+    library("Update tblLibItems set PhasedOut = true, PhasedOutReason = 'Damaged', PhasedOutDate = #2026-11-23# where AccessionID = 'S7'");
+    EXPECT_EQ(resumed->markMissingLost(), 1);
     EXPECT_EQ(libraryRows("select AccessionID, PhasedOutReason, PhasedOutDate from tblLibItems where PhasedOut = true order by AccessionID"),
-              (QStringList{"S2|Lost|2026-11-24", "S4|Lost|2026-11-24", "S5||", "S7|Lost|2026-11-24"}));
+              (QStringList{"S2|Lost|2026-11-24", "S5||", "S7|Damaged|2026-11-23"}));
     resumed->finish();
     EXPECT_FALSE(Stocktake::open());
     Stocktake whole = Stocktake::start("Whole catalogue", QDate(2026, 11, 25), {}, {});
-    EXPECT_EQ(whole.expectedCount(), 4); // S1, S3, S6, S8 are left
+    EXPECT_EQ(whole.expectedCount(), 5); // S1, S3, S4, S6, S8 are left
     EXPECT_EQ(whole.scan("S8"), Stocktake::Scan::OnShelf);
 }
