@@ -21,25 +21,27 @@ struct Member {
     QString className;
     int grade = 0;
     int classID = 0;
+    bool current = true;
 };
 
-// The current members of a kind, by their number in the library's loans.
+// The members of a kind, current or left, by their number in the library's loans.
 QHash<int, Member> members(const QString &kind)
 {
     QString sql;
     if (kind == QLatin1String("L"))
         sql = QStringLiteral("Select Learner_Info.[ID] as MemberID, Learner_Info.SName, Learner_Info.FName, Learner_Info.Grade, "
-                             "Learner_Info.Class, Classes.ClassName from Learner_Info left join Classes on Learner_Info.Class = Classes.ClassID");
+                             "Learner_Info.Class, Classes.ClassName, Learner_Info.Status from Learner_Info left join Classes on Learner_Info.Class = Classes.ClassID");
     else if (kind == QLatin1String("E"))
-        sql = QStringLiteral("Select EdID as MemberID, SName, FName from Educators");
+        sql = QStringLiteral("Select EdID as MemberID, SName, FName, Status from Educators");
     else
-        sql = QStringLiteral("Select staffID as MemberID, SName, FName from StaffMembers");
+        sql = QStringLiteral("Select staffID as MemberID, SName, FName, Status from StaffMembers");
     QHash<int, Member> found;
     const auto rs = SchoolQuery(sql);
     const bool learners = kind == QLatin1String("L");
     for (; !rs->atEnd(); rs->MoveNext()) {
         Member m;
         m.name = rs->field(QStringLiteral("SName")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("FName")).toString();
+        m.current = rs->field(QStringLiteral("Status")).toString() == QLatin1String("C");
         if (learners) {
             m.className = rs->field(QStringLiteral("ClassName")).toString();
             m.grade = rs->field(QStringLiteral("Grade")).isNull() ? 0 : rs->field(QStringLiteral("Grade")).toInt();
@@ -77,6 +79,7 @@ std::vector<OverdueRow> OverdueList::load(const OverdueQuery &query)
         row.memberID = rs->field(0).toInt();
         row.memberName = who->name;
         row.className = who->className;
+        row.leftSchool = !who->current;
         row.accession = rs->field(1).toString();
         row.title = rs->field(2).toString();
         row.dueDate = rs->field(3).toDate();

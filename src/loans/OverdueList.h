@@ -26,11 +26,12 @@ struct OverdueRow {
     QDate dueDate;
     int daysOverdue = 0;
     Money fine; // so far, by the loan rules: a fine for every started interval
+    bool leftSchool = false; // no longer a current member (still holds the book): on no class list
 };
 
 /// The copies out on loan past their due date at a day, for one member kind (and grade or class),
 /// ordered by class in natural order (1A, 1B, 2A ... 10A), member and due date. The loans come from
-/// the library database in one statement, the members from the school's in one more; the fine of
+/// the library database in one statement, the members (current or left) from the school's in one more; the fine of
 /// each is the loan engine's overdue fine on the settings row of its loan type and member category.
 class OverdueList {
 public:

@@ -1,8 +1,10 @@
 #include "NoticeDocument.h"
 
 #include <QFontMetricsF>
+#include <QImage>
 #include <QPaintDevice>
 #include <QPainter>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -25,12 +27,31 @@ std::vector<NoticeDocument::Group> groupsBy(const std::vector<OverdueRow> &rows,
 
 QString longDate(const QDate &d) { return d.toString(QStringLiteral("d MMMM yyyy")); }
 
+constexpr int LetterHeaderLines = 7; // school (two), date, blank, learner line, blank
+const PageFonts &letterFonts()
+{
+    static const PageFonts fonts(10, 15);
+    return fonts;
+}
+
+// A device of the page's resolution, so text is measured as it will be drawn.
+QImage measuringDevice(double dpi)
+{
+    QImage device(1, 1, QImage::Format_ARGB32);
+    device.setDotsPerMeterX(int(dpi / 0.0254 + 0.5));
+    device.setDotsPerMeterY(int(dpi / 0.0254 + 0.5));
+    return device;
+}
+
 } // namespace
 
 NoticeDocument::NoticeDocument(Kind kind, std::vector<OverdueRow> rows, const QString &schoolName, const QDate &asAt,
                                const QString &letterWording)
     : kind_(kind), rows_(std::move(rows)), school_(schoolName), asAt_(asAt), wording_(letterWording)
 {
+    // A class list is for the class teacher: only the class's current learners.
+    if (kind_ == ClassLists)
+        rows_.erase(std::remove_if(rows_.begin(), rows_.end(), [](const OverdueRow &r) { return r.leftSchool; }), rows_.end());
     classes_ = groupsBy(rows_, true);
     learners_ = groupsBy(rows_, false);
 }
@@ -44,8 +65,13 @@ std::vector<NoticeDocument::Page> NoticeDocument::layout(const QRectF &page, dou
 {
     std::vector<Page> pages;
     if (kind_ == Letters) {
-        for (size_t g = 0; g < learners_.size(); ++g)
-            pages.push_back({g, learners_[g].first, learners_[g].last, true});
+        // A letter longer than a page goes on over the next, under the learner's name again.
+        const int perPage = std::max(1, int(page.height() / PrintLineHeight(dpi)) - LetterHeaderLines);
+        for (size_t g = 0; g < learners_.size(); ++g) {
+            const int lines = int(letterLines(learners_[g], page.width(), dpi).size());
+            for (int first = 0; first < std::max(lines, 1); first += perPage)
+                pages.push_back({g, learners_[g].first, learners_[g].last, true, first, std::min(lines, first + perPage)});
+        }
         return pages;
     }
     const int lines = std::max(1, int(page.height() / PrintLineHeight(dpi)) - HeaderLines - FooterLines);
@@ -131,12 +157,31 @@ QString NoticeDocument::letterText(const Group &learner) const
     return NoticeTemplate::fill(wording_, first.memberName, first.className, school_, items.join(QLatin1Char('\n')), asAt_);
 }
 
+QStringList NoticeDocument::letterLines(const Group &learner, double width, double dpi) const
+{
+    QImage device = measuringDevice(dpi);
+    QStringList lines;
+    for (const QString &paragraph : letterText(learner).split(QLatin1Char('\n'))) {
+        if (paragraph.isEmpty()) {
+            lines << QString();
+            continue;
+        }
+        QTextLayout layout(paragraph, letterFonts().plain, &device);
+        layout.beginLayout();
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(width);
+            lines << paragraph.mid(line.textStart(), line.textLength()).trimmed();
+        }
+        layout.endLayout();
+    }
+    return lines;
+}
+
 void NoticeDocument::paintLetter(QPainter &painter, const QRectF &page, const Page &p) const
 {
     const double dpi = painter.device()->logicalDpiY();
     const double line = PrintLineHeight(dpi);
-    const PageFonts fonts(10, 15);
-    const QFont &font = fonts.plain, &big = fonts.big;
+    const QFont &font = letterFonts().plain, &big = letterFonts().big;
     painter.setFont(big);
     painter.drawText(QRectF(page.left(), page.top(), page.width(), line * 2), Qt::AlignHCenter | Qt::AlignVCenter, school_);
     double y = page.top() + line * 3;
@@ -144,9 +189,12 @@ void NoticeDocument::paintLetter(QPainter &painter, const QRectF &page, const Pa
     painter.drawText(QRectF(page.left(), y, page.width(), line), Qt::AlignRight | Qt::AlignVCenter, longDate(asAt_));
     y += line * 2;
     const OverdueRow &first = rows_[p.first];
-    painter.drawText(QRectF(page.left(), y, page.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
-                     QStringLiteral("Learner: %1    Class: %2").arg(first.memberName, first.className));
+    QString heading = QStringLiteral("Learner: %1    Class: %2").arg(first.memberName, first.className);
+    if (p.firstLine > 0)
+        heading += QStringLiteral("    (continued)");
+    painter.drawText(QRectF(page.left(), y, page.width(), line), Qt::AlignLeft | Qt::AlignVCenter, heading);
     y += line * 2;
-    painter.drawText(QRectF(page.left(), y, page.width(), page.bottom() - y), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap,
-                     letterText(learners_[p.group]));
+    const QStringList lines = letterLines(learners_[p.group], page.width(), dpi);
+    for (int i = p.firstLine; i < p.lastLine && i < lines.size(); ++i, y += line)
+        painter.drawText(QRectF(page.left(), y, page.width(), line), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, lines[i]);
 }

@@ -35,10 +35,14 @@ private:
         size_t first = 0;     // rows on this page: [first, last)
         size_t last = 0;
         bool closing = false; // the class's last page: the signature line goes here
+        int firstLine = 0;    // letters: the letter's wrapped lines on this page, [firstLine, lastLine)
+        int lastLine = 0;
     };
     std::vector<Page> layout(const QRectF &page, double dpi) const;
     void paintClassPage(QPainter &painter, const QRectF &page, const Page &p) const;
     void paintLetter(QPainter &painter, const QRectF &page, const Page &p) const;
+    /// A letter's text broken into the lines it is printed in, at the page's width and resolution.
+    QStringList letterLines(const Group &learner, double width, double dpi) const;
 
     Kind kind_;
     std::vector<OverdueRow> rows_;

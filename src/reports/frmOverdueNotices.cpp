@@ -16,8 +16,11 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace {
 const QString Location = QStringLiteral("frmOverdueNotices");
+const QString LeftTheSchool = QStringLiteral("Left the school");
 } // namespace
 
 frmOverdueNotices::frmOverdueNotices(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmOverdueNotices>())
@@ -127,7 +130,7 @@ void frmOverdueNotices::showRows()
     for (size_t i = 0; i < rows_.size(); ++i) {
         const OverdueRow &r = rows_[i];
         const int row = int(i) + 1;
-        const QString cells[] = {r.memberName, r.className, r.accession, r.title, r.dueDate.toString(Qt::ISODate), QString::number(r.daysOverdue),
+        const QString cells[] = {r.memberName, r.leftSchool ? LeftTheSchool : r.className, r.accession, r.title, r.dueDate.toString(Qt::ISODate), QString::number(r.daysOverdue),
                                  r.fine.toDisplayText()};
         for (int c = 0; c < 7; ++c)
             grid.setCellText(c + 1, row, cells[c]);
@@ -149,6 +152,10 @@ void frmOverdueNotices::cmdClassLists_Click()
     cmdShow_Click();
     if (rows_.empty())
         return;
+    if (std::all_of(rows_.begin(), rows_.end(), [](const OverdueRow &r) { return r.leftSchool; })) {
+        UserMessage(QStringLiteral("Every overdue book shown is held by a learner who has left the school: no class has a list."));
+        return;
+    }
     const NoticeDocument lists(NoticeDocument::ClassLists, rows_, SchoolName, ui->dtAsAt->date());
     frmReportViewer viewer(lists, this);
     viewer.exec();

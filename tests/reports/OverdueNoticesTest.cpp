@@ -217,3 +217,39 @@ TEST_F(OverdueNotices, TheOverdueRowsGoToAWorkbook)
     EXPECT_TRUE(rows[1].startsWith("Botha, Anna|8A|F1|Book 1|2026-11-01|#19|"));
     EXPECT_TRUE(rows[3].startsWith("Dube, Sipho|8B|F3|Book 3"));
 }
+
+// A learner who has left the school and still holds a book is in the preview and the workbook
+// marked so, and on no class list; a letter longer than a page goes on over the next one under
+// the learner's name.
+TEST_F(OverdueNotices, LeaversAreMarkedAndLongLettersGoOn)
+{
+    central("Update Learner_Info set Status = 'A' where ID = 4");
+    library("Insert into tblLibItems(ItemID, AccessionID, Title, LoanType) values (7, 'F7', 'Book 7', 'N')");
+    loan(7, "L", 4, "2026-10-01", "2026-10-15");
+    frmOverdueNotices screen;
+    click(screen, "cmdShow");
+    ASSERT_EQ(grid(screen).size(), 4);
+    EXPECT_TRUE(grid(screen).contains("Owen, Lee|Left the school|F7|Book 7|2026-10-15|36|" + expectedFine("2026-10-15", "2026-11-20", 0.5, 7)));
+    messages_->queueFileName(path("overdue"));
+    click(screen, "cmdExport");
+    EXPECT_TRUE(workbookRows(path("overdue.xlsx")).filter("Owen, Lee|Left the school|F7").size() == 1);
+
+    viewPdf(screen, "cmdClassLists", path("lists.pdf"));
+    const QString lists = pdfText(path("lists.pdf"));
+    EXPECT_TRUE(lists.contains("Botha, Anna"));
+    EXPECT_FALSE(lists.contains("Owen")) << lists.toStdString();
+    EXPECT_FALSE(lists.contains("Class 9A"));
+
+    QString wording = "Dear Parent or Guardian of {learner} ({class}),\n{items}\n";
+    for (int i = 1; i <= 90; ++i)
+        wording += QString("Paragraph %1 of a long letter.\n").arg(i);
+    child<QPlainTextEdit>(screen, "txtTemplate")->setPlainText(wording + "THE END");
+    const int pages = viewPdf(screen, "cmdLetters", path("long.pdf"));
+    const QStringList text = pdfText(path("long.pdf")).split('\f', Qt::SkipEmptyParts);
+    ASSERT_EQ(text.size(), pages);
+    ASSERT_GE(pages, 6); // three learners, two pages or more each
+    EXPECT_TRUE(text[0].contains("Botha, Anna") && text[0].contains("Paragraph 1 of"));
+    EXPECT_TRUE(text[1].contains("Learner: Botha, Anna") && text[1].contains("(continued)"));
+    EXPECT_EQ(pdfText(path("long.pdf")).count("THE END"), 3);
+    EXPECT_EQ(pdfText(path("long.pdf")).count("Paragraph 90 of"), 3);
+}
