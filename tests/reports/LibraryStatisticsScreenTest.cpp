@@ -109,17 +109,20 @@ TEST_F(StatisticsScreen, ThePagePrintsWithItsChartsAndFigures)
 {
     frmLibraryStatistics screen;
     quarter(screen);
-    int pages = -1;
-    QObject scope;
-    QTimer::singleShot(0, &scope, [&] {
-        if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
-            pages = viewer->pageCount();
-            EXPECT_TRUE(viewer->saveAsPdf(path("statistics.pdf")));
-            viewer->close();
-        }
-    });
-    click(screen, "cmdPrint");
-    EXPECT_EQ(pages, 4);
+    auto print = [&](const QString &pdf) {
+        int pages = -1;
+        QObject scope;
+        QTimer::singleShot(0, &scope, [&] {
+            if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
+                pages = viewer->pageCount();
+                EXPECT_TRUE(viewer->saveAsPdf(pdf));
+                viewer->close();
+            }
+        });
+        click(screen, "cmdPrint");
+        return pages;
+    };
+    EXPECT_EQ(print(path("statistics.pdf")), 4);
     const QString text = pdfText(path("statistics.pdf"));
     for (const char *expected : {"Hillview High - Library Statistics", "2026-01-01 to 2026-03-31", "Figures per month", "Most borrowed titles",
                                  "Book 1", "Most active classes", "Copies not borrowed in the period (2)", "Page 4 of 4"})
@@ -129,4 +132,16 @@ TEST_F(StatisticsScreen, ThePagePrintsWithItsChartsAndFigures)
     images.start("pdfimages", {"-list", path("statistics.pdf")});
     ASSERT_TRUE(images.waitForFinished(30000));
     EXPECT_EQ(QString::fromUtf8(images.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts).size(), 2 + 5); // two heading lines
+
+    // Ten years, the longest period the screen takes: the figures of every month are printed,
+    // going on over further pages.
+    child<QDateEdit>(screen, "dtFrom")->setDate(QDate(2016, 4, 1));
+    click(screen, "cmdShow");
+    const int pages = print(path("decade.pdf"));
+    EXPECT_GT(pages, 4);
+    const QString decade = pdfText(path("decade.pdf"));
+    EXPECT_TRUE(decade.contains("Figures per month (continued)"));
+    for (const char *month : {"2016-04", "2021-07", "2026-03"})
+        EXPECT_TRUE(decade.contains(month)) << month;
+    EXPECT_TRUE(decade.contains(QString("Page %1 of %1").arg(pages)));
 }
