@@ -27,6 +27,7 @@ ConnectionPool &ConnectionPool::shared()
 std::shared_ptr<PhysicalConnection> ConnectionPool::acquire(const QString &location, bool readOnly)
 {
     const QString key = poolKey(location);
+    readOnly = readOnly || readOnly_.count(key) > 0;
     std::unique_ptr<PhysicalConnection> connection;
     auto it = idle_.find({key, readOnly});
     while (it != idle_.end() && !it->second.empty() && !connection) {
@@ -68,6 +69,15 @@ void ConnectionPool::closeIdle(const QString &location)
 }
 
 void ConnectionPool::clear() { idle_.clear(); }
+
+void ConnectionPool::keepReadOnly(const QString &location, bool readOnly)
+{
+    closeIdle(location);
+    if (readOnly)
+        readOnly_.insert(poolKey(location));
+    else
+        readOnly_.erase(poolKey(location));
+}
 
 size_t ConnectionPool::idleCount() const
 {

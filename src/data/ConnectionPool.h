@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <map>
+#include <set>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -22,6 +23,8 @@ public:
     std::shared_ptr<PhysicalConnection> acquire(const QString &location, bool readOnly);
     /// Closes the idle connections to location (before the file is replaced or removed).
     void closeIdle(const QString &location);
+    /// From now on every connection to location is read-only (a library made by a newer release), or no longer.
+    void keepReadOnly(const QString &location, bool readOnly = true);
     /// Closes every idle connection.
     void clear();
     size_t idleCount() const;
@@ -31,6 +34,7 @@ private:
     void giveBack(const QString &location, bool readOnly, PhysicalConnection *connection);
 
     std::map<std::pair<QString, bool>, std::vector<std::unique_ptr<PhysicalConnection>>> idle_;
+    std::set<QString> readOnly_;
 };
 
 /// Opens a new engine connection for a database location: a file path is an

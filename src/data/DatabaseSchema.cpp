@@ -9,9 +9,12 @@
 
 namespace {
 
-QStringList libraryTables(bool olderRelease)
+// The library's tables as they stood at a structure version (0: the oldest release known; each
+// later version is the structure after that upgrade step).
+QStringList libraryTables(int version)
 {
-    const QString classification = olderRelease ? QStringLiteral("DOUBLE") : QStringLiteral("TEXT(50)");
+    using V = DatabaseSchema::Version;
+    const QString classification = version < V::TextClassification ? QStringLiteral("DOUBLE") : QStringLiteral("TEXT(50)");
     QStringList s;
     s << QStringLiteral(
         "CREATE TABLE tblLibItems (ItemID COUNTER PRIMARY KEY, AccessionID TEXT(50), CategoryID INT, SubCategoryID INT, "
@@ -20,26 +23,26 @@ QStringList libraryTables(bool olderRelease)
         "Cost DOUBLE DEFAULT 0, ReferenceItem BIT DEFAULT false, DatePurchased DATETIME, DateAdded DATETIME, "
         "Restricted BIT DEFAULT false, LoanType TEXT(1) DEFAULT 'N', ShelfNumber TEXT(50), %3"
         "PhasedOut BIT DEFAULT false, PhasedOutDate DATETIME, PhasedOutReason TEXT(50))")
-             .arg(classification, olderRelease ? QString() : QStringLiteral("Author3 INT, "),
-                  olderRelease ? QString() : QStringLiteral("Edition INT, "));
+             .arg(classification, version < V::Author3 ? QString() : QStringLiteral("Author3 INT, "),
+                  version < V::Edition ? QString() : QStringLiteral("Edition INT, "));
     s << QStringLiteral("CREATE TABLE tblLibCategories (CategoryID COUNTER PRIMARY KEY, Category TEXT(100), "
                         "PhasedOut BIT DEFAULT false, PhasedOutDate DATETIME)");
     s << QStringLiteral("CREATE TABLE tblLibSubCategories (SubCategoryID COUNTER PRIMARY KEY, CategoryID INT, SubCategory TEXT(100), "
                         "PhasedOut BIT DEFAULT false, PhasedOutDate DATETIME)");
     s << QStringLiteral("CREATE TABLE tblLibSubjectCodes (Id COUNTER PRIMARY KEY, SubjectDescription TEXT(255), ClassificationNo %1, "
                         "strSubject TEXT(255)%2)")
-             .arg(classification, olderRelease ? QString() : QStringLiteral(", PhasedOut BIT"));
+             .arg(classification, version < V::SubjectCodesPhasedOut ? QString() : QStringLiteral(", PhasedOut BIT"));
     s << QStringLiteral("CREATE TABLE tblLibItemSubjects (subjectid INT, itemid INT)");
-    if (!olderRelease) {
+    if (version >= V::Keywords)
         s << QStringLiteral("CREATE TABLE tblLibKeywords (KeyID INT IDENTITY UNIQUE,KeywordEng Text(50),KeywordAfr Text(50), PRIMARY KEY (KeyID))");
+    if (version >= V::ItemKeywords)
         s << QStringLiteral("CREATE TABLE tblLibItemKeywords (KeyID INT,ItemID INT, PRIMARY KEY (KeyID,ItemID))");
-    }
     s << QStringLiteral("CREATE TABLE tblLibAuthors (AuthorID COUNTER PRIMARY KEY, AuthorSurname TEXT(100), AuthorFirstName TEXT(100), "
                         "AuthorCode TEXT(20), PhasedOut BIT DEFAULT false)");
     s << QStringLiteral("CREATE TABLE tblLibPublishers (PublisherID COUNTER PRIMARY KEY, Publisher TEXT(100), PhasedOut BIT DEFAULT false)");
     s << QStringLiteral("CREATE TABLE tblLibSeries (SeriesID COUNTER PRIMARY KEY, Series TEXT(100), PhasedOut BIT DEFAULT false)");
     s << QStringLiteral("CREATE TABLE tblLibItemLanguages (ItemLanguageID COUNTER PRIMARY KEY, ItemLanguage TEXT(50)%1)")
-             .arg(olderRelease ? QString() : QStringLiteral(", PhasedOut BIT"));
+             .arg(version < V::LanguagesPhasedOut ? QString() : QStringLiteral(", PhasedOut BIT"));
     s << QStringLiteral("CREATE TABLE tblLibMasterCatalogue (CategoryID INT, SubCategoryID INT, Title TEXT(255), Author TEXT(255), "
                         "ContactDetails TEXT(255), Publisher TEXT(255), YearPublished SMALLINT, ItemLanguageID INT, ISBN TEXT(50), "
                         "Barcode TEXT(50), RetailPrice CURRENCY, Grade TEXT(50), MainSubject TEXT(255))");
@@ -52,8 +55,10 @@ QStringList libraryTables(bool olderRelease)
                         "FineCancelled BIT DEFAULT false)");
     s << QStringLiteral("CREATE TABLE tblLibReserves (ReserveID COUNTER PRIMARY KEY, MemberType TEXT(1), MemberID INT, ItemID INT, "
                         "ReserveDate DATETIME, Canceled BIT DEFAULT false)");
-    if (!olderRelease)
-        s << DatabaseSchema::noticeTemplateTable() << DatabaseSchema::stocktakeTables();
+    if (version >= V::Notices)
+        s << DatabaseSchema::noticeTemplateTable();
+    if (version >= V::Stocktake)
+        s << DatabaseSchema::stocktakeTables();
     s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
                         "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
                         "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
@@ -74,8 +79,10 @@ QStringList libraryTables(bool olderRelease)
     s << QStringLiteral("CREATE INDEX ixFinesMember ON tblLibTransactionFines (MemberID, MemberType)");
     s << QStringLiteral("CREATE INDEX ixReservesItem ON tblLibReserves (ItemID, ReserveDate)");
     s << QStringLiteral("CREATE INDEX ixReservesMember ON tblLibReserves (MemberID, MemberType)");
-    if (!olderRelease)
-        s << DatabaseSchema::keywordIndexes() << DatabaseSchema::periodIndexes();
+    if (version >= V::ItemKeywords)
+        s << DatabaseSchema::keywordIndexes();
+    if (version >= V::Notices)
+        s << DatabaseSchema::periodIndexes();
     return s;
 }
 
@@ -111,9 +118,16 @@ QString DatabaseSchema::noticeTemplateTable()
     return QStringLiteral("CREATE TABLE tblLibNoticeTemplate (TemplateID COUNTER PRIMARY KEY, Body MEMO)");
 }
 
-QStringList DatabaseSchema::libraryStatements() { return libraryTables(false); }
+QStringList DatabaseSchema::libraryStatements()
+{
+    return libraryTables(Current) + versionTable() << QStringLiteral("Insert into tblLibVersion (Version) Values (%1)").arg(int(Current));
+}
 
-QStringList DatabaseSchema::olderReleaseLibraryStatements() { return libraryTables(true); }
+QStringList DatabaseSchema::olderReleaseLibraryStatements() { return libraryTables(Oldest); }
+
+QStringList DatabaseSchema::structureStatements(int version) { return libraryTables(version); }
+
+QStringList DatabaseSchema::versionTable() { return {QStringLiteral("CREATE TABLE tblLibVersion (Version INT NOT NULL)")}; }
 
 QStringList DatabaseSchema::centralStatements()
 {

@@ -8,11 +8,32 @@
 /// the dialect layer, so every engine gets the same structure.
 class DatabaseSchema {
 public:
+    /// The structure versions of the library database: each upgrade step raises the version to its
+    /// own number. A library made before versions were kept is version Oldest (and its tables tell
+    /// which steps it still needs).
+    enum Version : int {
+        Oldest = 0,
+        LanguagesPhasedOut,
+        SubjectCodesPhasedOut,
+        Keywords,
+        ItemKeywords,
+        TextClassification,
+        Author3,
+        Edition,
+        Notices,   // the letters' wording and the period indexes of the statistics
+        Stocktake, // the stocktake tables
+        Current = Stocktake
+    };
     /// The library database of the current release, with its indexes.
     static QStringList libraryStatements();
     /// The library database as an older release left it: numeric ClassificationNo,
     /// no keyword tables, no Author3, Edition or PhasedOut on languages and subject codes.
     static QStringList olderReleaseLibraryStatements();
+    /// The library database's tables as a structure version left them, without the version table
+    /// (as the releases before versions were kept made them): tests of every upgrade.
+    static QStringList structureStatements(int version);
+    /// The one-row table holding the structure version.
+    static QStringList versionTable();
     /// The table keeping the wording of the overdue letters to parents (made with the database, or by an upgrade).
     static QString noticeTemplateTable();
     /// The loans by issue date and the fines by their dates (made with the database, or by the upgrade that adds the notice table).

@@ -88,7 +88,8 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
     target->BeginTrans();
     try {
         for (const QString &sql : statements)
-            target->Execute(sql);
+            if (!sql.startsWith(QLatin1String("Insert "), Qt::CaseInsensitive)) // rows come from the source, the structure version too
+                target->Execute(sql);
         for (const QString &table : tablesOf(statements)) {
             std::shared_ptr<Recordset> rows;
             try {

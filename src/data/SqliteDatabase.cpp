@@ -49,6 +49,8 @@ QString jetMessage(const char *engineMessage, double *number)
         *number = AppError::Overflow;
         return QStringLiteral("Overflow");
     }
+    if (msg.startsWith(QLatin1String("attempt to write a readonly database")))
+        return QStringLiteral("Cannot update.  Database or object is read-only.");
     if (msg.startsWith(QLatin1String("UNIQUE constraint failed")))
         return AppError::duplicateValuesText();
     if (msg.contains(QLatin1String("syntax error")) || msg.startsWith(QLatin1String("no such")))

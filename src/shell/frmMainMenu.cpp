@@ -1,11 +1,13 @@
 #include "frmMainMenu.h"
 
 #include "AppError.h"
+#include "ConnectionPool.h"
 #include "DatabaseFile.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "PostgresDatabase.h"
 #include "Recordset.h"
+#include "SchemaUpgrade.h"
 #include "ScreenRegistry.h"
 #include "SchoolDatabase.h"
 #include "SettingsStore.h"
@@ -202,73 +204,21 @@ void frmMainMenu::enableMenu(bool enabled)
         UserMessage(QStringLiteral("Please browse for your Library Database."));
 }
 
-void frmMainMenu::upgrade(const QString &probe, const QStringList &repairs)
-{
-    try {
-        data_.ExecuteNonQuery(probe);
-    } catch (const AppError &) {
-        for (const QString &repair : repairs) {
-            try {
-                data_.ExecuteNonQuery(repair);
-            } catch (const AppError &) {
-                // An upgrade that cannot run is not reported; the next start tries again.
-            }
-        }
-    }
-}
-
 void frmMainMenu::upgradeStructure()
 {
     // The upgrades write: they run on a library database only, never on another file the path may name.
     const bool library = data_.TableExist(QStringLiteral("select ItemID from tblLibItems"));
     data_.ConClose();
+    txtDatabase->setText(LibraryDatabasePath);
     if (!library)
         return;
-    upgrade(QStringLiteral("select PhasedOut from tblLibItemLanguages"), {QStringLiteral("ALTER TABLE tblLibItemLanguages ADD PhasedOut Bit")});
-    upgrade(QStringLiteral("select PhasedOut from tblLibSubjectCodes"), {QStringLiteral("ALTER TABLE tblLibSubjectCodes ADD PhasedOut Bit")});
-    upgrade(QStringLiteral("select KeyID from tblLibKeywords"),
-            {QStringLiteral("CREATE TABLE tblLibKeywords (KeyID INT IDENTITY UNIQUE,KeywordEng Text(50),KeywordAfr Text(50),")
-             + QStringLiteral(" PRIMARY KEY (KeyID))")});
-    upgrade(QStringLiteral("select KeyID from tblLibItemKeywords"),
-            QStringList{QStringLiteral("CREATE TABLE tblLibItemKeywords (KeyID INT,ItemID INT, PRIMARY KEY (KeyID,ItemID))")}
-                + DatabaseSchema::keywordIndexes());
-    txtDatabase->setText(LibraryDatabasePath);
-    upgradeClassificationNumbers();
-    upgrade(QStringLiteral("select Author3 from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Author3 INT")});
-    upgrade(QStringLiteral("select Edition from tblLibItems"), {QStringLiteral("ALTER TABLE tblLibItems ADD Edition INT")});
-    // Both came with the overdue notices and the statistics: a database without the one lacks the other.
-    upgrade(QStringLiteral("select Body from tblLibNoticeTemplate"), QStringList{DatabaseSchema::noticeTemplateTable()} + DatabaseSchema::periodIndexes());
-    upgrade(QStringLiteral("select StocktakeID from tblLibStocktakeScans"), DatabaseSchema::stocktakeTables());
-}
-
-// A text written into a numeric ClassificationNo fails with a type mismatch: then the
-// columns are still numbers and become text. The probe is rolled back and leaves no row.
-void frmMainMenu::upgradeClassificationNumbers()
-{
-    QString failure;
-    {
-        const std::unique_ptr<DbConnection> library = OpenLibraryDatabase();
-        try {
-            library->BeginTrans();
-            try {
-                library->Execute(QStringLiteral("Insert into tblLibSubjectCodes (ClassificationNo) Values ('abcRollback')"));
-            } catch (const AppError &e) {
-                failure = e.description();
-            }
-            library->RollbackTrans();
-        } catch (const AppError &) {
-            // Without a transaction there is nothing to probe.
-        }
-    }
-    if (failure == QLatin1String("Data type mismatch in criteria expression.")) {
-        for (const char *repair : {"ALTER TABLE tblLibItems ALTER ClassificationNo TEXT (50)",
-                                   "ALTER TABLE tblLibSubjectCodes ALTER ClassificationNo TEXT (50)"}) {
-            try {
-                data_.ExecuteNonQuery(QString::fromLatin1(repair));
-            } catch (const AppError &) {
-            }
-        }
-    }
+    ConnectionPool::shared().keepReadOnly(LibraryDatabasePath, false);
+    const SchemaUpgrade::Outcome outcome = SchemaUpgrade::run(LibraryDatabasePath);
+    if (outcome.kind == SchemaUpgrade::Outcome::Newer)
+        ConnectionPool::shared().keepReadOnly(LibraryDatabasePath);
+    const QString message = SchemaUpgrade::message(outcome);
+    if (!message.isEmpty())
+        UserMessage(message);
 }
 
 bool frmMainMenu::isLibraryDatabase()

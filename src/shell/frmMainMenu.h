@@ -67,8 +67,6 @@ private:
     bool isLibraryDatabase();
     void enableMenu(bool enabled);
     void upgradeStructure();
-    void upgrade(const QString &probe, const QStringList &repairs);
-    void upgradeClassificationNumbers();
 
     clsDataObject data_;
     SettingsStore &settings_;

@@ -397,3 +397,31 @@ TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
     ConnectionPool::shared().clear();
     TestEngine::dropLibrary(server);
 }
+
+// A library a newer release made: start-up says so once, the menu works, and nothing is written.
+// A step that cannot be done is told plainly, without the engine's words.
+TEST_F(MainMenuTest, StartUpTellsOfANewerLibraryOrAStepThatFailed)
+{
+    library("Update tblLibVersion set Version = 999");
+    auto menu = start();
+    ASSERT_EQ(messages_->prompts().size(), 1);
+    EXPECT_TRUE(messages_->prompts().first().contains("made by a newer release of Shelvora. It is opened read-only"));
+    EXPECT_TRUE(menuEnabled(*menu));
+    clsDataObject data;
+    EXPECT_THROW(data.ExecuteNonQuery("Insert into tblLibItems (AccessionID, Title) Values ('N1', 'New')"), AppError);
+    menu.reset();
+    ConnectionPool::shared().keepReadOnly(libraryPath_, false);
+    EXPECT_EQ(libraryCount("select * from tblLibItems"), 0);
+
+    library("Update tblLibVersion set Version = 8");
+    library("DROP TABLE tblLibStocktakeScans");
+    library("DROP TABLE tblLibStocktakes");
+    library("CREATE TABLE tblObstacle (x INT)");
+    library("CREATE INDEX ixStocktakeScansItem ON tblObstacle (x)");
+    messages_->clear();
+    auto second = start();
+    ASSERT_EQ(messages_->prompts().size(), 1);
+    EXPECT_EQ(messages_->prompts().first(), "The library database could not be brought up to date: adding stocktake did not work. Everything "
+                                            "else works as before; Shelvora tries again at the next start.");
+    EXPECT_TRUE(menuEnabled(*second));
+}
