@@ -78,6 +78,8 @@ qint64 DbConnection::ExecuteInsert(const QString &sql, const QString &keyColumn)
     return physical().insertReturningKey(sql, keyColumn);
 }
 
+void DbConnection::BulkInsert(const QString &table, const Recordset &rows) { physical().bulkInsert(table, rows); }
+
 void DbConnection::BeginTrans() { physical().beginTransaction(); }
 void DbConnection::CommitTrans() { physical().commitTransaction(); }
 void DbConnection::RollbackTrans() { physical().rollbackTransaction(); }

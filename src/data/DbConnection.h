@@ -45,6 +45,8 @@ public:
     int ExecuteCommand(const QString &sql);
     /// Runs one Jet INSERT of a single row; returns the counter (keyColumn) the engine gave the new row.
     qint64 ExecuteInsert(const QString &sql, const QString &keyColumn);
+    /// Writes every row of rows into table through the engine's bulk path (copying a library).
+    void BulkInsert(const QString &table, const Recordset &rows);
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();

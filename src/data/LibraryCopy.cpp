@@ -4,9 +4,11 @@
 #include "ConnectionPool.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
+#include "PostgresDatabase.h"
 #include "Recordset.h"
-#include "SqlText.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <memory>
@@ -23,24 +25,11 @@ QStringList tablesOf(const QStringList &statements)
     return names;
 }
 
-// A value as a Jet literal, so the target's dialect writes it as its own.
-QString literal(const Field &f, Recordset::FieldType type)
+// A database file with its write-ahead log and shared-memory files.
+void removeFile(const QString &path)
 {
-    if (f.isNull())
-        return QStringLiteral("Null");
-    if (type == Recordset::FieldType::Currency)
-        return f.toMoney().toSqlText();
-    switch (f.value().typeId()) {
-    case QMetaType::Bool: return f.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-    case QMetaType::QDate: return QLatin1Char('#') + f.toDate().toString(Qt::ISODate) + QLatin1Char('#');
-    case QMetaType::QDateTime:
-        return QLatin1Char('#') + f.toDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) + QLatin1Char('#');
-    case QMetaType::Int:
-    case QMetaType::LongLong:
-        return QString::number(f.toLongLong());
-    case QMetaType::Double: return QString::number(f.toDouble(), 'g', 17);
-    default: return QLatin1Char('\'') + Safesql(f.toString()) + QLatin1Char('\'');
-    }
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(path + QLatin1String(suffix));
 }
 
 std::unique_ptr<DbConnection> open(const QString &location, bool readOnly)
@@ -82,54 +71,63 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
         school = false;
     }
     const QStringList statements = school ? DatabaseSchema::centralStatements() : DatabaseSchema::libraryStatements();
-    createDatabaseFile(to); // refuses a file that exists or a server database that holds tables
-    const std::unique_ptr<DbConnection> target = open(to, false);
+    // A file is written under a name of its own and takes its real name only once it checks out:
+    // a copy that fails leaves nothing behind to block the next try.
+    const bool file = !PostgresDatabase::isServerLocation(to);
+    if (file && QFileInfo::exists(to))
+        throw AppError(AppError::ProviderError, QStringLiteral("Database '%1' already exists.").arg(to));
+    const QString target = file ? to + QStringLiteral(".partial") : to;
+    if (file)
+        removeFile(target);
+    createDatabaseFile(target); // refuses a server database that holds tables
     QList<TableFigures> copied;
-    target->BeginTrans();
     try {
-        for (const QString &sql : statements)
-            if (!sql.startsWith(QLatin1String("Insert "), Qt::CaseInsensitive)) // rows come from the source, the structure version too
-                target->Execute(sql);
-        for (const QString &table : tablesOf(statements)) {
-            std::shared_ptr<Recordset> rows;
-            try {
-                rows = source->Execute(QStringLiteral("select * from ") + table);
-            } catch (const AppError &e) {
-                throw AppError(e.number(), QStringLiteral("%1 lacks the table %2 of this release: open it in Shelvora once (its structure is "
-                                                          "brought up to date), then copy it.").arg(from, table));
+        const std::unique_ptr<DbConnection> into = open(target, false);
+        into->BeginTrans();
+        try {
+            for (const QString &sql : statements)
+                if (!sql.startsWith(QLatin1String("Insert "), Qt::CaseInsensitive)) // rows come from the source, the structure version too
+                    into->Execute(sql);
+            for (const QString &table : tablesOf(statements)) {
+                std::shared_ptr<Recordset> rows;
+                try {
+                    rows = source->Execute(QStringLiteral("select * from ") + table);
+                } catch (const AppError &e) {
+                    throw AppError(e.number(), QStringLiteral("%1 lacks the table %2 of this release: open it in Shelvora once (its structure is "
+                                                              "brought up to date), then copy it.").arg(from, table));
+                }
+                QStringList numbers;
+                for (int c = 0; c < rows->fieldCount(); ++c) {
+                    const Recordset::FieldType type = rows->fieldType(c);
+                    if (type == Recordset::FieldType::Integer || type == Recordset::FieldType::Double || type == Recordset::FieldType::Currency
+                        || type == Recordset::FieldType::Bool)
+                        numbers << QLatin1Char('[') + rows->fieldName(c) + QLatin1Char(']');
+                }
+                into->BulkInsert(table, *rows);
+                const TableFigures before = figures(*source, table, numbers);
+                const TableFigures after = figures(*into, table, numbers);
+                if (before.rows != after.rows || before.sums != after.sums)
+                    throw AppError(AppError::ProviderError, QStringLiteral("The copy of %1 does not match the original (%2 rows, sums %3; copied %4 rows, sums %5); "
+                                                                           "nothing was kept.")
+                                                                .arg(table).arg(before.rows).arg(before.sums).arg(after.rows).arg(after.sums));
+                copied << after;
             }
-            QStringList names, numbers;
-            for (int c = 0; c < rows->fieldCount(); ++c) {
-                names << QLatin1Char('[') + rows->fieldName(c) + QLatin1Char(']');
-                const Recordset::FieldType type = rows->fieldType(c);
-                if (type == Recordset::FieldType::Integer || type == Recordset::FieldType::Double || type == Recordset::FieldType::Currency
-                    || type == Recordset::FieldType::Bool)
-                    numbers << names.back();
-            }
-            const QString insert = QStringLiteral("Insert into ") + table + QStringLiteral(" (") + names.join(QLatin1Char(','))
-                                   + QStringLiteral(") Values (");
-            for (rows->MoveFirst(); !rows->atEnd(); rows->MoveNext()) {
-                QStringList values;
-                for (int c = 0; c < rows->fieldCount(); ++c)
-                    values << literal(rows->field(c), rows->fieldType(c));
-                target->Execute(insert + values.join(QLatin1Char(',')) + QLatin1Char(')'));
-            }
-            const TableFigures before = figures(*source, table, numbers);
-            const TableFigures after = figures(*target, table, numbers);
-            if (before.rows != after.rows || before.sums != after.sums)
-                throw AppError(AppError::ProviderError, QStringLiteral("The copy of %1 does not match the original (%2 rows, sums %3; copied %4 rows, sums %5); "
-                                                                       "nothing was kept.")
-                                                            .arg(table).arg(before.rows).arg(before.sums).arg(after.rows).arg(after.sums));
-            copied << after;
+            into->CommitTrans();
+        } catch (...) {
+            into->RollbackTrans();
+            throw;
         }
-        target->CommitTrans();
+        // The copy's own connection could write; later ones learn afresh what the database is
+        // (a school database is opened read-only).
+        into->Close();
+        ConnectionPool::shared().closeIdle(target);
+        if (file && !QFile::rename(target, to))
+            throw AppError(AppError::ProviderError, QStringLiteral("The copy could not be given its name %1.").arg(to));
     } catch (...) {
-        target->RollbackTrans();
+        ConnectionPool::shared().closeIdle(target);
+        if (file)
+            removeFile(target);
         throw;
     }
-    // The copy's own connection could write; later ones learn afresh what the database is
-    // (a school database is opened read-only).
-    target->Close();
-    ConnectionPool::shared().closeIdle(to);
     return copied;
 }

@@ -20,6 +20,10 @@ public:
     /// column keyColumn), taken from the insert itself, never read back by other values.
     virtual qint64 insertReturningKey(const QString &jetSql, const QString &keyColumn) = 0;
 
+    /// Writes every row of rows into table (columns by the rows' field names) by the engine's own
+    /// bulk path, inside the transaction under way. Throws AppError when a row is refused.
+    virtual void bulkInsert(const QString &table, const Recordset &rows) = 0;
+
     virtual void beginTransaction() = 0;
     virtual void commitTransaction() = 0;
     virtual void rollbackTransaction() = 0;

@@ -11,6 +11,7 @@
 #include <libpq-fe.h>
 
 #include <cstdlib>
+#include <cstdio>
 #include <cstring>
 #include <strings.h>
 #include <memory>
@@ -199,7 +200,7 @@ PGresult *PostgresDatabase::run(const std::string &sql, const QString &jetSql)
     // One statement only (the extended protocol takes no second one).
     PGresult *result = PQexecParams(conn_, sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, 0);
     const ExecStatusType status = PQresultStatus(result);
-    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && status != PGRES_COPY_IN) {
         Result owned(result, PQclear);
         raise(result, jetSql.isEmpty() ? QString::fromStdString(sql) : jetSql);
     }
@@ -248,6 +249,71 @@ qint64 PostgresDatabase::insertReturningKey(const QString &jetSql, const QString
     if (PQntuples(result.get()) != 1)
         throw AppError(AppError::ProviderError, QStringLiteral("The row was not added."), jetSql);
     return std::strtoll(PQgetvalue(result.get(), 0, 0), nullptr, 10);
+}
+
+void PostgresDatabase::bulkInsert(const QString &table, const Recordset &rows)
+{
+    // COPY ... FROM STDIN in text form: one round trip for the whole table.
+    const PostgresDialect dialect;
+    std::string names;
+    for (int c = 0; c < rows.fieldCount(); ++c)
+        names += (c ? ", " : "") + dialect.quoteName(rows.fieldName(c).toStdString());
+    const QString reported = QStringLiteral("Insert into %1").arg(table);
+    const std::string name = dialect.quoteName(table.toStdString());
+    // The counters' follow-up trigger is not run row by row: each counter is moved past the
+    // highest copied number once at the end.
+    exec("ALTER TABLE " + name + " DISABLE TRIGGER USER", reported);
+    Result started(run("COPY " + dialect.quoteName(table.toStdString()) + " (" + names + ") FROM STDIN", reported), PQclear);
+    std::string buffer;
+    auto flush = [&] {
+        if (PQputCopyData(conn_, buffer.data(), int(buffer.size())) != 1)
+            throw AppError(AppError::ConnectionFailure, lostConnectionText(), reported, AppError::Cause::ConnectionLost);
+        buffer.clear();
+    };
+    char number[32];
+    for (int r = 0; r < rows.RecordCount(); ++r) {
+        for (int c = 0; c < rows.fieldCount(); ++c) {
+            if (c)
+                buffer += '\t';
+            const Field f = rows.fieldAt(r, c);
+            switch (f.stored()) {
+            case Field::Stored::Integer: buffer += std::to_string(f.storedInteger()); break;
+            case Field::Stored::Real: buffer.append(number, size_t(std::snprintf(number, sizeof number, "%.17g", f.storedReal()))); break;
+            case Field::Stored::Text:
+                for (char ch : f.storedText()) {
+                    switch (ch) {
+                    case '\\': buffer += "\\\\"; break;
+                    case '\n': buffer += "\\n"; break;
+                    case '\r': buffer += "\\r"; break;
+                    case '\t': buffer += "\\t"; break;
+                    default: buffer += ch;
+                    }
+                }
+                break;
+            default: buffer += "\\N";
+            }
+        }
+        buffer += '\n';
+        if (buffer.size() > (1 << 20))
+            flush();
+    }
+    flush();
+    if (PQputCopyEnd(conn_, nullptr) != 1)
+        throw AppError(AppError::ConnectionFailure, lostConnectionText(), reported, AppError::Cause::ConnectionLost);
+    Result finished(PQgetResult(conn_), PQclear);
+    const bool ok = PQresultStatus(finished.get()) == PGRES_COMMAND_OK;
+    while (PGresult *more = PQgetResult(conn_))
+        PQclear(more);
+    if (!ok)
+        raise(finished.get(), reported);
+    Result counters(run("SELECT attname FROM pg_attribute WHERE attrelid = CAST('" + name + "' AS regclass) AND attidentity <> ''", reported), PQclear);
+    for (int i = 0; i < PQntuples(counters.get()); ++i) {
+        const std::string column = dialect.quoteName(PQgetvalue(counters.get(), i, 0));
+        exec("SELECT setval(pg_get_serial_sequence('" + name + "', '" + PQgetvalue(counters.get(), i, 0) + "'), max(" + column + ")) FROM " + name
+                 + " HAVING max(" + column + ") IS NOT NULL",
+             reported);
+    }
+    exec("ALTER TABLE " + name + " ENABLE TRIGGER USER", reported);
 }
 
 // Runs a translated statement (sql: its text, possibly extended) with what the engine runs after it,

@@ -44,6 +44,7 @@ public:
 
     int execute(const QString &jetSql, Recordset *rows) override;
     qint64 insertReturningKey(const QString &jetSql, const QString &keyColumn) override;
+    void bulkInsert(const QString &table, const Recordset &rows) override;
     void beginTransaction() override;
     void commitTransaction() override;
     void rollbackTransaction() override;

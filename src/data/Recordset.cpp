@@ -99,6 +99,24 @@ QString Field::name() const { return rs_->fieldName(column_); }
 
 bool Field::isNull() const { return rs_->cell(row_, column_).storage == Recordset::Cell::Null; }
 
+Field::Stored Field::stored() const
+{
+    switch (rs_->cell(row_, column_).storage) {
+    case Recordset::Cell::Integer: return Stored::Integer;
+    case Recordset::Cell::Real: return Stored::Real;
+    case Recordset::Cell::Text: return Stored::Text;
+    default: return Stored::Null;
+    }
+}
+
+qint64 Field::storedInteger() const { return rs_->cell(row_, column_).i; }
+double Field::storedReal() const { return rs_->cell(row_, column_).d; }
+std::string_view Field::storedText() const
+{
+    const auto &c = rs_->cell(row_, column_);
+    return std::string_view(rs_->text_.data() + c.offset, c.length);
+}
+
 QVariant Field::value() const
 {
     const auto &c = rs_->cell(row_, column_);

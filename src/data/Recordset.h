@@ -38,6 +38,13 @@ public:
     QDateTime toDateTime() const;
     /// Appends toString()'s text as UTF-8, without building a QString for plain texts and numbers.
     void appendUtf8(std::string *out) const;
+    /// The value as the engine handed it over (copying between engines): an integer, a real
+    /// number or text; Null is none of them.
+    enum class Stored { Null, Integer, Real, Text };
+    Stored stored() const;
+    qint64 storedInteger() const;
+    double storedReal() const;
+    std::string_view storedText() const;
 
 private:
     const Recordset *rs_;

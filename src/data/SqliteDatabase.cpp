@@ -10,6 +10,7 @@
 #include <sqlite3.h>
 
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -223,6 +224,40 @@ qint64 SqliteDatabase::insertReturningKey(const QString &jetSql, const QString &
     if (execute(jetSql, nullptr) != 1)
         throw AppError(AppError::ProviderError, QStringLiteral("The row was not added."), jetSql);
     return sqlite3_last_insert_rowid(db_);
+}
+
+void SqliteDatabase::bulkInsert(const QString &table, const Recordset &rows)
+{
+    // One prepared insert for the whole table, each row's values bound as they are stored.
+    std::string names, marks;
+    for (int c = 0; c < rows.fieldCount(); ++c) {
+        names += (c ? ", " : "") + quoteName(rows.fieldName(c).toStdString());
+        marks += c ? ", ?" : "?";
+    }
+    const std::string sql = "INSERT INTO " + quoteName(table.toStdString()) + " (" + names + ") VALUES (" + marks + ")";
+    const QString reported = QStringLiteral("Insert into %1").arg(table);
+    sqlite3_stmt *stmt = nullptr;
+    if (sqlite3_prepare_v2(db_, sql.c_str(), int(sql.size()), &stmt, nullptr) != SQLITE_OK)
+        raise(0, reported);
+    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> owned(stmt, sqlite3_finalize);
+    for (int r = 0; r < rows.RecordCount(); ++r) {
+        for (int c = 0; c < rows.fieldCount(); ++c) {
+            const Field f = rows.fieldAt(r, c);
+            switch (f.stored()) {
+            case Field::Stored::Integer: sqlite3_bind_int64(stmt, c + 1, f.storedInteger()); break;
+            case Field::Stored::Real: sqlite3_bind_double(stmt, c + 1, f.storedReal()); break;
+            case Field::Stored::Text: {
+                const std::string_view text = f.storedText();
+                sqlite3_bind_text(stmt, c + 1, text.data(), int(text.size()), SQLITE_TRANSIENT);
+                break;
+            }
+            default: sqlite3_bind_null(stmt, c + 1);
+            }
+        }
+        if (sqlite3_step(stmt) != SQLITE_DONE)
+            raise(0, reported);
+        sqlite3_reset(stmt);
+    }
 }
 
 int SqliteDatabase::run(const TranslatedStatement &ts, Recordset *rows, const QString &jetSql)

@@ -1,4 +1,5 @@
 #include "AppError.h"
+#include "DatabaseSchema.h"
 #include "LibraryCopy.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
@@ -33,6 +34,7 @@ TEST_F(LibraryCopyTest, ALibraryMovesBetweenEnginesWhole)
             "values ('A7', 'L', 3, 7, #2026-11-01#, #2026-11-15#, #2026-11-18#, true, 1)");
     library("Insert into tblLibTransactionFines(TransactionID, MemberID, MemberType, FineAmount, PaymentAmount) values (1, 3, 'L', 1.5, 0.25)");
     library("Insert into tblLibKeywords(KeywordEng, KeywordAfr) values ('cat', 'kat')");
+    library("Insert into tblLibKeywords(KeywordEng, KeywordAfr) values ('tab\there', 'line\nbreak \\N back\\slash')");
     const QStringList original = everything(libraryPath_);
 
     const QString file = path("copy.db");
@@ -57,6 +59,19 @@ TEST_F(LibraryCopyTest, ALibraryMovesBetweenEnginesWhole)
         EXPECT_THROW(LibraryCopy::copy(file, server), AppError);
         TestEngine::dropLibrary(server);
     }
+}
+
+// A copy that fails leaves nothing behind, so the next try is not blocked.
+TEST_F(LibraryCopyTest, AFailedCopyLeavesNoFile)
+{
+    const QString old = path("old.db");
+    DatabaseSchema::createDatabase(old, DatabaseSchema::olderReleaseLibraryStatements());
+    const QString file = path("copy.db");
+    EXPECT_THROW(LibraryCopy::copy(old, file), AppError);
+    EXPECT_FALSE(QFile::exists(file));
+    EXPECT_FALSE(QFile::exists(file + ".partial"));
+    EXPECT_NO_THROW(LibraryCopy::copy(libraryPath_, file));
+    EXPECT_TRUE(QFile::exists(file));
 }
 
 // The school's database may sit on the same server; whoever opens it there cannot write it.
