@@ -16,6 +16,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QUrl>
@@ -172,12 +173,21 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
     const QString uri = url.toString();
     const QString schoolLibrary = QDir(schoolFolder).absoluteFilePath(QStringLiteral("library.db"));
     std::printf("PostgreSQL (%s)\n", qPrintable(PostgresDatabase::describe(serverAdmin)));
-    QElapsedTimer copying;
-    copying.start();
-    qint64 rows = 0;
-    for (const LibraryCopy::TableFigures &t : LibraryCopy::copy(schoolLibrary, uri))
-        rows += t.rows;
-    std::printf("  --copy-library of the large school's library: %lld rows in %.1f s\n", static_cast<long long>(rows), copying.elapsed() / 1000.0);
+    // The whole library both ways, as `shelvora --copy-library` does it (checks included).
+    auto timedCopy = [](const QString &from, const QString &to, const char *direction) {
+        QElapsedTimer copying;
+        copying.start();
+        qint64 rows = 0;
+        for (const LibraryCopy::TableFigures &t : LibraryCopy::copy(from, to))
+            rows += t.rows;
+        std::printf("  --copy-library %s: %lld rows in %.1f s\n", direction, static_cast<long long>(rows), copying.elapsed() / 1000.0);
+    };
+    timedCopy(schoolLibrary, uri, "file -> server");
+    const QString back = QDir(schoolFolder).absoluteFilePath(QStringLiteral("copied-back.db"));
+    QFile::remove(back);
+    timedCopy(uri, back, "server -> file");
+    ConnectionPool::shared().closeIdle(back);
+    QFile::remove(back);
     PostgresDatabase::vacuum(uri);
     const QString sqlite = LibraryDatabasePath;
     LibraryDatabasePath = uri;
