@@ -7,6 +7,7 @@
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
 #include "frmLibraryStatistics.h"
+#include "ViewerPdf.h"
 #include "frmReportViewer.h"
 
 #include <QApplication>
@@ -109,19 +110,7 @@ TEST_F(StatisticsScreen, ThePagePrintsWithItsChartsAndFigures)
 {
     frmLibraryStatistics screen;
     quarter(screen);
-    auto print = [&](const QString &pdf) {
-        int pages = -1;
-        QObject scope;
-        QTimer::singleShot(0, &scope, [&] {
-            if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
-                pages = viewer->pageCount();
-                EXPECT_TRUE(viewer->saveAsPdf(pdf));
-                viewer->close();
-            }
-        });
-        click(screen, "cmdPrint");
-        return pages;
-    };
+    auto print = [&](const QString &pdf) { return ViewPdf(screen, "cmdPrint", pdf); };
     EXPECT_EQ(print(path("statistics.pdf")), 4);
     const QString text = pdfText(path("statistics.pdf"));
     for (const char *expected : {"Hillview High - Library Statistics", "2026-01-01 to 2026-03-31", "Figures per month", "Most borrowed titles",

@@ -7,6 +7,7 @@
 #include "TestDatabases.h"
 #include "UpdateDatabase.h"
 #include "frmOverdueNotices.h"
+#include "ViewerPdf.h"
 #include "frmReportViewer.h"
 
 #include <QApplication>
@@ -88,21 +89,6 @@ protected:
         box->setCurrentIndex(box->findText(text));
         Q_EMIT box->activated(box->currentIndex());
     }
-    // Presses a button that opens the report viewer; the viewer saves its PDF and is closed. Returns its page count (-1: none opened).
-    int viewPdf(frmOverdueNotices &screen, const char *button, const QString &pdf)
-    {
-        int pages = -1;
-        QObject scope;
-        QTimer::singleShot(0, &scope, [&] {
-            if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
-                pages = viewer->pageCount();
-                EXPECT_TRUE(viewer->saveAsPdf(pdf));
-                viewer->close();
-            }
-        });
-        click(screen, button);
-        return pages;
-    }
 };
 
 } // namespace
@@ -146,7 +132,7 @@ TEST_F(OverdueNotices, AChoiceThatCannotGiveANoticeIsRefusedPlainly)
     asAt->setDate(QDate(2026, 10, 25));
     click(screen, "cmdShow");
     EXPECT_EQ(messages_->prompts().last(), "Nobody has an overdue book on 2026-10-25.");
-    EXPECT_EQ(viewPdf(screen, "cmdClassLists", path("none.pdf")), -1); // no empty document
+    EXPECT_EQ(ViewPdf(screen, "cmdClassLists", path("none.pdf")), -1); // no empty document
     asAt->setDate(QDate(2026, 11, 20));
     choose(screen, "cboGrade", "Grade 10");
     click(screen, "cmdShow");
@@ -160,7 +146,7 @@ TEST_F(OverdueNotices, AChoiceThatCannotGiveANoticeIsRefusedPlainly)
 TEST_F(OverdueNotices, ClassListsHaveAPagePerClassWithItsLearnersAndASignatureLine)
 {
     frmOverdueNotices screen;
-    EXPECT_EQ(viewPdf(screen, "cmdClassLists", path("lists.pdf")), 2);
+    EXPECT_EQ(ViewPdf(screen, "cmdClassLists", path("lists.pdf")), 2);
     const QString text = pdfText(path("lists.pdf"));
     const QStringList pages = text.split('\f', Qt::SkipEmptyParts);
     ASSERT_GE(pages.size(), 2);
@@ -186,7 +172,7 @@ TEST_F(OverdueNotices, LettersArePagePerLearnerInTheKeptWording)
     }
     frmOverdueNotices screen; // the wording is kept in the library database
     EXPECT_TRUE(child<QPlainTextEdit>(screen, "txtTemplate")->toPlainText().startsWith("To the parents of {learner}"));
-    EXPECT_EQ(viewPdf(screen, "cmdLetters", path("letters.pdf")), 2);
+    EXPECT_EQ(ViewPdf(screen, "cmdLetters", path("letters.pdf")), 2);
     const QStringList pages = pdfText(path("letters.pdf")).split('\f', Qt::SkipEmptyParts);
     ASSERT_GE(pages.size(), 2);
     EXPECT_TRUE(pages[0].contains("To the parents of Botha, Anna (8A) at Hillview High:"));
@@ -199,7 +185,7 @@ TEST_F(OverdueNotices, LettersArePagePerLearnerInTheKeptWording)
     child<QPlainTextEdit>(screen, "txtTemplate")->setPlainText("  ");
     click(screen, "cmdSaveTemplate");
     EXPECT_EQ(messages_->prompts().last(), "The letter's wording is empty; nothing was saved.");
-    EXPECT_EQ(viewPdf(screen, "cmdLetters", path("none.pdf")), -1);
+    EXPECT_EQ(ViewPdf(screen, "cmdLetters", path("none.pdf")), -1);
     click(screen, "cmdDefaultTemplate");
     child<QRadioButton>(screen, "optStaff")->click();
     EXPECT_FALSE(child<QAbstractButton>(screen, "cmdLetters")->isEnabled());
@@ -234,7 +220,7 @@ TEST_F(OverdueNotices, LeaversAreMarkedAndLongLettersGoOn)
     click(screen, "cmdExport");
     EXPECT_TRUE(workbookRows(path("overdue.xlsx")).filter("Owen, Lee|Left the school|F7").size() == 1);
 
-    viewPdf(screen, "cmdClassLists", path("lists.pdf"));
+    ViewPdf(screen, "cmdClassLists", path("lists.pdf"));
     const QString lists = pdfText(path("lists.pdf"));
     EXPECT_TRUE(lists.contains("Botha, Anna"));
     EXPECT_FALSE(lists.contains("Owen")) << lists.toStdString();
@@ -244,7 +230,7 @@ TEST_F(OverdueNotices, LeaversAreMarkedAndLongLettersGoOn)
     for (int i = 1; i <= 90; ++i)
         wording += QString("Paragraph %1 of a long letter.\n").arg(i);
     child<QPlainTextEdit>(screen, "txtTemplate")->setPlainText(wording + "THE END");
-    const int pages = viewPdf(screen, "cmdLetters", path("long.pdf"));
+    const int pages = ViewPdf(screen, "cmdLetters", path("long.pdf"));
     const QStringList text = pdfText(path("long.pdf")).split('\f', Qt::SkipEmptyParts);
     ASSERT_EQ(text.size(), pages);
     ASSERT_GE(pages, 6); // three learners, two pages or more each
