@@ -83,6 +83,11 @@ frmIssueSystem::frmIssueSystem(QWidget *parent, const QString &loanType)
     connect(ui->txtLoanAccession, &QLineEdit::returnPressed, this, &frmIssueSystem::cmdLoanProcess_Click);
     connect(ui->txtAccessionReturn, &QLineEdit::returnPressed, this, &frmIssueSystem::cmdProcess_Click);
     connect(ui->txtmemberID, &QLineEdit::returnPressed, this, &frmIssueSystem::txtmemberID_Enter);
+    // Escape (or clearing the box by hand) leaves no member in view.
+    connect(ui->txtmemberID, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (text.isEmpty())
+            ui->memberPanel->clearMember();
+    });
     // A number scanned into the member list by mistake never replaces the member chosen there.
     connect(ui->cboMember->lineEdit(), &QLineEdit::returnPressed, this, [this] {
         if (ui->cboMember->findText(ui->cboMember->currentText()) < 0)
@@ -186,32 +191,37 @@ void frmIssueSystem::cboMember_Click()
 
 void frmIssueSystem::txtmemberID_Enter()
 {
-    showMember();
-    readyForScan(ui->txtLoanAccession);
+    // A number nobody has is put right here, before any book is scanned.
+    readyForScan(showMember() ? ui->txtLoanAccession : ui->txtmemberID);
 }
 
-void frmIssueSystem::showMember()
+bool frmIssueSystem::showMember()
 {
     const QString number = ui->txtmemberID->text().trimmed();
     if (number.isEmpty()) {
         ui->memberPanel->clearMember();
-        return;
+        return false;
     }
+    bool found = false;
     Trap(IssueLocation, QStringLiteral("Load Member Routine"), [&] {
         const QString kind = MemberKind(ui->optLearner, ui->optEducator);
         const QVariant member = GetMemberByIDNo(number, kind);
         const MemberSummary summary = MemberSummary::load(data_, kind, member.isNull() ? 0 : member.toInt(), Clock::today());
+        found = summary.found;
         if (summary.found)
             ui->memberPanel->showMember(summary);
         else
             ui->memberPanel->showUnknown(number);
     }, [&] { data_.CloseCompact(); });
+    return found;
 }
 
-void frmIssueSystem::showStatus(const QString &text, bool attention)
+void frmIssueSystem::showStatus(const QString &text, Status state)
 {
     ui->lblStatus->setText(text);
-    ui->lblStatus->setProperty("state", attention ? QStringLiteral("attention") : QStringLiteral("done"));
+    ui->lblStatus->setProperty("state", state == Status::Refused     ? QStringLiteral("refused")
+                                        : state == Status::Attention ? QStringLiteral("attention")
+                                                                     : QStringLiteral("done"));
     ui->lblStatus->style()->unpolish(ui->lblStatus);
     ui->lblStatus->style()->polish(ui->lblStatus);
 }
@@ -284,6 +294,13 @@ bool frmIssueSystem::LoadLoanDefaults(const QString &accession, const QString &c
         [&] { data_.CloseCompact(); });
 }
 
+void frmIssueSystem::refuse(const QString &message, const QString &status, QLineEdit *box)
+{
+    UserMessage(message);
+    showStatus(status, Status::Refused);
+    readyForScan(box);
+}
+
 void frmIssueSystem::readyForScan(QLineEdit *box)
 {
     box->setFocus();
@@ -333,8 +350,8 @@ void frmIssueSystem::cmdLoanProcess_Click()
         if (!numeric)
             throw AppError(AppError::TypeMismatch, QStringLiteral("Type mismatch"));
         if (rules_.ReferenceItem || rules_.RestrictedItem) {
-            UserMessage(QStringLiteral("This item is a restricted or reference item and is not availabe for loan."));
-            readyForScan(ui->txtLoanAccession);
+            refuse(QStringLiteral("This item is a restricted or reference item and is not availabe for loan."),
+                   QStringLiteral("Not issued: %1 is a restricted or reference item").arg(accession), ui->txtLoanAccession);
             return;
         }
         const QDate due = ui->DTPicker1->date().addDays(rules_.LoanPeriod);
@@ -348,14 +365,15 @@ void frmIssueSystem::cmdLoanProcess_Click()
         const int member = found.isNull() ? 0 : found.toInt();
         const IssueCheck check = CheckIssue(member, type, maxItems, accession);
         if (check.refusal != IssueRefusal::None) {
-            UserMessage(deskRefusal(check));
-            readyForScan(ui->txtLoanAccession);
+            // An unknown member is put right in the member box; anything else by the next book.
+            refuse(deskRefusal(check), QStringLiteral("Not issued: %1 - %2").arg(accession, deskRefusal(check)),
+                   check.refusal == IssueRefusal::UnknownMember ? ui->txtmemberID : ui->txtLoanAccession);
             return;
         }
         const int recorded = RecordIssue(accession, type, member, check.itemID, due);
         if (recorded == LentElsewhere) {
-            UserMessage(deskRefusal(IssueCheck{IssueRefusal::OnLoan, check.itemID, QString()}));
-            readyForScan(ui->txtLoanAccession);
+            const QString refusal = deskRefusal(IssueCheck{IssueRefusal::OnLoan, check.itemID, QString()});
+            refuse(refusal, QStringLiteral("Not issued: %1 - %2").arg(accession, refusal), ui->txtLoanAccession);
             return;
         }
         transaction_ = recorded;
@@ -400,11 +418,13 @@ void frmIssueSystem::cmdProcess_Click()
         const bool renew = ui->optRenew->isChecked();
         reservedFor_.clear();
         if (GetNextReservation(itemID, holder.toInt(), borrowerType, &reservedFor_)) {
-            UserMessage(QStringLiteral("This item has been reserved for ") + reservedFor_ + QStringLiteral(" and must be kept aside."));
             if (renew) {
-                readyForScan(ui->txtAccessionReturn);
+                refuse(QStringLiteral("This item has been reserved for ") + reservedFor_ + QStringLiteral(" and must be kept aside."),
+                       QStringLiteral("Not renewed: %1 is reserved for %2 - take it back and keep it aside").arg(accession, reservedFor_),
+                       ui->txtAccessionReturn);
                 return;
             }
+            UserMessage(QStringLiteral("This item has been reserved for ") + reservedFor_ + QStringLiteral(" and must be kept aside."));
         }
         bool done;
         LoanHandled handled;
@@ -420,10 +440,13 @@ void frmIssueSystem::cmdProcess_Click()
             action_ = QStringLiteral("Renewal");
         }
         if (!done) {
+            showStatus(QStringLiteral("%1 %2").arg(renew ? QStringLiteral("Not renewed:") : QStringLiteral("Not returned:"), accession), Status::Refused);
             readyForScan(ui->txtAccessionReturn);
             return;
         }
         transaction_ = handled.transactionID;
+        if (renew)
+            ui->txtDueDate->setText(SqlDate(handled.dueDate));
         ui->txtAccessionReturn->clear();
         ui->txtAccessionReturn->setFocus();
         LoadLoanGrid();
@@ -501,7 +524,8 @@ void frmIssueSystem::LoadLoanGrid()
             status += QStringLiteral(" - fine ") + fine;
         if (!reservedFor_.isEmpty())
             status += QStringLiteral(" - keep aside: reserved for ") + reservedFor_;
-        showStatus(status, (!fine.isEmpty() && action_ != QLatin1String("Issue")) || !reservedFor_.isEmpty());
+        showStatus(status, (!fine.isEmpty() && action_ != QLatin1String("Issue")) || !reservedFor_.isEmpty() ? Status::Attention : Status::Done);
+        ui->txtTitle->setText(grid.cellText(2, row)); // the item in hand
         grid.view()->scrollToBottom();
     }, [&] { data_.CloseCompact(); });
 }

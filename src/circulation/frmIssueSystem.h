@@ -55,9 +55,13 @@ private:
     void readyForScan(class QLineEdit *box);
     QString learnerFilter(class QComboBox *combo) const;
     /// Shows the member whose number is in Member Number in the member panel.
-    void showMember();
+    /// Shows the member typed in the member panel; false when nobody current has that number.
+    bool showMember();
     /// The one line that confirms the last transaction; attention colours a fine or a reservation.
-    void showStatus(const QString &text, bool attention);
+    enum class Status { Done, Attention, Refused };
+    void showStatus(const QString &text, Status state);
+    /// A refusal: its message, the status line saying what was not done, the box ready for the next scan.
+    void refuse(const QString &message, const QString &status, class QLineEdit *box);
 
     std::unique_ptr<Ui::frmIssueSystem> ui;
     clsDataObject data_;

@@ -8,6 +8,8 @@
 #include "UpdateDatabase.h"
 #include "Messages.h"
 
+#include <algorithm>
+
 
 namespace {
 
@@ -155,7 +157,7 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
             const QString memberType = loan->field(QStringLiteral("membertype")).toString();
             const int memberID = loan->field(QStringLiteral("memberid")).toInt();
             if (handled)
-                *handled = LoanHandled{transactionID, memberType, memberID};
+                *handled = LoanHandled{transactionID, memberType, memberID, QDate()};
 
             const qint16 extensions = loan->field(QStringLiteral("extensions")).isNull() ? 0 : loan->field(QStringLiteral("extensions")).toInt16();
             if (extensions == 32767)
@@ -163,9 +165,16 @@ bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16
             const qint16 renewals = qint16(extensions + 1);
             if (maximumRenewals != 0 && renewals > maximumRenewals)
                 refusal = QStringLiteral("This item has been renewed for the maximum number of times for this user and must be returned");
-            else if (!closeOrExtend(db, loan->field(QStringLiteral("duedate")).toDate(), transactionID, memberID, memberType, renewals,
-                                    {accession, actionDate, mode, newDueDate, fineAmount, fineInterval}))
-                refusal = notOut;
+            else {
+                // A renewal never shortens a loan: the later of the due date and the renewal's new date.
+                const QDate dueDate = loan->field(QStringLiteral("duedate")).toDate();
+                const QDate extended = newDueDate.isValid() && dueDate.isValid() ? std::max(dueDate, newDueDate) : newDueDate;
+                if (!closeOrExtend(db, dueDate, transactionID, memberID, memberType, renewals,
+                                   {accession, actionDate, mode, extended, fineAmount, fineInterval}))
+                    refusal = notOut;
+                else if (handled)
+                    handled->dueDate = mode == QLatin1String("renewal") ? extended : dueDate;
+            }
         }
         return refusal.isEmpty();
     });

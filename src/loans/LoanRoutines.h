@@ -21,9 +21,11 @@ struct LoanHandled {
     int transactionID = 0;
     QString memberType;
     int memberID = 0;
+    QDate dueDate; // the loan's due date after the action (a renewal's new one)
 };
 /// Closes ("return") or extends ("renewal") the open loan of a copy, charging the overdue fine first;
-/// the loan it worked on goes to handled.
+/// the loan it worked on goes to handled. A renewal's due date is the later of the loan's due date
+/// and newDueDate: renewing never shortens a loan.
 bool ReturnOrRenewLoan(const QString &accession, const QDate &actionDate, qint16 maximumRenewals, const QString &mode,
                        const QDate &newDueDate, Money fineAmount, qint16 fineInterval, LoanHandled *handled = nullptr);
 /// True when the copy has no open loan; otherwise the borrower's kind goes to borrowerType.

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QRadioButton>
 
 namespace {
 
@@ -65,12 +66,52 @@ TEST_F(DeskFlow, MemberFirstThenBooksWithTheMemberInView)
     EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "attention");
     EXPECT_EQ(label(*desk, "lblFines"), "Open fines: 2 (2.50)");
 
-    // An unknown number says so in the panel, without a box, and the scan goes on to the book box.
+    // An unknown number says so in the panel, without a box, and stays selected in its own box to be
+    // scanned again; a book scanned all the same is refused and sends the cursor back there too.
     messages_->clear();
-    scan(*desk, "txtmemberID", "X999");
+    scan(*desk, "txtmemberID", "209999999");
     EXPECT_TRUE(messages_->shown().empty());
-    EXPECT_EQ(label(*desk, "lblMemberName"), "No member with number X999");
-    EXPECT_EQ(desk->focusWidget(), book);
+    EXPECT_EQ(label(*desk, "lblMemberName"), "No member with number 209999999");
+    EXPECT_EQ(desk->focusWidget(), member);
+    EXPECT_EQ(member->selectedText(), "209999999");
+    scan(*desk, "txtLoanAccession", "A3");
+    EXPECT_EQ(messages_->prompts(), QStringList{"This member ID does not exist"});
+    EXPECT_EQ(desk->focusWidget(), member);
+    EXPECT_EQ(member->selectedText(), "209999999");
+    EXPECT_EQ(label(*desk, "lblStatus"), "Not issued: A3 - This member ID does not exist");
+    EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "refused");
+    // Escape in the member box clears the member from view as well.
+    QTest::keyClick(member, Qt::Key_Escape);
+    EXPECT_EQ(member->text(), "");
+    EXPECT_EQ(label(*desk, "lblMemberName"), "No member chosen");
+}
+
+// After a refusal the status line no longer shows the last success; a reserved book is not renewed
+// and the line says to take it back and keep it aside. A renewal never shortens the loan, and the
+// title and due date boxes show the item in hand.
+TEST_F(DeskFlow, RefusalsShowInTheStatusLine)
+{
+    lend("A2", 2, "L", 12, QDate(2026, 12, 20));
+    lend("A3", 3, "L", 12, QDate(2026, 11, 30));
+    library("Insert into tblLibReserves(MemberType, MemberID, ItemID, ReserveDate) values ('E', 21, 3, #2026-11-01#)");
+    auto desk = open();
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtTitle")->text(), "");
+    child<QRadioButton>(*desk, "optRenew")->click();
+    scan(*desk, "txtAccessionReturn", "A2"); // renewed on 2026-11-23 with 7 days: still due 2026-12-20
+    EXPECT_EQ(label(*desk, "lblStatus"), "Renewed A2 Book 2 for Botha, Anna 8A, due 2026-12-20");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtDueDate")->text(), "2026-12-20");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtTitle")->text(), "Book 2");
+    scan(*desk, "txtAccessionReturn", "A3");
+    EXPECT_EQ(messages_->prompts(), QStringList{"This item has been reserved for Ravi Naidoo and must be kept aside."});
+    EXPECT_EQ(label(*desk, "lblStatus"), "Not renewed: A3 is reserved for Ravi Naidoo - take it back and keep it aside");
+    EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "refused");
+    EXPECT_EQ(libraryValue("select DueDate from tblLibTransactions where AccessionID = 'A3'"), "2026-11-30");
+
+    // The loan limit (two for learners): the third book is refused in the line too.
+    scan(*desk, "txtmemberID", "L100");
+    scan(*desk, "txtLoanAccession", "A1");
+    EXPECT_EQ(label(*desk, "lblStatus"), "Not issued: A1 - This member already has the maximum number of items on loan");
+    EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "refused");
 }
 
 TEST_F(DeskFlow, AReturnKeptForAnotherMemberCannotBeMissed)

@@ -113,6 +113,21 @@ TEST_F(LoanTest, RenewalsStopAtTheLimitAndAreUnlimitedAtZero)
     EXPECT_TRUE(messages_->shown().empty());
 }
 
+// Renewing early never shortens a loan (a departure from the old routine, which wrote the renewal
+// date plus the extension days even when that was sooner): the later of the two dates is kept.
+TEST_F(LoanTest, ARenewalNeverShortensTheLoan)
+{
+    lend("A1", 1, "L", 12, QDate(2026, 12, 8));
+    LoanHandled handled;
+    ASSERT_TRUE(ReturnOrRenewLoan("A1", QDate(2026, 11, 24), 0, "renewal", QDate(2026, 12, 1), Fifty, 7, &handled));
+    EXPECT_EQ(loanRow(), QStringList{"|False|1|2026-12-08"});
+    EXPECT_EQ(handled.dueDate, QDate(2026, 12, 8));
+    ASSERT_TRUE(ReturnOrRenewLoan("A1", QDate(2026, 12, 6), 0, "renewal", QDate(2026, 12, 13), Fifty, 7, &handled));
+    EXPECT_EQ(loanRow(), QStringList{"|False|2|2026-12-13"});
+    EXPECT_EQ(handled.dueDate, QDate(2026, 12, 13));
+    EXPECT_TRUE(fineRows().isEmpty());
+}
+
 TEST_F(LoanTest, NothingOnLoanIsRefusedForReturnAndRenewal)
 {
     for (const QString mode : {"return", "renewal"}) {
