@@ -58,7 +58,7 @@ QStringList libraryTables(int version)
     if (version >= V::Notices)
         s << DatabaseSchema::noticeTemplateTable();
     if (version >= V::Stocktake)
-        s << DatabaseSchema::stocktakeTables();
+        s << DatabaseSchema::stocktakeTables(version);
     s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
                         "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
                         "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
@@ -104,13 +104,19 @@ QStringList DatabaseSchema::periodIndexes()
             QStringLiteral("CREATE INDEX ixFinesPaid ON tblLibTransactionFines (PaymentDate, PaymentAmount)")};
 }
 
-QStringList DatabaseSchema::stocktakeTables()
+QStringList DatabaseSchema::stocktakeTables(int version)
 {
     return {QStringLiteral("CREATE TABLE tblLibStocktakes (StocktakeID COUNTER PRIMARY KEY, StocktakeName TEXT(100), StartDate DATETIME, "
-                           "Categories TEXT(255), SubCategories TEXT(255), Finished BIT DEFAULT false)"),
+                           "Categories TEXT(255), SubCategories TEXT(255), Finished BIT DEFAULT false%1)")
+                .arg(version >= StocktakeResults ? QStringLiteral(", ScannedCount INT, ExpectedCount INT") : QString()),
             QStringLiteral("CREATE TABLE tblLibStocktakeScans (StocktakeID INT NOT NULL, AccessionID TEXT(50) NOT NULL, ItemID INT, "
                            "ScannedAt DATETIME, Outcome TEXT(1), PRIMARY KEY (StocktakeID, AccessionID))"),
             QStringLiteral("CREATE INDEX ixStocktakeScansItem ON tblLibStocktakeScans (StocktakeID, ItemID)")};
+}
+
+QStringList DatabaseSchema::stocktakeResultColumns()
+{
+    return {QStringLiteral("ALTER TABLE tblLibStocktakes ADD ScannedCount INT"), QStringLiteral("ALTER TABLE tblLibStocktakes ADD ExpectedCount INT")};
 }
 
 QString DatabaseSchema::noticeTemplateTable()

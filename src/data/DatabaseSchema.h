@@ -21,8 +21,9 @@ public:
         Author3,
         Edition,
         Notices,   // the letters' wording and the period indexes of the statistics
-        Stocktake, // the stocktake tables
-        Current = Stocktake
+        Stocktake,        // the stocktake tables
+        StocktakeResults, // a finished stocktake keeps its counts
+        Current = StocktakeResults
     };
     /// The library database of the current release, with its indexes.
     static QStringList libraryStatements();
@@ -38,8 +39,11 @@ public:
     static QString noticeTemplateTable();
     /// The loans by issue date and the fines by their dates (made with the database, or by the upgrade that adds the notice table).
     static QStringList periodIndexes();
-    /// The stocktakes and their scans (made with the database, or by a structure upgrade).
-    static QStringList stocktakeTables();
+    /// The stocktakes and their scans (made with the database, or by a structure upgrade), as a
+    /// structure version has them.
+    static QStringList stocktakeTables(int version = Current);
+    /// The counts a finished stocktake keeps (added by a structure upgrade to older stocktake tables).
+    static QStringList stocktakeResultColumns();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
     /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the

@@ -68,7 +68,9 @@ const std::vector<Step> &steps()
         // Both came with the overdue notices and the statistics: a database without the one lacks the other.
         {V::Notices, "the overdue letters and the statistics", probe("select Body from tblLibNoticeTemplate"),
          QStringList{DatabaseSchema::noticeTemplateTable()} + DatabaseSchema::periodIndexes()},
-        {V::Stocktake, "stocktake", probe("select StocktakeID from tblLibStocktakeScans"), DatabaseSchema::stocktakeTables()},
+        {V::Stocktake, "stocktake", probe("select StocktakeID from tblLibStocktakeScans"), DatabaseSchema::stocktakeTables(V::Stocktake)},
+        {V::StocktakeResults, "the counts of finished stocktakes", probe("select ScannedCount, ExpectedCount from tblLibStocktakes"),
+         DatabaseSchema::stocktakeResultColumns()},
     };
     return list;
 }

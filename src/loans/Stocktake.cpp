@@ -72,21 +72,26 @@ Stocktake Stocktake::start(const QString &name, const QDate &startDate, const st
     db->RunTransaction([&] {
         if (!db->Execute(QStringLiteral("select StocktakeID from tblLibStocktakes where Finished = false"))->atEnd())
             throw AppError(AppError::ProviderError, QStringLiteral("Another stocktake is still open: finish it first."));
-        db->Execute(QStringLiteral("Insert into tblLibStocktakes (StocktakeName, StartDate, Categories, SubCategories) Values ('")
-                    + Safesql(s.name_) + QStringLiteral("', ") + jetDate(startDate) + QStringLiteral(", '") + s.categories_
-                    + QStringLiteral("', '") + s.subCategories_ + QStringLiteral("')"));
-        s.id_ = db->Execute(QStringLiteral("select max(StocktakeID) from tblLibStocktakes"))->field(0).toInt();
+        s.id_ = int(db->ExecuteInsert(QStringLiteral("Insert into tblLibStocktakes (StocktakeName, StartDate, Categories, SubCategories) Values ('")
+                                          + Safesql(s.name_) + QStringLiteral("', ") + jetDate(startDate) + QStringLiteral(", '") + s.categories_
+                                          + QStringLiteral("', '") + s.subCategories_ + QStringLiteral("')"),
+                                      QStringLiteral("StocktakeID")));
         return true;
     });
     s.recount();
     return s;
 }
 
-std::optional<Stocktake> Stocktake::open()
+std::optional<Stocktake> Stocktake::open() { return read(QStringLiteral("where Finished = false")); }
+
+std::optional<Stocktake> Stocktake::latest() { return read(QString()); }
+
+std::optional<Stocktake> Stocktake::read(const QString &condition)
 {
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
-    const auto rs = db->Execute(QStringLiteral("select StocktakeID, StocktakeName, StartDate, Categories, SubCategories from tblLibStocktakes "
-                                               "where Finished = false order by StocktakeID desc"));
+    const auto rs = db->Execute(QStringLiteral("select StocktakeID, StocktakeName, StartDate, Categories, SubCategories, Finished, ScannedCount, "
+                                               "ExpectedCount from tblLibStocktakes ")
+                                + condition + QStringLiteral(" order by StocktakeID desc"));
     if (rs->atEnd())
         return std::nullopt;
     Stocktake s;
@@ -95,10 +100,45 @@ std::optional<Stocktake> Stocktake::open()
     s.startDate_ = rs->field(2).toDate();
     s.categories_ = rs->field(3).toString();
     s.subCategories_ = rs->field(4).toString();
+    s.finished_ = rs->field(5).toBool();
     if (!isNumberList(s.categories_) || !isNumberList(s.subCategories_))
         throw AppError(AppError::TypeMismatch, QStringLiteral("The stocktake's scope is damaged."));
-    s.recount();
+    if (s.finished_ && !rs->field(6).isNull()) {
+        s.scanned_ = rs->field(6).toInt();
+        s.expected_ = rs->field(7).toInt();
+    } else {
+        s.recount();
+    }
     return s;
+}
+
+namespace {
+std::vector<int> numbersOf(const QString &list)
+{
+    std::vector<int> numbers;
+    for (const QString &n : list.split(QLatin1Char(','), Qt::SkipEmptyParts))
+        numbers.push_back(n.toInt());
+    return numbers;
+}
+} // namespace
+
+std::vector<int> Stocktake::categories() const { return numbersOf(categories_); }
+std::vector<int> Stocktake::subCategories() const { return numbersOf(subCategories_); }
+
+std::vector<std::pair<Stocktake::Scan, Stocktake::Copy>> Stocktake::exceptions() const
+{
+    const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
+    std::vector<std::pair<Scan, Copy>> out;
+    const auto rs = db->Execute(QStringLiteral("select s.Outcome, s.AccessionID, i.Title from tblLibStocktakeScans as s left join tblLibItems as i on "
+                                               "s.ItemID = i.ItemID where s.StocktakeID = ")
+                                + QString::number(id_) + QStringLiteral(" and s.Outcome in ('U', 'O', 'P', 'L') order by s.ScannedAt, s.AccessionID"));
+    for (; !rs->atEnd(); rs->MoveNext()) {
+        const QString code = rs->field(0).toString();
+        const Scan kind = code == QLatin1String("U") ? Scan::Unknown : code == QLatin1String("O") ? Scan::OutsideScope
+                          : code == QLatin1String("P") ? Scan::PhasedOut : Scan::OnLoan;
+        out.push_back({kind, {rs->field(1).toString(), rs->field(2).toString()}});
+    }
+    return out;
 }
 
 Stocktake::Scan Stocktake::scan(const QString &typed)
@@ -154,19 +194,24 @@ Stocktake::Result Stocktake::result() const
     const QString id = QString::number(id_);
     const QString scanned = QStringLiteral("select s.AccessionID, i.Title from tblLibStocktakeScans as s left join tblLibItems as i on s.ItemID = i.ItemID "
                                            "where s.StocktakeID = ") + id + QStringLiteral(" and s.Outcome = '%1' order by s.AccessionID");
-    r.missing = copies(QStringLiteral("select i.AccessionID, i.Title from tblLibItems as i where i.PhasedOut = false and ") + scope(QStringLiteral("i"))
-                       + QStringLiteral(" and i.ItemID not in (select ItemID from tblLibStocktakeScans where StocktakeID = ") + id
-                       + QStringLiteral(" and ItemID is not null) and i.ItemID not in (select ItemID from tblLibTransactions where Returned = false)"
-                                        " order by i.AccessionID"));
+    // Once finished, the copies missing at finishing (kept then), whatever became of them since.
+    r.missing = finished_ ? copies(scanned.arg(QLatin1Char('M')))
+                          : copies(QStringLiteral("select i.AccessionID, i.Title from tblLibItems as i where ") + missingCondition(QStringLiteral("i"))
+                                   + QStringLiteral(" order by i.AccessionID"));
     r.phasedOut = copies(scanned.arg(QLatin1Char('P')));
     r.onLoan = copies(scanned.arg(QLatin1Char('L')));
     r.unknown = copies(scanned.arg(QLatin1Char('U')));
     r.outside = copies(scanned.arg(QLatin1Char('O')));
-    countInDatabase(&r.scanned, &r.expected);
+    if (finished_) {
+        r.scanned = scanned_;
+        r.expected = expected_;
+    } else {
+        countInDatabase(&r.scanned, &r.expected);
+    }
     return r;
 }
 
-bool Stocktake::returnToShelf(const QString &accession)
+bool Stocktake::returnToShelf(const QString &accession, Money *fine)
 {
     QString memberType;
     if (ItemAvailable(accession, &memberType))
@@ -174,35 +219,65 @@ bool Stocktake::returnToShelf(const QString &accession)
     Money fineAmount;
     qint16 fineInterval = 1;
     GetFineSettings(accession, memberType, &fineAmount, &fineInterval);
-    if (!ReturnOrRenewLoan(accession, Clock::today(), 0, QStringLiteral("return"), QDate(), fineAmount, fineInterval))
+    LoanHandled handled;
+    if (!ReturnOrRenewLoan(accession, Clock::today(), 0, QStringLiteral("return"), QDate(), fineAmount, fineInterval, &handled))
         return false;
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
     db->Execute(QStringLiteral("Update tblLibStocktakeScans set Outcome = 'S' where StocktakeID = ") + QString::number(id_)
                 + QStringLiteral(" and AccessionID = '") + Safesql(accession) + QStringLiteral("'"));
+    if (fine) {
+        const auto charged = db->Execute(QStringLiteral("select FineAmount from tblLibTransactionFines where TransactionID = ")
+                                         + QString::number(handled.transactionID));
+        *fine = charged->atEnd() ? Money() : charged->field(0).toMoney();
+    }
     recount();
     return true;
 }
 
 void Stocktake::finish()
 {
+    recount();
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
-    db->Execute(QStringLiteral("Update tblLibStocktakes set Finished = true where StocktakeID = ") + QString::number(id_));
+    const QString id = QString::number(id_);
+    // The result is kept as it stands: the missing copies as rows of their own, and the counts.
+    db->RunTransaction([&] {
+        db->Execute(QStringLiteral("Insert into tblLibStocktakeScans (StocktakeID, AccessionID, ItemID, ScannedAt, Outcome) select ") + id
+                    + QStringLiteral(", i.AccessionID, min(i.ItemID), ") + jetDate(Clock::today())
+                    + QStringLiteral(", 'M' from tblLibItems as i where ") + missingCondition(QStringLiteral("i"))
+                    + QStringLiteral(" group by i.AccessionID"));
+        db->Execute(QStringLiteral("Update tblLibStocktakes set Finished = true, ScannedCount = ") + QString::number(scanned_)
+                    + QStringLiteral(", ExpectedCount = ") + QString::number(expected_) + QStringLiteral(" where StocktakeID = ") + id);
+        return true;
+    });
+    finished_ = true;
+}
+
+QString Stocktake::missingCondition(const QString &alias) const
+{
+    // In scope and on the books, neither scanned nor out on loan.
+    return alias + QStringLiteral(".PhasedOut = false and ") + scope(alias) + QStringLiteral(" and ") + alias
+           + QStringLiteral(".ItemID not in (select ItemID from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
+           + QStringLiteral(" and ItemID is not null and Outcome <> 'M') and ") + alias
+           + QStringLiteral(".ItemID not in (select ItemID from tblLibTransactions where Returned = false)");
 }
 
 int Stocktake::markMissingLost()
 {
     // One statement decides, inside the transaction, which copies are still missing: a copy lent,
-    // scanned or removed by another desk since the result was shown is left as it is.
-    const QString lost = QStringLiteral(" Update tblLibItems Set PhasedOut = true ,PhasedOutDate = ") + jetDate(startDate_)
-                         + QStringLiteral(" ,PhasedOutReason = 'Lost' Where PhasedOut = false and ") + scope(QStringLiteral("tblLibItems"))
-                         + QStringLiteral(" and ItemID not in (select ItemID from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
-                         + QStringLiteral(" and ItemID is not null) and ItemID not in (select ItemID from tblLibTransactions where Returned = false)");
+    // scanned or removed by another desk since the result was shown is left as it is. A finished
+    // stocktake marks only what its kept result lists.
+    QString lost = QStringLiteral(" Update tblLibItems Set PhasedOut = true ,PhasedOutDate = ") + jetDate(startDate_)
+                   + QStringLiteral(" ,PhasedOutReason = 'Lost' Where ") + missingCondition(QStringLiteral("tblLibItems"));
+    if (finished_)
+        lost += QStringLiteral(" and ItemID in (select ItemID from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
+                + QStringLiteral(" and Outcome = 'M')");
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
     int marked = 0;
     db->RunTransaction([&] {
         db->Execute(lost, &marked);
         return true;
     });
-    recount();
+    if (!finished_)
+        recount();
     return marked;
 }

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Money.h"
+
 #include <QDate>
 #include <QString>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// A check of the shelves against the catalogue, kept in the library database
@@ -41,10 +44,19 @@ public:
                            const std::vector<int> &subCategories);
     /// The open stocktake, if there is one.
     static std::optional<Stocktake> open();
+    /// The newest stocktake, open or finished: a finished one's result stays at hand (export, print,
+    /// marking lost) until the next one starts.
+    static std::optional<Stocktake> latest();
 
     int id() const { return id_; }
     const QString &name() const { return name_; }
     const QDate &startDate() const { return startDate_; }
+    bool finished() const { return finished_; }
+    /// The scope it was started with: category and sub-category numbers (both empty: the whole catalogue).
+    std::vector<int> categories() const;
+    std::vector<int> subCategories() const;
+    /// The scans that need attention so far (not on the shelf as expected), in the order scanned.
+    std::vector<std::pair<Scan, Copy>> exceptions() const;
 
     /// Records one scan (the number as the scanner typed it, trimmed).
     Scan scan(const QString &accession);
@@ -55,18 +67,22 @@ public:
     int expectedCount() const { return expected_; }
     Result result() const;
     /// Returns a copy scanned on the shelf although the catalogue shows it on loan, as the issue desk
-    /// returns it (today, with the fine of its loan rules); its scan then counts as on the shelf.
-    /// False (after the loan routine's message) when it is not on loan.
-    bool returnToShelf(const QString &accession);
-    /// Ends the stocktake (a new one may then start).
+    /// returns it (today, with the fine of its loan rules, which goes to fine); its scan then counts
+    /// as on the shelf. False (after the loan routine's message) when it is not on loan.
+    bool returnToShelf(const QString &accession, Money *fine = nullptr);
+    /// Ends the stocktake (a new one may then start), keeping its result as it is now: the missing
+    /// copies and the counts stay as they were at finishing.
     void finish();
     /// Phases the missing copies out with the reason "Lost" and the stocktake's date, as the item editor
-    /// does; returns how many.
+    /// does (those of the result at finishing, once finished), leaving any copy lent, scanned or
+    /// removed meanwhile; returns how many.
     int markMissingLost();
 
 private:
     Stocktake() = default;
+    static std::optional<Stocktake> read(const QString &condition);
     QString scope(const QString &alias) const;
+    QString missingCondition(const QString &alias) const;
     void countInDatabase(int *scanned, int *expected) const;
     void recount();
 
@@ -77,4 +93,5 @@ private:
     QString subCategories_; // "7" or empty
     int scanned_ = 0;
     int expected_ = 0;
+    bool finished_ = false;
 };

@@ -15,6 +15,8 @@
 #include <QApplication>
 #include <QListWidgetItem>
 
+#include <algorithm>
+
 namespace {
 const QString Location = QStringLiteral("frmStocktake");
 constexpr int CategoryRole = Qt::UserRole, SubCategoryRole = Qt::UserRole + 1;
@@ -79,24 +81,57 @@ void frmStocktake::Form_Load()
                 item->setData(SubCategoryRole, rs->field(2).toInt());
             }
         }
-        stocktake_ = Stocktake::open();
+        stocktake_ = Stocktake::latest();
+        if (stocktake_ && !stocktake_->finished())
+            showExceptions();
     });
     showStocktake();
 }
 
+// A resumed stocktake lists again the scans that needed attention.
+void frmStocktake::showExceptions()
+{
+    ui->gridScans->clearRows();
+    for (const auto &[kind, copy] : stocktake_->exceptions())
+        addScanRow(QString::fromLatin1(kindText(kind)), copy.accession, copy.title);
+}
+
 void frmStocktake::showStocktake()
 {
-    const bool open = stocktake_.has_value();
+    // Open: scanning. Finished: its result stays at hand (shown, exported, missing copies marked
+    // lost) until the next stocktake is started.
+    const bool open = stocktake_ && !stocktake_->finished();
+    const bool result = stocktake_.has_value();
     for (QWidget *w : {static_cast<QWidget *>(ui->txtName), static_cast<QWidget *>(ui->dtStart), static_cast<QWidget *>(ui->chkWhole),
                        static_cast<QWidget *>(ui->cmdStart)})
         w->setEnabled(!open);
-    ui->lstScope->setEnabled(!open && !ui->chkWhole->isChecked());
-    for (QWidget *w : {static_cast<QWidget *>(ui->txtScan), static_cast<QWidget *>(ui->cmdReturn), static_cast<QWidget *>(ui->cmdFinish),
-                       static_cast<QWidget *>(ui->cmdExport), static_cast<QWidget *>(ui->cmdMarkLost)})
+    for (QWidget *w : {static_cast<QWidget *>(ui->txtScan), static_cast<QWidget *>(ui->cmdReturn)})
         w->setEnabled(open);
-    if (!open) {
+    for (QWidget *w : {static_cast<QWidget *>(ui->cmdFinish), static_cast<QWidget *>(ui->cmdExport), static_cast<QWidget *>(ui->cmdMarkLost)})
+        w->setEnabled(result);
+    ui->cmdFinish->setText(open || !result ? QStringLiteral("&Finish and Show Result") : QStringLiteral("&Show Result"));
+    if (!result) {
+        ui->lstScope->setEnabled(!ui->chkWhole->isChecked());
         ui->lblOpen->setText(QStringLiteral("No stocktake is open: name one and start it."));
         ui->lblCount->clear();
+        return;
+    }
+    // The scope it was started with.
+    const std::vector<int> categories = stocktake_->categories(), subCategories = stocktake_->subCategories();
+    ui->chkWhole->setChecked(categories.empty() && subCategories.empty());
+    for (int i = 0; i < ui->lstScope->count(); ++i) {
+        QListWidgetItem *item = ui->lstScope->item(i);
+        const bool ticked = item->data(CategoryRole).isValid()
+                                ? std::find(categories.begin(), categories.end(), item->data(CategoryRole).toInt()) != categories.end()
+                                : std::find(subCategories.begin(), subCategories.end(), item->data(SubCategoryRole).toInt()) != subCategories.end();
+        item->setCheckState(ticked ? Qt::Checked : Qt::Unchecked);
+    }
+    ui->lstScope->setEnabled(!open && !ui->chkWhole->isChecked());
+    if (!open) {
+        ui->lblOpen->setText(QStringLiteral("Stocktake \"%1\" started %2 is finished: its result can be shown, exported and acted on "
+                                            "until the next stocktake starts.")
+                                 .arg(stocktake_->name(), stocktake_->startDate().toString(Qt::ISODate)));
+        showCounts();
         return;
     }
     ui->txtName->setText(stocktake_->name());
@@ -139,23 +174,19 @@ void frmStocktake::cmdStart_Click()
     }
     Trap(Location, QStringLiteral("cmdStart_Click"), [&] {
         stocktake_ = Stocktake::start(ui->txtName->text(), ui->dtStart->date(), categories, subCategories);
+        ui->gridScans->clearRows();
     });
     showStocktake();
 }
 
-void frmStocktake::addScanRow(const QString &kind, const QString &accession)
+void frmStocktake::addScanRow(const QString &kind, const QString &accession, const QString &title)
 {
     SpreadGrid &grid = *ui->gridScans;
     const int row = grid.maxRows() + 1;
     grid.setMaxRows(row);
     grid.setCellText(1, row, kind);
     grid.setCellText(2, row, accession);
-    Trap(Location, QStringLiteral("Title"), [&] {
-        const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
-        const auto rs = db->Execute(QStringLiteral("select Title from tblLibItems where AccessionID = '") + Safesql(accession) + QStringLiteral("'"));
-        if (!rs->atEnd())
-            grid.setCellText(3, row, rs->field(0).toString());
-    });
+    grid.setCellText(3, row, title);
 }
 
 void frmStocktake::txtScan_Enter()
@@ -172,7 +203,11 @@ void frmStocktake::txtScan_Enter()
     if (outcome == Stocktake::Scan::AlreadyScanned)
         QApplication::beep(); // a second scan of one copy changes nothing
     if (outcome != Stocktake::Scan::OnShelf)
-        addScanRow(QString::fromLatin1(kindText(outcome)), accession);
+        Trap(Location, QStringLiteral("Title"), [&] {
+            const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
+            const auto rs = db->Execute(QStringLiteral("select Title from tblLibItems where AccessionID = '") + Safesql(accession) + QStringLiteral("'"));
+            addScanRow(QString::fromLatin1(kindText(outcome)), accession, rs->atEnd() ? QString() : rs->field(0).toString());
+        });
     showCounts();
 }
 
@@ -186,10 +221,13 @@ void frmStocktake::cmdReturn_Click()
     }
     const QString accession = grid.cellText(2, row);
     bool returned = false;
-    Trap(Location, QStringLiteral("cmdReturn_Click"), [&] { returned = stocktake_->returnToShelf(accession); });
+    Money fine;
+    Trap(Location, QStringLiteral("cmdReturn_Click"), [&] { returned = stocktake_->returnToShelf(accession, &fine); });
     if (returned) {
         grid.setCellText(1, row, QStringLiteral("Returned"));
-        UserMessage(QStringLiteral("%1 has been returned.").arg(accession));
+        // The fine is named, as the desk names it.
+        UserMessage(fine > Money() ? QStringLiteral("%1 has been returned - fine %2.").arg(accession, fine.toDisplayText())
+                                   : QStringLiteral("%1 has been returned.").arg(accession));
         showCounts();
     }
     ui->txtScan->setFocus();
@@ -209,19 +247,20 @@ void frmStocktake::cmdFinish_Click()
     const std::optional<Stocktake::Result> r = result();
     if (!r)
         return;
-    if (!UserQuestion(QStringLiteral("Finish the stocktake \"%1\"? %2 of %3 copies were found; %4 are missing.")
-                          .arg(stocktake_->name())
-                          .arg(r->scanned)
-                          .arg(r->expected)
-                          .arg(r->missing.size())))
-        return;
+    if (!stocktake_->finished()) {
+        if (!UserQuestion(QStringLiteral("Finish the stocktake \"%1\"? %2 of %3 copies were found; %4 are missing.")
+                              .arg(stocktake_->name())
+                              .arg(r->scanned)
+                              .arg(r->expected)
+                              .arg(r->missing.size())))
+            return;
+        if (!Trap(Location, QStringLiteral("cmdFinish_Click"), [&] { stocktake_->finish(); }))
+            return;
+        showStocktake();
+    }
     const StocktakeReport report(SchoolName, stocktake_->name(), stocktake_->startDate(), *r);
     frmReportViewer viewer(report, this);
     viewer.exec();
-    Trap(Location, QStringLiteral("cmdFinish_Click"), [&] { stocktake_->finish(); });
-    stocktake_.reset();
-    ui->gridScans->clearRows();
-    showStocktake();
 }
 
 void frmStocktake::cmdExport_Click()

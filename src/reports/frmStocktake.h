@@ -35,7 +35,8 @@ public Q_SLOTS:
 private:
     void showStocktake();
     void showCounts();
-    void addScanRow(const QString &kind, const QString &accession);
+    void addScanRow(const QString &kind, const QString &accession, const QString &title);
+    void showExceptions();
     std::optional<Stocktake::Result> result();
 
     std::unique_ptr<Ui::frmStocktake> ui;

@@ -59,6 +59,14 @@ TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
     EXPECT_EQ(numbers(r.unknown), QStringList{"X'; DELETE FROM tblLibItems; --"});
     EXPECT_EQ(r.scanned, 3);
     EXPECT_EQ(r.expected, 6);
+    // Resumed, it knows its scope and the scans that needed attention.
+    EXPECT_EQ(resumed->categories(), (std::vector<int>{1, 2}));
+    EXPECT_TRUE(resumed->subCategories().empty());
+    QStringList exceptions;
+    for (const auto &[kind, copy] : resumed->exceptions())
+        exceptions << QString::number(int(kind)) + ":" + copy.accession;
+    exceptions.sort();
+    EXPECT_EQ(exceptions, (QStringList{"2:X'; DELETE FROM tblLibItems; --", "3:S8", "4:S5", "5:S3"}));
     EXPECT_EQ(libraryValue("select count(*) from tblLibItems"), "8");
 
     // One open at a time.
@@ -76,4 +84,27 @@ TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
     Stocktake whole = Stocktake::start("Whole catalogue", QDate(2026, 11, 25), {}, {});
     EXPECT_EQ(whole.expectedCount(), 5); // S1, S3, S4, S6, S8 are left
     EXPECT_EQ(whole.scan("S8"), Stocktake::Scan::OnShelf);
+}
+
+// A finished stocktake keeps its result as it was at finishing (the missing copies and the counts)
+// until the next one starts: marking the missing copies lost afterwards changes none of it.
+TEST_F(StocktakeTest, AFinishedStocktakeKeepsItsResult)
+{
+    Stocktake take = Stocktake::start("Fiction", QDate(2026, 11, 24), {1}, {});
+    take.scan("S1");
+    take.finish();
+    std::optional<Stocktake> done = Stocktake::latest();
+    ASSERT_TRUE(done && done->finished());
+    EXPECT_FALSE(Stocktake::open());
+    EXPECT_EQ(numbers(done->result().missing), (QStringList{"S2", "S4"})); // S3 is on loan
+    // S4 is lent after finishing: only S2 is marked, and the result is as it was.
+    library("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('S4', 'L', 2, 4, #2026-11-25#, #2026-12-09#)");
+    EXPECT_EQ(done->markMissingLost(), 1);
+    EXPECT_EQ(libraryRows("select AccessionID from tblLibItems where PhasedOutReason = 'Lost'"), QStringList{"S2"});
+    done = Stocktake::latest();
+    const Stocktake::Result r = done->result();
+    EXPECT_EQ(numbers(r.missing), (QStringList{"S2", "S4"}));
+    EXPECT_EQ(r.scanned, 1);
+    EXPECT_EQ(r.expected, 4);
+    EXPECT_EQ(done->expectedCount(), 4);
 }

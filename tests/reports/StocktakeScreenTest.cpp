@@ -89,7 +89,7 @@ TEST_F(StocktakeScreen, ScansAreShownCountedAndKeptUntilTheStocktakeIsFinished)
         // The copy on loan but on the shelf is returned as the desk returns it: four days late at 0.50 a day.
         grid->selectGridRow(4);
         click(screen, "cmdReturn");
-        EXPECT_EQ(messages_->prompts().last(), "S3 has been returned.");
+        EXPECT_EQ(messages_->prompts().last(), "S3 has been returned - fine 2.00.");
         EXPECT_EQ(libraryRows("select Returned, ReturnDate from tblLibTransactions"), QStringList{"True|2026-11-24"});
         EXPECT_EQ(libraryValue("select FineAmount from tblLibTransactionFines"), "2");
     }
@@ -129,4 +129,56 @@ TEST_F(StocktakeScreen, ScansAreShownCountedAndKeptUntilTheStocktakeIsFinished)
         EXPECT_TRUE(text.contains(expected)) << expected;
     EXPECT_FALSE(child<QLineEdit>(screen, "txtScan")->isEnabled()); // finished: a new one may start
     EXPECT_TRUE(child<QPushButton>(screen, "cmdStart")->isEnabled());
+}
+
+// Resumed on a shown screen, the scanner's Enter only ever records the scan (no button answers it);
+// the screen shows the scope it was started with and the scans that needed attention. Finished,
+// its result stays at hand with the counts at finishing, also after the screen is opened again.
+TEST_F(StocktakeScreen, AResumedStocktakeKeepsEveryScanAndAFinishedOneItsResult)
+{
+    {
+        frmStocktake screen;
+        child<QLineEdit>(screen, "txtName")->setText("Fiction 2026");
+        child<QCheckBox>(screen, "chkWhole")->setChecked(false);
+        child<QListWidget>(screen, "lstScope")->item(0)->setCheckState(Qt::Checked);
+        click(screen, "cmdStart");
+        scan(screen, "S3");
+        scan(screen, "Z9");
+    }
+    frmStocktake screen;
+    screen.show();
+    QApplication::setActiveWindow(&screen);
+    EXPECT_FALSE(child<QCheckBox>(screen, "chkWhole")->isChecked());
+    EXPECT_EQ(child<QListWidget>(screen, "lstScope")->item(0)->checkState(), Qt::Checked);
+    EXPECT_EQ(child<QListWidget>(screen, "lstScope")->item(1)->checkState(), Qt::Unchecked);
+    auto *grid = child<SpreadGrid>(screen, "gridScans");
+    ASSERT_EQ(grid->maxRows(), 2);
+    EXPECT_EQ(grid->cellText(1, 1) + "|" + grid->cellText(2, 1) + "|" + grid->cellText(3, 1), "On loan|S3|Title 3");
+    EXPECT_EQ(grid->cellText(1, 2) + "|" + grid->cellText(2, 2), "Unknown number|Z9");
+    messages_->clear();
+    scan(screen, "S1");
+    scan(screen, "S2");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
+    EXPECT_EQ(label(screen, "lblCount"), "Scanned 3 of 4");
+    EXPECT_EQ(libraryValue("select count(*) from tblLibStocktakeScans where AccessionID in ('S1', 'S2')"), "2");
+
+    QObject scope;
+    QTimer::singleShot(0, &scope, [&] {
+        if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget()))
+            viewer->close();
+    });
+    messages_->queueAnswer(MessageScript::Yes);
+    click(screen, "cmdFinish");
+    EXPECT_TRUE(child<QPushButton>(screen, "cmdExport")->isEnabled());
+    EXPECT_TRUE(child<QPushButton>(screen, "cmdMarkLost")->isEnabled());
+    messages_->queueAnswer(MessageScript::Yes);
+    click(screen, "cmdMarkLost");
+    EXPECT_EQ(libraryRows("select AccessionID from tblLibItems where PhasedOutReason = 'Lost'"), QStringList{"S4"});
+
+    frmStocktake again;
+    EXPECT_EQ(label(again, "lblCount"), "Scanned 3 of 4"); // as at finishing
+    EXPECT_TRUE(child<QPushButton>(again, "cmdExport")->isEnabled());
+    messages_->queueFileName(path("finished"));
+    click(again, "cmdExport");
+    EXPECT_EQ(workbookRows(path("finished.xlsx")), (QStringList{"Result|Accession No|Title", "Missing|S4|Title 4", "On loan|S3|Title 3", "Unknown number|Z9"}));
 }

@@ -75,7 +75,8 @@ QString TestEngine::makeServerLibrary()
     // Test processes run side by side: each finds the template, or builds one under its own name
     // and renames it into place (the first rename wins; a loser drops its copy).
     static const QString templateName = [] {
-        const QString wanted = QStringLiteral("shelvora_library_template");
+        // Named by the structure version, so a server kept between runs never hands out an older structure.
+        const QString wanted = QStringLiteral("shelvora_library_template_v%1").arg(int(DatabaseSchema::Current));
         if (!admin(QStringLiteral("SELECT 1 FROM pg_database WHERE datname = '%1'").arg(wanted), nullptr, true)) {
             const QString location = makeEmptyServerDatabase();
             DatabaseSchema::createLibraryDatabase(location);
