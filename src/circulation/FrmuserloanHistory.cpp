@@ -190,6 +190,7 @@ void FrmuserloanHistory::cmdReturn_Click()
 void FrmuserloanHistory::cmdFine_Click()
 {
     frmFinePayment fines(this);
+    fines.openFor(memberType_, memberID_);
     fines.exec();
     showMember(); // a payment changes what the member owes
 }

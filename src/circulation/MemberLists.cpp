@@ -10,6 +10,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSignalBlocker>
 #include <QStandardItemModel>
@@ -84,8 +85,9 @@ void FillFinePaymentMembers(QComboBox *combo, const QString &memberKind)
 
 MemberPicker::MemberPicker(QAbstractButton *learner, QAbstractButton *educator, QAbstractButton *staff, QComboBox *members, QLineEdit *number,
                            Filler fill, const QString &location)
-    : QObject(members), learner_(learner), educator_(educator), members_(members), number_(number), fill_(fill), location_(location)
+    : QObject(members), learner_(learner), educator_(educator), members_(members), staff_(staff), number_(number), fill_(fill), location_(location)
 {
+    connect(number, &QLineEdit::editingFinished, this, &MemberPicker::showName);
     new ComboTypeAhead(members);
     for (QAbstractButton *option : {learner, educator, staff})
         connect(option, &QAbstractButton::clicked, this, &MemberPicker::FillMembers);
@@ -107,4 +109,55 @@ void MemberPicker::chosen()
         Q_EMIT memberChosen();
         number_->setText(GetMemberIDNo(members_->currentData().toInt(), kind()).toString());
     });
+    showName();
+}
+
+void MemberPicker::setNameLabel(QLabel *label)
+{
+    name_ = label;
+    name_->clear();
+}
+
+void MemberPicker::showName()
+{
+    if (!name_)
+        return;
+    const QString number = number_->text().trimmed();
+    if (number.isEmpty()) {
+        name_->clear();
+        return;
+    }
+    Trap(location_, QStringLiteral("Member Name"), [&] {
+        const QVariant member = GetMemberByIDNo(number, kind());
+        const QString name = member.isNull() ? QString() : MemberName(kind(), member.toInt());
+        name_->setText(name.isEmpty() ? QStringLiteral("No member with number %1").arg(number) : name);
+    });
+}
+
+void MemberPicker::choose(const QString &memberKind, int memberID)
+{
+    QAbstractButton *option = memberKind == QLatin1String("L") ? learner_ : memberKind == QLatin1String("E") ? educator_ : staff_;
+    option->setChecked(true);
+    FillMembers();
+    const int index = members_->findData(memberID);
+    if (index >= 0) {
+        members_->setCurrentIndex(index);
+        chosen();
+    }
+}
+
+QString MemberName(const QString &memberKind, int memberID)
+{
+    const QString id = QString::number(memberID);
+    const QString sql = memberKind == QLatin1String("L")
+                            ? QStringLiteral("Select sname, fname, classname from Learner_info left join classes on learner_info.class = classes.classid where status = 'C' and [ID] = ") + id
+                        : memberKind == QLatin1String("E") ? QStringLiteral("Select sname, fname from Educators where status = 'C' and EdID = ") + id
+                                                           : QStringLiteral("Select sname, fname from staffmembers where status = 'C' and StaffID = ") + id;
+    const auto rs = SchoolQuery(sql);
+    if (rs->atEnd())
+        return QString();
+    QString name = rs->field(QStringLiteral("sname")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("fname")).toString();
+    if (memberKind == QLatin1String("L") && !rs->field(QStringLiteral("classname")).toString().isEmpty())
+        name += QStringLiteral(" (") + rs->field(QStringLiteral("classname")).toString() + QLatin1Char(')');
+    return name;
 }

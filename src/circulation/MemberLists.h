@@ -8,6 +8,7 @@
 
 class QAbstractButton;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class Recordset;
 
@@ -18,6 +19,10 @@ void FillMemberCombo(QComboBox *combo, const QString &sql, const QString &idFiel
 
 /// The member kind chosen with the three option buttons: "L" learner, "E" educator, else "S" staff member.
 QString MemberKind(const QAbstractButton *learner, const QAbstractButton *educator);
+
+/// A current member's name as the screens show it: "Surname, First name (class)" for learners,
+/// "Surname, First name" otherwise; empty when nobody current has that kind and number.
+QString MemberName(const QString &memberKind, int memberID);
 
 /// The year the learner lists are drawn up for (learners admitted up to this year).
 QString CurrentYear();
@@ -44,6 +49,12 @@ public:
     QString kind() const { return MemberKind(learner_, educator_); }
     /// Fills the list for the chosen kind.
     void FillMembers();
+    /// Where the chosen member's name is shown (the number typed, or the entry chosen).
+    void setNameLabel(QLabel *label);
+    /// Shows the name of the member whose number is in the box.
+    void showName();
+    /// Chooses a member by kind and internal number, as if picked from the list.
+    void choose(const QString &memberKind, int memberID);
 
 Q_SIGNALS:
     /// A member was chosen from the list (before the number box is written).
@@ -55,7 +66,9 @@ private:
     QAbstractButton *learner_;
     QAbstractButton *educator_;
     QComboBox *members_;
+    QAbstractButton *staff_;
     QLineEdit *number_;
+    QLabel *name_ = nullptr;
     Filler fill_;
     QString location_;
 };

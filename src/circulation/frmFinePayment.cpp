@@ -35,6 +35,7 @@ frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_
     ui->setupUi(this);
     GuardTypedFields(this);
     members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtmemberID, FillFinePaymentMembers, Location);
+    members_->setNameLabel(ui->lblMemberName);
     connect(members_, &MemberPicker::memberChosen, this, &frmFinePayment::ClearSpreads);
     ui->fpSpreadFined->defineColumns({{"AccessionNo", 12}, {"Title", 34}, {"Due Date", 11}, {"Returned Date", 12}, {"Fine Amount", 10},
                                       {"Payment", 8}, {"Cancel", 7}});
@@ -56,6 +57,12 @@ frmFinePayment::frmFinePayment(QWidget *parent) : QDialog(parent), ui(std::make_
 
 frmFinePayment::~frmFinePayment() = default;
 
+void frmFinePayment::openFor(const QString &memberKind, int memberID)
+{
+    Trap(Location, QStringLiteral("openFor"), [&] { members_->choose(memberKind, memberID); });
+    cmdFind_Click();
+}
+
 QString frmFinePayment::finesOfMember() const
 {
     return QStringLiteral("SELECT tblLibTransactionFines.transactionid,tblLibTransactionFines.FineAmount, tblLibTransactions.DueDate, tblLibTransactions.ReturnDate, tblLibItems.Title, tblLibItems.AccessionID")
@@ -76,6 +83,7 @@ void frmFinePayment::cmdFind_Click()
         kind_ = members_->kind();
         const QVariant member = GetMemberByIDNo(number, kind_);
         member_ = QString::number(member.isNull() ? 0 : member.toInt());
+        members_->showName();
         LoadFines(finesOfMember() + QStringLiteral(" order by tblLibItems.Title"));
     });
 }

@@ -18,6 +18,9 @@ public:
     explicit frmFinePayment(QWidget *parent = nullptr);
     ~frmFinePayment() override;
 
+    /// Opens on one member's fines (from the member's loan history).
+    void openFor(const QString &memberKind, int memberID);
+
 public Q_SLOTS:
     void cmdFind_Click();
     void GetTicked(int col, int row);

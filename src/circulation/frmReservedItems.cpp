@@ -31,6 +31,8 @@ frmReservedItems::frmReservedItems(QWidget *parent) : QDialog(parent), ui(std::m
     LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
     LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
     members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtMemberID, FillReservationMembers, Location);
+    members_->setNameLabel(ui->lblMemberName);
+    connect(ui->txtMemberID, &QLineEdit::returnPressed, this, &frmReservedItems::cmdFind_Click);
     ui->fpSpreadReserves->defineColumns({{"Item Accssn #", 14}, {"Title", 36}, {"Date Res", 11}, {"Member", 26}, {"Type", 6}, {"Cancel", 7}});
     ui->fpSpreadReserves->setColumnType(CancelColumn, SpreadModel::CellType::CheckBox);
     ui->dtFrom->setDate(Clock::today().addMonths(-3));

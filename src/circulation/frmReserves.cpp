@@ -29,6 +29,7 @@ frmReserves::frmReserves(QWidget *parent) : QDialog(parent), ui(std::make_unique
     LimitToColumn(ui->txtAccessionNo, "tblLibItems", "AccessionID");
     LimitToColumn(ui->txtTitle, "tblLibItems", "Title");
     members_ = new MemberPicker(ui->optLearner, ui->optEducator, ui->optStaff, ui->cboMembers, ui->txtMemberID, FillReservationMembers, Location);
+    members_->setNameLabel(ui->lblMemberName);
     ui->fpSpreadSearch->defineColumns({{"Item Accssn #", 14}, {"Title", 44}, {"Reserve", 9}});
     ui->fpSpreadSearch->setColumnType(ReserveColumn, SpreadModel::CellType::Button, QStringLiteral("Reserve"));
     ui->fpSpreadReserves->defineColumns({{"Item Accssn #", 14}, {"Member ID", 16}, {"Type", 6}, {"Date Reserved", 13}, {"Cancel", 7}});
@@ -193,7 +194,8 @@ void frmReserves::reserve(int row)
         return;
     }
     search.removeRow(row);
-    UserMessage(QStringLiteral("The item has been reserved"));
+    members_->showName();
+    UserMessage(QStringLiteral("The item has been reserved") + QStringLiteral(" for ") + MemberName(kind_, member) + QLatin1Char('.'));
     cmdFind_Click();
 }
 

@@ -3,11 +3,13 @@
 #include "SchoolDeskFixture.h"
 
 #include "FrmuserloanHistory.h"
+#include "frmFinePayment.h"
 #include "frmIssueSystem.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QRadioButton>
+#include <QTimer>
 
 namespace {
 
@@ -169,4 +171,16 @@ TEST_F(DeskFlow, TheLoanHistoryShowsItsMemberAndFollowsItsTransactions)
     type(history, "txtAccNo", "A1");
     click(history, "cmdissue");
     EXPECT_EQ(label(history, "lblItemsOut"), "Items out: 2");
+
+    // "Pay Fine" opens the payments on this member.
+    QString shownMember;
+    QObject scope;
+    QTimer::singleShot(0, &scope, [&] {
+        if (auto *fines = qobject_cast<frmFinePayment *>(QApplication::activeModalWidget())) {
+            shownMember = child<QLineEdit>(*fines, "txtmemberID")->text() + "|" + label(*fines, "lblMemberName");
+            fines->close();
+        }
+    });
+    click(history, "cmdFine");
+    EXPECT_EQ(shownMember, "L100|Botha, Anna (8A)");
 }

@@ -3,6 +3,8 @@
 
 #include "frmFinePayment.h"
 
+#include <QLabel>
+
 namespace {
 
 class FinePayment : public SchoolDesk {
@@ -120,6 +122,21 @@ TEST_F(FinePayment, ProcessingSeveralWritesThemAllTogether)
     EXPECT_TRUE(rows(*screen, "fpSpreadPayCancel").isEmpty());
     EXPECT_EQ(rows(*screen, "fpSpreadFined"), QStringList{"A3|Book 3|2026-10-05||0.75|0|0"}); // the fine still open, listed again
     EXPECT_EQ(total(*screen), "0.00");
+}
+
+// "Pay Fine" in a member's loan history opens the payments on that member, fines listed, the
+// member's name shown; a number typed shows its member's name too.
+TEST_F(FinePayment, OpensOnTheMemberOfTheLoanHistory)
+{
+    frmFinePayment screen;
+    screen.openFor("L", 12);
+    EXPECT_EQ(child<QLineEdit>(screen, "txtmemberID")->text(), "L100");
+    EXPECT_EQ(child<QLabel>(screen, "lblMemberName")->text(), "Botha, Anna (8A)");
+    EXPECT_EQ(rows(screen, "fpSpreadFined").size(), 2);
+    auto typed = findFor("L102");
+    EXPECT_EQ(child<QLabel>(*typed, "lblMemberName")->text(), "Dlamini, Sipho (9B)");
+    auto nobody = findFor("Z1");
+    EXPECT_EQ(child<QLabel>(*nobody, "lblMemberName")->text(), "No member with number Z1");
 }
 
 TEST_F(FinePayment, PrintsUnderTheSchoolName)
