@@ -3,6 +3,8 @@
 #include "ui_frmLibraryUsers.h"
 
 #include "AppError.h"
+#include "DbConnection.h"
+#include "Money.h"
 #include "FrmuserloanHistory.h"
 #include "MemberLists.h"
 #include "Recordset.h"
@@ -15,6 +17,7 @@
 #include "SchoolDatabase.h"
 
 #include <QDir>
+#include <QHash>
 #include <QStandardPaths>
 
 namespace {
@@ -36,9 +39,9 @@ frmLibraryUsers::frmLibraryUsers(QWidget *parent) : QDialog(parent), ui(std::mak
     ui->setupUi(this);
     GuardTypedFields(this);
     ui->grdLearners->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Accession No", 12}, {"Grade", 10}, {"Class", 8},
-                                    {"Fine", 6}, {"", 2}, {"", 2}});
+                                    {"Fine", 6}});
     ui->grdEducators->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Identification Number", 18}, {"Register Class", 12},
-                                     {"Fine", 6}, {"", 2}, {"", 2}});
+                                     {"Fine", 6}});
     ui->grdLearners->setColumnMoney(7);
     ui->grdEducators->setColumnMoney(6);
     ui->gridStaff->defineColumns({{"Library Number", 10}, {"Surname", 20}, {"First Name", 18}, {"Identification Number", 18}});
@@ -81,8 +84,26 @@ frmLibraryUsers::frmLibraryUsers(QWidget *parent) : QDialog(parent), ui(std::mak
 
 frmLibraryUsers::~frmLibraryUsers() = default;
 
-void frmLibraryUsers::load(SpreadGrid *grid, QLineEdit *total, const QString &sql, const std::vector<std::pair<int, const char *>> &fields)
+namespace {
+
+// Each member's open fines (neither paid nor cancelled) added up, by internal number.
+QHash<int, Money> openFines(const QString &memberType)
 {
+    QHash<int, Money> totals;
+    const std::unique_ptr<DbConnection> library = OpenLibraryDatabase(true);
+    const auto rs = library->Execute(QStringLiteral("select MemberID, sum(FineAmount) as total from tblLibTransactionFines where MemberType = '")
+                                     + memberType + QStringLiteral("' and FineCancelled = false and PaymentDate is null group by MemberID"));
+    for (; !rs->atEnd(); rs->MoveNext())
+        totals.insert(rs->field(0).toInt(), rs->field(1).toMoney());
+    return totals;
+}
+
+} // namespace
+
+void frmLibraryUsers::load(SpreadGrid *grid, QLineEdit *total, const QString &sql, const std::vector<std::pair<int, const char *>> &fields,
+                           const QString &memberType, int fineColumn)
+{
+    const QHash<int, Money> fines = fineColumn > 0 ? openFines(memberType) : QHash<int, Money>();
     const auto rs = SchoolQuery(sql);
     std::vector<std::pair<int, int>> present; // grid column, field index
     for (const auto &[col, name] : fields) {
@@ -100,14 +121,16 @@ void frmLibraryUsers::load(SpreadGrid *grid, QLineEdit *total, const QString &sq
             if (!rs->field(index).isNull())
                 grid->setCellText(col, row, rs->field(index).toString());
         grid->setCellText(0, row, grid->cellText(1, row));
+        if (const auto fine = fines.constFind(grid->cellText(1, row).toInt()); fine != fines.constEnd() && *fine > Money())
+            grid->setCellText(fineColumn, row, fine->toDisplayText());
     }
     grid->endFill();
     total->setText(QString::number(row));
 }
 
-void frmLibraryUsers::LoadLearners(const QString &sql) { load(ui->grdLearners, ui->txtTotalLearners, sql, LearnerFields); }
-void frmLibraryUsers::LoadEducators(const QString &sql) { load(ui->grdEducators, ui->txtTotalEducators, sql, EducatorFields); }
-void frmLibraryUsers::LoadStaff(const QString &sql) { load(ui->gridStaff, ui->txttotalStaff, sql, StaffFields); }
+void frmLibraryUsers::LoadLearners(const QString &sql) { load(ui->grdLearners, ui->txtTotalLearners, sql, LearnerFields, QStringLiteral("L"), 7); }
+void frmLibraryUsers::LoadEducators(const QString &sql) { load(ui->grdEducators, ui->txtTotalEducators, sql, EducatorFields, QStringLiteral("E"), 6); }
+void frmLibraryUsers::LoadStaff(const QString &sql) { load(ui->gridStaff, ui->txttotalStaff, sql, StaffFields, QStringLiteral("S"), 0); }
 
 void frmLibraryUsers::learnerList(const QString &caption, const QString &totalLabel, const QString &sql, const QString &procedure, const QString &location)
 {

@@ -38,7 +38,9 @@ private:
     void LoadLearners(const QString &sql);
     void LoadEducators(const QString &sql);
     void LoadStaff(const QString &sql);
-    void load(SpreadGrid *grid, class QLineEdit *total, const QString &sql, const std::vector<std::pair<int, const char *>> &fields);
+    /// Fills a list from the school's members; with a fine column, each member's open fines added up.
+    void load(SpreadGrid *grid, class QLineEdit *total, const QString &sql, const std::vector<std::pair<int, const char *>> &fields,
+              const QString &memberType, int fineColumn);
     void exportGrid(SpreadGrid *grid, const QString &sheetName);
     void printGrid(SpreadGrid *grid, const QString &heading, const QString &location);
     void showList(class QGroupBox *frame, const QString &caption, bool educators, const QString &sql, const QString &location,
