@@ -60,12 +60,7 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     criteria_ = ItemCriteria{ui->cmbCategory, ui->cmbSubCategory, ui->txtAccessionNo, ui->txtAuthorSurname, ui->txtTitle,
                              ui->txtClassificationNo, ui->txtISBN, nullptr, ui->chRestricted, ui->chShortLoan};
     criteria_.limitToColumns();
-    SpreadGrid &grid = *ui->fpSpreadStock;
-    grid.defineColumns({{"Accession No", 12}, {"Shelf No", 10}, {"Class", 9}, {"Authors", 28}, {"Title", 34}, {"", 3}, {"Restricted", 9},
-                        {"Loan Type", 8}, {"ISBN", 14}, {"Price", 8}, {"Purchased", 11}});
-    grid.setColumnType(RestrictedColumn, SpreadModel::CellType::CheckBox);
-    grid.setColumnLocked(LoanTypeColumn, false);
-    grid.setColumnCodes(LoanTypeColumn, {QStringLiteral("S"), QStringLiteral("N"), QStringLiteral("L")});
+    defineGrid(false);
     connect(ui->cmdSearch, &QPushButton::clicked, this, &frmItemList::cmdSearch_Click);
     for (QLineEdit *box : criteria_.boxes())
         connect(box, &QLineEdit::returnPressed, this, &frmItemList::cmdSearch_Click);
@@ -93,6 +88,20 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
 
 frmItemList::~frmItemList() = default;
 
+// The list's columns; the removed-items list also says why and when each copy was removed.
+void frmItemList::defineGrid(bool removed)
+{
+    SpreadGrid &grid = *ui->fpSpreadStock;
+    std::vector<std::pair<const char *, double>> columns{{"Accession No", 12}, {"Shelf No", 10}, {"Class", 9}, {"Authors", 28}, {"Title", 34}, {"", 3},
+                                                         {"Restricted", 9}, {"Loan Type", 8}, {"ISBN", 14}, {"Price", 8}, {"Purchased", 11}};
+    if (removed)
+        columns.insert(columns.end(), {{"Removed Because", 14}, {"Removed On", 11}});
+    grid.defineColumns(columns);
+    grid.setColumnType(RestrictedColumn, SpreadModel::CellType::CheckBox);
+    grid.setColumnLocked(LoanTypeColumn, false);
+    grid.setColumnCodes(LoanTypeColumn, {QStringLiteral("S"), QStringLiteral("N"), QStringLiteral("L")});
+}
+
 namespace {
 
 // The fields behind the grid's columns, looked up once per result.
@@ -100,8 +109,10 @@ struct ListFields {
     explicit ListFields(const Recordset &rs)
     {
         for (const auto &[column, name] : {std::pair{0, "ItemID"}, {1, "AccessionID"}, {2, "ShelfNumber"}, {3, "classificationno"}, {5, "Title"},
-                                           {LoanTypeColumn, "LoanType"}, {9, "ISBN"}, {CostColumn, "Cost"}, {11, "DatePurchased"}})
-            plain.emplace_back(column, rs.fieldIndex(QLatin1String(name)));
+                                           {LoanTypeColumn, "LoanType"}, {9, "ISBN"}, {CostColumn, "Cost"}, {11, "DatePurchased"},
+                                           {12, "PhasedOutReason"}, {13, "PhasedOutDate"}})
+            if (const int field = rs.fieldIndex(QLatin1String(name)); field >= 0 || column < 12) // the last two: removed copies only
+                plain.emplace_back(column, field);
         author1 = rs.fieldIndex(QStringLiteral("Author1"));
         author2 = rs.fieldIndex(QStringLiteral("Author2"));
         reference = rs.fieldIndex(QStringLiteral("ReferenceItem"));
@@ -184,8 +195,11 @@ void frmItemList::cmdSearch_Click()
         shown_.clear();
         const QString criteria = criteria_.condition();
         QString where;
-        if (ui->chRemoved->isChecked()) {
-            where = QStringLiteral(" Where i.PhasedOut = True "); // every phased-out item, whatever else was entered
+        const bool removed = ui->chRemoved->isChecked();
+        defineGrid(removed);
+        if (removed) {
+            // The copies removed from the catalogue, narrowed by whatever else was entered.
+            where = QStringLiteral(" Where i.PhasedOut = True ") + (criteria.isEmpty() ? QString() : QStringLiteral("And ") + criteria);
         } else if (!criteria.isEmpty()) {
             where = QStringLiteral(" Where i.PhasedOut = False And ") + criteria;
         } else {
@@ -194,7 +208,7 @@ void frmItemList::cmdSearch_Click()
         }
         mode_ = QStringLiteral("Search");
         order_.reset();
-        fill(SearchSelect + SearchFrom + where);
+        fill(SearchSelect + (removed ? QStringLiteral(", i.PhasedOutReason, i.PhasedOutDate") : QString()) + SearchFrom + where);
     }, [&] { data_.CloseCompact(); });
 }
 
@@ -207,6 +221,7 @@ bool frmItemList::SearchItems(const QString &condition, const QString &mode)
     const bool filled = Trap(
         Location, mode + QStringLiteral(" Search"),
         [&] {
+            defineGrid(false);
             mode_ = mode;
             order_.reset();
             fill(mode == QLatin1String("Subject") ? subjectStatement(condition) : clsTSQL().spKeywordsSearchItems(condition));
@@ -236,6 +251,7 @@ void frmItemList::cmdKeywordSearch_Click()
 void frmItemList::cmdAll_Click()
 {
     Trap(Location, QStringLiteral("cmdAll_Click"), [&] {
+        defineGrid(false);
         mode_ = QStringLiteral("All");
         order_.reset();
         fill(SearchSelect
@@ -350,6 +366,8 @@ void frmItemList::cmdEdit_Click()
 void frmItemList::cmdPrint_Click()
 {
     Trap(Location, QStringLiteral("Print Routine"), [&] {
-        PrintGridWithHeading(PrintLandscape, QStringLiteral("Stock Item List"), *ui->fpSpreadStock);
+        const bool removed = ui->fpSpreadStock->cellText(12, 0) == QLatin1String("Removed Because");
+        PrintGridWithHeading(PrintLandscape, removed ? QStringLiteral("Items Removed from the Catalogue") : QStringLiteral("Stock Item List"),
+                             *ui->fpSpreadStock);
     });
 }

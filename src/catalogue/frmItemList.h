@@ -45,6 +45,7 @@ public Q_SLOTS:
 
 private:
     void fill(const QString &sql);
+    void defineGrid(bool removed);
     void openEditor(int mode);
 
     std::unique_ptr<Ui::frmItemList> ui;

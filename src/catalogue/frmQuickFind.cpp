@@ -53,7 +53,9 @@ void frmQuickFind::cmdFind_Click()
             const int rows = data_.GetData(clsTSQL().spQSItemsFind(QLatin1String(search.kind), Safesql(search.box->text())));
             if (rows < 1) {
                 data_.CloseCompact();
-                UserMessage(QStringLiteral("No Items found with this ") + label + QStringLiteral("."));
+                // A copy removed from the catalogue is still found by its number, with why and when.
+                if (search.box != ui->txtAccNumber || !showRemoved(search.box->text()))
+                    UserMessage(QStringLiteral("No Items found with this ") + label + QStringLiteral("."));
                 return;
             }
             const std::shared_ptr<Recordset> found = data_.rst;
@@ -74,6 +76,32 @@ void frmQuickFind::cmdFind_Click()
         }, [&] { data_.CloseCompact(); });
         return; // the first box filled decides the search
     }
+}
+
+bool frmQuickFind::showRemoved(const QString &accession)
+{
+    SpreadGrid &grid = *ui->gridLocation;
+    const int rows = data_.GetData(QStringLiteral("select AccessionID, ShelfNumber, Title, PhasedOutReason, PhasedOutDate from tblLibItems where AccessionID = '")
+                                   + Safesql(accession) + QStringLiteral("' and PhasedOut = true order by ItemID"));
+    if (rows > 0) {
+        const FillScope fill(grid);
+        grid.setMaxRows(rows);
+        int row = 0;
+        for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+            ++row;
+            grid.setCellText(1, row, rs.field(0).toString());
+            grid.setCellText(4, row, rs.field(1).toString());
+            grid.setCellText(5, row, rs.field(2).toString());
+            QStringList why;
+            if (!rs.field(3).toString().isEmpty())
+                why << rs.field(3).toString();
+            if (!rs.field(4).isNull())
+                why << rs.field(4).toDate().toString(Qt::ISODate);
+            grid.setCellText(2, row, why.isEmpty() ? QStringLiteral("Removed") : QStringLiteral("Removed: ") + why.join(QStringLiteral(", ")));
+        }
+    }
+    data_.CloseCompact();
+    return rows > 0;
 }
 
 void frmQuickFind::showAvailability(const std::vector<int> &items)

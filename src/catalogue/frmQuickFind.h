@@ -25,6 +25,8 @@ public Q_SLOTS:
 
 private:
     /// Fills Status, Due Date and User of rows 1.. for the copies found (item numbers in row order).
+    /// Lists the removed copies with this accession number ("Removed: Lost, 2026-11-24"); false when there is none.
+    bool showRemoved(const QString &accession);
     void showAvailability(const std::vector<int> &items);
 
     std::unique_ptr<Ui::frmQuickFind> ui;

@@ -40,6 +40,12 @@ TEST_F(QuickFind, ShowsWhereEachCopyIs)
     type(screen, "txtAccNumber", "A3"); // the accession number wins over the title
     click(screen, "cmdFind");
     EXPECT_EQ(rows(screen, "gridLocation"), QStringList{"A3|Available||F DUS|Dusk|"});
+
+    // A copy marked lost is still found by its number, saying why and since when.
+    library("Update tblLibItems set PhasedOut = true, PhasedOutReason = 'Lost', PhasedOutDate = #2026-11-24# where AccessionID = 'A3'");
+    click(screen, "cmdFind");
+    EXPECT_EQ(rows(screen, "gridLocation"), QStringList{"A3|Removed: Lost, 2026-11-24||F DUS|Dusk|"});
+    EXPECT_TRUE(messages_->shown().empty());
 }
 
 TEST_F(QuickFind, AuthorsFirstOrSecondAndKeywords)
