@@ -81,6 +81,15 @@ protected:
         g.setCellText(5, 10, "2026-03-01");
         g.setCellText(5, 11, "2");
     }
+    // Chooses a removal reason and saves, answering Yes to the question that follows.
+    void removeAs(frmItemAddModify &screen, const char *reason)
+    {
+        QComboBox *weed = child<QComboBox>(screen, "cboWeed");
+        weed->setCurrentIndex(weed->findText(QLatin1String(reason)));
+        messages_->clear();
+        messages_->queueAnswer(MessageScript::Yes);
+        click(screen, "cmdSave");
+    }
     void lend(const QString &accession, int itemID, const QString &type, int member, const QString &due)
     {
         library(QString("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('%1', '%2', %3, %4, "
@@ -393,10 +402,7 @@ TEST_F(ItemEditor, ALentItemCannotBeEditedAndIsReturnedBeforeItIsPhasedOut)
     EXPECT_EQ(libraryRows("select Title, PhasedOut from tblLibItems"), QStringList{"Lent|False"});
     EXPECT_EQ(libraryRows("select Returned from tblLibTransactions"), QStringList{"False"});
 
-    weed->setCurrentIndex(weed->findText("Damaged"));
-    messages_->clear();
-    messages_->queueAnswer(MessageScript::Yes);
-    click(screen, "cmdSave");
+    removeAs(screen, "Damaged");
     EXPECT_EQ(messages_->prompts().last(), "Saved Successfully");
     EXPECT_EQ(libraryRows("select Title, PhasedOut, PhasedOutDate, PhasedOutReason from tblLibItems"), QStringList{"Lent|True|2026-11-20|Damaged"});
     EXPECT_EQ(libraryRows("select Returned, ReturnDate from tblLibTransactions"), QStringList{"True|2026-11-23"});
@@ -416,21 +422,15 @@ TEST_F(ItemEditor, ALentCopyIsRemovedOnlyOnceItsLoanIsClosed)
     CurrentItemID = 1;
     frmItemAddModify screen(screens_);
     sheet(screen).setCellText(2, 13, "X9");
-    QComboBox *weed = child<QComboBox>(screen, "cboWeed");
 
     TestEngine::refuse(libraryPath_, "tblLibTransactions", "UPDATE");
-    weed->setCurrentIndex(weed->findText("Lost"));
-    messages_->queueAnswer(MessageScript::Yes);
-    click(screen, "cmdSave");
+    removeAs(screen, "Lost");
     EXPECT_NE(messages_->prompts().last(), "Saved Successfully");
     EXPECT_EQ(libraryRows("select AccessionID, PhasedOut from tblLibItems"), QStringList{"O'B1|False"});
     EXPECT_EQ(libraryRows("select Returned from tblLibTransactions"), QStringList{"False"});
 
     TestEngine::unrefuse(libraryPath_, "tblLibTransactions", "UPDATE");
-    weed->setCurrentIndex(weed->findText("Lost"));
-    messages_->clear();
-    messages_->queueAnswer(MessageScript::Yes);
-    click(screen, "cmdSave");
+    removeAs(screen, "Lost");
     EXPECT_EQ(messages_->prompts().last(), "Saved Successfully");
     EXPECT_EQ(libraryRows("select AccessionID, PhasedOut, PhasedOutReason from tblLibItems"), QStringList{"O'B1|True|Lost"});
     EXPECT_EQ(libraryRows("select Returned from tblLibTransactions"), QStringList{"True"});
