@@ -1,5 +1,7 @@
 #include "Money.h"
 
+#include <QLocale>
+
 #include "AppError.h"
 
 #include <cmath>
@@ -92,4 +94,10 @@ QString Money::toSqlText() const
 QString Money::toDisplayText() const
 {
     return QString::number(toDouble(), 'f', 2);
+}
+
+QString Money::toCurrencyText() const
+{
+    const QString symbol = QLocale().currencySymbol(QLocale::CurrencySymbol);
+    return (symbol.isEmpty() ? QStringLiteral("R") : symbol) + QLatin1Char(' ') + toDisplayText();
 }

@@ -25,6 +25,9 @@ public:
     QString toSqlText() const;
     /// Two decimals for display ("1.50").
     QString toDisplayText() const;
+    /// The amount as a letter writes it: the currency's symbol (the system's, "R" where it has none)
+    /// and two decimals ("R 12.50").
+    QString toCurrencyText() const;
 
     // Arithmetic beyond the 64-bit range throws AppError "Overflow" (number 6), as the old runtime did.
     Money operator+(Money o) const;

@@ -18,6 +18,7 @@ QString sqlDate(const QDate &d) { return d.toString(QStringLiteral("yyyy-MM-dd")
 
 struct Member {
     QString name;
+    QString fullName;
     QString className;
     int grade = 0;
     int classID = 0;
@@ -41,6 +42,7 @@ QHash<int, Member> members(const QString &kind)
     for (; !rs->atEnd(); rs->MoveNext()) {
         Member m;
         m.name = rs->field(QStringLiteral("SName")).toString() + QStringLiteral(", ") + rs->field(QStringLiteral("FName")).toString();
+        m.fullName = rs->field(QStringLiteral("FName")).toString() + QLatin1Char(' ') + rs->field(QStringLiteral("SName")).toString();
         m.current = rs->field(QStringLiteral("Status")).toString() == QLatin1String("C");
         if (learners) {
             m.className = rs->field(QStringLiteral("ClassName")).toString();
@@ -78,6 +80,7 @@ std::vector<OverdueRow> OverdueList::load(const OverdueQuery &query)
         OverdueRow row;
         row.memberID = rs->field(0).toInt();
         row.memberName = who->name;
+        row.fullName = who->fullName;
         row.className = who->className;
         row.leftSchool = !who->current;
         row.accession = rs->field(1).toString();
@@ -111,9 +114,9 @@ QDate OverdueList::firstLoanDay()
 QString NoticeTemplate::defaultText()
 {
     return QStringLiteral("Dear Parent or Guardian of {learner} ({class}),\n\n"
-                          "Our records at {school} show that the following library books, borrowed by {learner}, "
-                          "were due back and have not yet been returned:\n\n{items}\n\n"
-                          "Please help {learner} to bring them back to the library as soon as possible. A fine is charged "
+                          "Our records at {school} show that the following library {books}, borrowed by {learner}, "
+                          "{was} due back and {has} not yet been returned:\n\n{items}\n\n"
+                          "Please help {learner} to bring {them} back to the library as soon as possible. A fine is charged "
                           "for every started period a book is late; the amount shown is the fine up to {date}. If a book has "
                           "been lost, please contact the librarian.\n\nThank you for your help.\n\nThe School Librarian");
 }
@@ -138,9 +141,14 @@ void NoticeTemplate::save(const QString &text)
 }
 
 QString NoticeTemplate::fill(const QString &text, const QString &learner, const QString &className, const QString &school,
-                             const QString &items, const QDate &date)
+                             const QString &items, const QDate &date, int books)
 {
     QString filled = text;
+    const bool one = books == 1;
+    filled.replace(QLatin1String("{books}"), one ? QStringLiteral("book") : QStringLiteral("books"));
+    filled.replace(QLatin1String("{was}"), one ? QStringLiteral("was") : QStringLiteral("were"));
+    filled.replace(QLatin1String("{has}"), one ? QStringLiteral("has") : QStringLiteral("have"));
+    filled.replace(QLatin1String("{them}"), one ? QStringLiteral("it") : QStringLiteral("them"));
     filled.replace(QLatin1String("{learner}"), learner);
     filled.replace(QLatin1String("{class}"), className);
     filled.replace(QLatin1String("{school}"), school);

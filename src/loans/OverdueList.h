@@ -20,6 +20,7 @@ struct OverdueQuery {
 struct OverdueRow {
     int memberID = 0;
     QString memberName; // "Surname, First name"
+    QString fullName;   // "First name Surname", as a letter addresses the learner
     QString className;  // learners only
     QString accession;
     QString title;
@@ -42,7 +43,9 @@ public:
 };
 
 /// The wording of the letter to parents, kept in the library database (tblLibNoticeTemplate) and
-/// edited on the Overdue Notices screen. Placeholders: {learner}, {class}, {school}, {items}, {date}.
+/// edited on the Overdue Notices screen. Placeholders: {learner}, {class}, {school}, {items}, {date},
+/// and the words that follow the number of books: {books} (book/books), {was} (was/were), {has}
+/// (has/have), {them} (it/them).
 class NoticeTemplate {
 public:
     static QString defaultText();
@@ -51,5 +54,5 @@ public:
     static void save(const QString &text);
     /// The wording with its placeholders filled.
     static QString fill(const QString &text, const QString &learner, const QString &className, const QString &school,
-                        const QString &items, const QDate &date);
+                        const QString &items, const QDate &date, int books);
 };

@@ -148,13 +148,14 @@ QString NoticeDocument::letterText(const Group &learner) const
     Money total;
     for (size_t i = learner.first; i < learner.last; ++i) {
         const OverdueRow &r = rows_[i];
-        items << QStringLiteral("    %1   %2 (due %3, fine %4)").arg(r.accession, r.title, r.dueDate.toString(Qt::ISODate), r.fine.toDisplayText());
+        items << QStringLiteral("    %1   %2 (due %3, fine %4)").arg(r.accession, r.title, longDate(r.dueDate), r.fine.toCurrencyText());
         total += r.fine;
     }
     if (learner.last - learner.first > 1)
-        items << QStringLiteral("    Total fine so far: %1").arg(total.toDisplayText());
+        items << QStringLiteral("    Total fine so far: %1").arg(total.toCurrencyText());
     const OverdueRow &first = rows_[learner.first];
-    return NoticeTemplate::fill(wording_, first.memberName, first.className, school_, items.join(QLatin1Char('\n')), asAt_);
+    return NoticeTemplate::fill(wording_, first.fullName, first.className, school_, items.join(QLatin1Char('\n')), asAt_,
+                                int(learner.last - learner.first));
 }
 
 QStringList NoticeDocument::letterLines(const Group &learner, double width, double dpi) const

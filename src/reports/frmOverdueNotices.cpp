@@ -14,6 +14,7 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
+#include <QPlainTextEdit>
 #include <QSet>
 
 #include <algorithm>
@@ -41,7 +42,10 @@ frmOverdueNotices::frmOverdueNotices(QWidget *parent) : QDialog(parent), ui(std:
     connect(ui->cmdExport, &QPushButton::clicked, this, &frmOverdueNotices::cmdExport_Click);
     connect(ui->cmdSaveTemplate, &QPushButton::clicked, this, &frmOverdueNotices::cmdSaveTemplate_Click);
     connect(ui->cmdDefaultTemplate, &QPushButton::clicked, this, &frmOverdueNotices::cmdDefaultTemplate_Click);
-    connect(ui->cmdClose, &QPushButton::clicked, this, &QDialog::accept);
+    // Close asks first while the letter's wording has changes not saved.
+    connect(ui->cmdClose, &QPushButton::clicked, this, [this] { ConfirmUnsavedClose(ui->cmdSaveTemplate, this); });
+    connect(ui->txtTemplate, &QPlainTextEdit::textChanged, this,
+            [this] { ui->cmdSaveTemplate->setEnabled(ui->txtTemplate->toPlainText() != savedWording_); });
     Form_Load();
 }
 
@@ -56,7 +60,8 @@ void frmOverdueNotices::Form_Load()
         for (auto rs = SchoolQuery(QStringLiteral("select ID, Name from SchoolGrades where SchoolGrade = 'Yes' order by ID")); !rs->atEnd(); rs->MoveNext())
             ui->cboGrade->addItem(rs->field(1).toString(), rs->field(0).toInt());
         cboGrade_Click();
-        ui->txtTemplate->setPlainText(NoticeTemplate::load());
+        savedWording_ = NoticeTemplate::load();
+        ui->txtTemplate->setPlainText(savedWording_);
     });
 }
 
@@ -137,7 +142,7 @@ void frmOverdueNotices::showRows()
         members.insert(r.memberID);
     }
     grid.endFill();
-    ui->lblCount->setText(QStringLiteral("%1 overdue books, %2 members").arg(rows_.size()).arg(members.size()));
+    ui->lblCount->setText(rows_.empty() ? QString() : QStringLiteral("%1 overdue books, %2 members").arg(rows_.size()).arg(members.size()));
 }
 
 void frmOverdueNotices::cmdShow_Click()
@@ -198,8 +203,11 @@ void frmOverdueNotices::cmdSaveTemplate_Click()
         UserMessage(QStringLiteral("The letter's wording holds a character that cannot be kept; nothing was saved."));
         return;
     }
-    if (Trap(Location, QStringLiteral("cmdSaveTemplate_Click"), [&] { NoticeTemplate::save(text); }))
+    if (Trap(Location, QStringLiteral("cmdSaveTemplate_Click"), [&] { NoticeTemplate::save(text); })) {
+        savedWording_ = text;
+        ui->cmdSaveTemplate->setEnabled(false);
         UserMessage(QStringLiteral("The letter's wording has been saved."));
+    }
 }
 
 void frmOverdueNotices::cmdDefaultTemplate_Click() { ui->txtTemplate->setPlainText(NoticeTemplate::defaultText()); }

@@ -44,4 +44,5 @@ private:
 
     std::unique_ptr<Ui::frmOverdueNotices> ui;
     std::vector<OverdueRow> rows_;
+    QString savedWording_; // the wording as kept in the library database
 };

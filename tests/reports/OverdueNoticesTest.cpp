@@ -175,10 +175,10 @@ TEST_F(OverdueNotices, LettersArePagePerLearnerInTheKeptWording)
     EXPECT_EQ(ViewPdf(screen, "cmdLetters", path("letters.pdf")), 2);
     const QStringList pages = pdfText(path("letters.pdf")).split('\f', Qt::SkipEmptyParts);
     ASSERT_GE(pages.size(), 2);
-    EXPECT_TRUE(pages[0].contains("To the parents of Botha, Anna (8A) at Hillview High:"));
+    EXPECT_TRUE(pages[0].contains("To the parents of Anna Botha (8A) at Hillview High:"));
     EXPECT_TRUE(pages[0].contains("F1") && pages[0].contains("Book 2") && pages[0].contains("Total fine so far"));
     EXPECT_FALSE(pages[0].contains("Sipho"));
-    EXPECT_TRUE(pages[1].contains("To the parents of Dube, Sipho (8B)") && pages[1].contains("F3"));
+    EXPECT_TRUE(pages[1].contains("To the parents of Sipho Dube (8B)") && pages[1].contains("F3"));
     EXPECT_TRUE(pages[1].contains("Bring them back by Friday."));
 
     // An empty wording is neither kept nor used; letters are for learners only.
@@ -238,4 +238,50 @@ TEST_F(OverdueNotices, LeaversAreMarkedAndLongLettersGoOn)
     EXPECT_TRUE(text[1].contains("Learner: Botha, Anna") && text[1].contains("(continued)"));
     EXPECT_EQ(pdfText(path("long.pdf")).count("THE END"), 3);
     EXPECT_EQ(pdfText(path("long.pdf")).count("Paragraph 90 of"), 3);
+}
+
+// Letters read like letters: first name first, one book or several, amounts with the currency and
+// two decimals, dates written out. Close asks before unsaved wording is thrown away; a refused
+// choice leaves no old list on the screen.
+TEST_F(OverdueNotices, LettersReadLikeLettersAndNothingIsLostOnClose)
+{
+    frmOverdueNotices screen;
+    click(screen, "cmdDefaultTemplate");
+    ViewPdf(screen, "cmdLetters", path("letters.pdf"));
+    const QStringList pages = pdfText(path("letters.pdf")).split('\f', Qt::SkipEmptyParts);
+    ASSERT_EQ(pages.size(), 2);
+    const QString anna = pages[0].simplified(), sipho = pages[1].simplified();
+    EXPECT_TRUE(anna.contains("Dear Parent or Guardian of Anna Botha (8A)")) << anna.toStdString();
+    EXPECT_TRUE(anna.contains("the following library books, borrowed by Anna Botha, were due back and have not yet been returned"));
+    EXPECT_TRUE(anna.contains("bring them back"));
+    EXPECT_TRUE(anna.contains("Book 1 (due 1 November 2026, fine R 1.50)")) << anna.toStdString();
+    EXPECT_TRUE(anna.contains("Total fine so far: R 2.50"));
+    EXPECT_TRUE(sipho.contains("the following library book, borrowed by Sipho Dube, was due back and has not yet been returned"));
+    EXPECT_TRUE(sipho.contains("bring it back"));
+
+    // Unsaved wording: Close asks, and No keeps the screen open with the text.
+    child<QPlainTextEdit>(screen, "txtTemplate")->setPlainText("Changed wording {learner}");
+    screen.show();
+    messages_->clear();
+    messages_->queueAnswer(MessageScript::No);
+    click(screen, "cmdClose");
+    EXPECT_EQ(messages_->prompts(), QStringList{"You have NOT saved your data. Are you sure you want to exit without saving?"});
+    EXPECT_TRUE(screen.isVisible());
+    click(screen, "cmdSaveTemplate");
+    messages_->clear();
+    click(screen, "cmdClose");
+    EXPECT_TRUE(messages_->shown().empty());
+    EXPECT_FALSE(screen.isVisible());
+
+    // A refused choice clears the list shown before.
+    central("Insert into SchoolGrades(ID, Name, schoolgrade) values (12, 'Adult Education', 'Yes')");
+    frmOverdueNotices again;
+    click(again, "cmdShow");
+    ASSERT_EQ(grid(again).size(), 3);
+    choose(again, "cboGrade", "Adult Education");
+    messages_->clear();
+    click(again, "cmdShow");
+    EXPECT_EQ(messages_->prompts(), QStringList{"Adult Education has no classes."});
+    EXPECT_TRUE(grid(again).isEmpty());
+    EXPECT_EQ(child<QLabel>(again, "lblCount")->text(), "");
 }
