@@ -100,6 +100,7 @@ void frmItemList::defineGrid(bool removed)
     grid.setColumnType(RestrictedColumn, SpreadModel::CellType::CheckBox);
     grid.setColumnLocked(LoanTypeColumn, false);
     grid.setColumnCodes(LoanTypeColumn, {QStringLiteral("S"), QStringLiteral("N"), QStringLiteral("L")});
+    grid.setColumnMoney(CostColumn);
 }
 
 namespace {

@@ -43,6 +43,9 @@ bool SpreadGrid::ExportToExcel(const QString &path, const QString &sheetName, co
     }
     const QByteArray sheet = sheetNameFor(sheetName).toUtf8();
     lxw_worksheet *worksheet = workbook_add_worksheet(workbook, sheet.constData());
+    // Money is a number shown with two decimals, as on the screen.
+    lxw_format *money = workbook_add_format(workbook);
+    format_set_num_format(money, "0.00");
     lxw_error error = LXW_NO_ERROR;
     for (int row = 0; row <= maxRows() && error == LXW_NO_ERROR; ++row) {
         for (int col = 1; col <= maxCols() && error == LXW_NO_ERROR; ++col) {
@@ -50,7 +53,8 @@ bool SpreadGrid::ExportToExcel(const QString &path, const QString &sheetName, co
             if (text.isEmpty())
                 continue;
             if (row > 0 && number.match(text).hasMatch())
-                error = worksheet_write_number(worksheet, lxw_row_t(row), lxw_col_t(col - 1), text.toDouble(), nullptr);
+                error = worksheet_write_number(worksheet, lxw_row_t(row), lxw_col_t(col - 1), text.toDouble(),
+                                               model_->columnMoney(col) ? money : nullptr);
             else
                 error = worksheet_write_string(worksheet, lxw_row_t(row), lxw_col_t(col - 1), text.toUtf8().constData(), nullptr);
         }

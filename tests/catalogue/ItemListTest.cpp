@@ -226,6 +226,7 @@ TEST_F(ItemList, PrintsUnderStockItemList)
     messages_->setPrintToPdf(path("stock.pdf"));
     click(screen, "cmdPrint");
     EXPECT_TRUE(pdfText(path("stock.pdf")).contains("Hillview High - Stock Item List"));
+    EXPECT_TRUE(pdfText(path("stock.pdf")).contains("120.50")); // the price as money
     SchoolName.clear();
 }
 

@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QFontMetricsF>
 #include <QHeaderView>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -60,6 +61,21 @@ TEST(GridReadability, MoneyShowsTwoDecimalsRightAligned)
     EXPECT_EQ(model->data(model->index(0, 3), Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
     EXPECT_EQ(grid.cellText(4, 1), "1.5"); // the stored value is untouched
     EXPECT_FALSE(model->data(model->index(0, 1), Qt::TextAlignmentRole).isValid());
+
+    // In a workbook, money is a number cell shown with two decimals; other numbers keep theirs.
+    QTemporaryDir dir;
+    ASSERT_TRUE(grid.ExportToExcel(dir.filePath("fines.xlsx"), "Fines", QString()));
+    auto part = [&](const char *name) {
+        QProcess unzip;
+        unzip.start("unzip", {"-p", dir.filePath("fines.xlsx"), QLatin1String(name)});
+        EXPECT_TRUE(unzip.waitForFinished(30000));
+        return QString::fromUtf8(unzip.readAllStandardOutput());
+    };
+    const QString styles = part("xl/styles.xml"), sheet = part("xl/worksheets/sheet1.xml");
+    const QRegularExpression format(QStringLiteral("numFmtId=\"(\\d+)\" formatCode=\"0.00\""));
+    ASSERT_TRUE(format.match(styles).hasMatch()) << styles.toStdString();
+    EXPECT_TRUE(sheet.contains(QRegularExpression(QStringLiteral("<c r=\"D2\" s=\"\\d+\"><v>1.5</v>")))) << sheet.toStdString();
+    EXPECT_FALSE(sheet.contains(QRegularExpression(QStringLiteral("<c r=\"A2\" s=")))) << sheet.toStdString();
 }
 
 TEST(GridReadability, PrintedPagesAreNumberedAndHeadedAndTheLengthIsAskedFirst)
