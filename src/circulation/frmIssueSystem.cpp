@@ -191,7 +191,11 @@ void frmIssueSystem::cboMember_Click()
 
 void frmIssueSystem::txtmemberID_Enter()
 {
-    // A number nobody has is put right here, before any book is scanned.
+    // A new member: no item is in hand yet. A number nobody has is put right here, before any book is scanned.
+    ui->txtTitle->clear();
+    ui->txtDueDate->clear();
+    for (int i = 0; i < 6; ++i)
+        ui->gridloan->setCellText(2 * i + 2, 1, QString());
     readyForScan(showMember() ? ui->txtLoanAccession : ui->txtmemberID);
 }
 
@@ -445,8 +449,7 @@ void frmIssueSystem::cmdProcess_Click()
             return;
         }
         transaction_ = handled.transactionID;
-        if (renew)
-            ui->txtDueDate->setText(SqlDate(handled.dueDate));
+        ui->txtDueDate->setText(SqlDate(handled.dueDate)); // the loan in hand: renewed to, or was due
         ui->txtAccessionReturn->clear();
         ui->txtAccessionReturn->setFocus();
         LoadLoanGrid();

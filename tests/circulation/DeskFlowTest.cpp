@@ -109,7 +109,22 @@ TEST_F(DeskFlow, RefusalsShowInTheStatusLine)
     EXPECT_EQ(child<QLabel>(*desk, "lblStatus")->property("state").toString(), "refused");
     EXPECT_EQ(libraryValue("select DueDate from tblLibTransactions where AccessionID = 'A3'"), "2026-11-30");
 
+    // A return shows the returned loan's title and due date; a new member clears the item in hand.
+    child<QRadioButton>(*desk, "optReturn")->click();
+    scan(*desk, "txtAccessionReturn", "A2");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtTitle")->text(), "Book 2");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtDueDate")->text(), "2026-12-20");
+    EXPECT_EQ(rows(*desk, "gridloan").value(0).section('|', 1, 1), "N");
+    scan(*desk, "txtmemberID", "L102");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtTitle")->text(), "");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtDueDate")->text(), "");
+    EXPECT_EQ(rows(*desk, "gridloan").value(0).section('|', 1, 1), "");
+    scan(*desk, "txtLoanAccession", "A2");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtTitle")->text(), "Book 2");
+    EXPECT_EQ(child<QLineEdit>(*desk, "txtDueDate")->text(), "2026-12-07");
+
     // The loan limit (two for learners): the third book is refused in the line too.
+    lend("A4", 4, "L", 12, QDate(2026, 12, 20));
     scan(*desk, "txtmemberID", "L100");
     scan(*desk, "txtLoanAccession", "A1");
     EXPECT_EQ(label(*desk, "lblStatus"), "Not issued: A1 - This member already has the maximum number of items on loan");
