@@ -61,10 +61,11 @@ void drawTable(QPainter &painter, const QRectF &area, const QString &heading, co
 
 void drawChart(QPainter &painter, const QRectF &area, StatisticsCharts::Chart chart, const LibraryStatistics &s)
 {
-    // Drawn at a screen's size and scaled onto the page, so its lettering keeps its proportion to the chart.
-    const double width = 900.0;
-    const QImage image = StatisticsCharts::render(chart, s, QSize(int(width), int(width * area.height() / area.width())));
-    painter.drawImage(area, image);
+    // Drawn at a screen's resolution (96 pixels an inch) to the area's size on paper, so its lettering
+    // prints at its own point size.
+    const double dpi = painter.device()->logicalDpiX();
+    const QSize pixels(int(area.width() / dpi * 96), int(area.height() / dpi * 96));
+    painter.drawImage(area, StatisticsCharts::render(chart, s, pixels));
 }
 
 QStringList countRows(const char *caption, const std::vector<LibraryStatistics::Count> &counts)

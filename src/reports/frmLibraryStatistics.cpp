@@ -1,4 +1,5 @@
 #include "frmLibraryStatistics.h"
+#include "TypedFields.h"
 #include "ui_frmLibraryStatistics.h"
 
 #include "Clock.h"
@@ -34,6 +35,7 @@ void fillCounts(SpreadGrid &grid, const std::vector<LibraryStatistics::Count> &c
 frmLibraryStatistics::frmLibraryStatistics(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmLibraryStatistics>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     const QDate today = Clock::today();
     ui->dtTo->setDate(today);
     ui->dtFrom->setDate(today.addYears(-1).addDays(1));
@@ -153,16 +155,8 @@ void frmLibraryStatistics::cmdExportFigures_Click()
 {
     if (!shown())
         return;
-    // The figures of the page on show.
-    QWidget *page = ui->tabStatistics->currentWidget();
-    if (page == ui->tabClasses)
-        ExportGridToWorkbook(this, *ui->gridTopClasses, QStringLiteral("Classes"));
-    else if (page == ui->tabTitles)
-        ExportGridToWorkbook(this, *ui->gridTopTitles, QStringLiteral("Titles"));
-    else if (page == ui->tabUnborrowed)
-        ExportGridToWorkbook(this, *ui->gridUnborrowed, QStringLiteral("Not borrowed"));
-    else
-        ExportGridToWorkbook(this, *ui->gridMonths, QStringLiteral("Figures"));
+    // The monthly figures, whichever page is on show.
+    ExportGridToWorkbook(this, *ui->gridMonths, QStringLiteral("Figures"));
 }
 
 void frmLibraryStatistics::cmdExportUnborrowed_Click()

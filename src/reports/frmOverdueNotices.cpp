@@ -8,6 +8,7 @@
 #include "Recordset.h"
 #include "SchoolDatabase.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "UpdateDatabase.h"
 #include "frmReportViewer.h"
 #include "mCombo.h"
@@ -27,6 +28,7 @@ const QString LeftTheSchool = QStringLiteral("Left the school");
 frmOverdueNotices::frmOverdueNotices(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmOverdueNotices>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     SpreadGrid &grid = *ui->gridOverdue;
     grid.defineColumns({{"Member", 24}, {"Class", 6}, {"Accession No", 12}, {"Title", 34}, {"Due Date", 11}, {"Days Overdue", 8}, {"Fine So Far", 9}});
     for (int c = 1; c <= 7; ++c)

@@ -6,6 +6,7 @@
 #include "DbConnection.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
+#include "TypedFields.h"
 #include "StocktakeReport.h"
 #include "UpdateDatabase.h"
 #include "frmReportViewer.h"
@@ -38,6 +39,7 @@ const char *kindText(Stocktake::Scan scan)
 frmStocktake::frmStocktake(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmStocktake>())
 {
     ui->setupUi(this);
+    GuardTypedFields(this);
     ui->gridScans->defineColumns({{"Scan", 24}, {"Accession No", 14}, {"Title", 40}});
     for (int c = 1; c <= 3; ++c)
         ui->gridScans->setColumnLocked(c, true);

@@ -7,6 +7,8 @@ class QWidget;
 /// box takes at most as many characters as its database column holds: the widest text column
 /// (255) unless the box is tied to a narrower one.
 ///
+/// A date box takes a date typed whole ("2026-03-01").
+///
 /// Every screen calls GuardTypedFields once its form is built; boxes that feed a column call
 /// LimitToColumn (before or after) with the column they end in.
 void GuardTypedFields(QWidget *screen);
