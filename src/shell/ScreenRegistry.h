@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMap>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +14,10 @@ class QWidget;
 struct ScreenOptions {
     bool holidayPeriod = false; // the issue desk starts on long-loan rules
 };
+
+/// Keeps a screen within the room the desktop leaves it (the available screen area when room is
+/// empty): a screen larger than that opens at that size, and what does not fit scrolls.
+void FitOnScreen(QDialog *screen, QSize room = QSize());
 
 /// The screens the main menu can open, by name (frmIssueSystem, frmItemList ...).
 /// Each subsystem registers its screens; a screen not in this version is

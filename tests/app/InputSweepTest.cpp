@@ -339,7 +339,7 @@ protected:
     /// A screen opened modal by an action is swept once per kind (with a few values), then closed.
     void watchModals(const QString &name)
     {
-        QTimer::singleShot(0, qApp, [this, name] {
+        QTimer::singleShot(0, &timers_, [this, name] {
             QWidget *modal = QApplication::activeModalWidget();
             auto *dialog = qobject_cast<QDialog *>(modal);
             if (!dialog || stack_.contains(dialog))
@@ -354,7 +354,7 @@ protected:
                 dialog->reject();
         });
         // A screen that opens its dialog after the first turn of the event loop is caught by the next one.
-        QTimer::singleShot(20, qApp, [this, name] {
+        QTimer::singleShot(20, &timers_, [this, name] {
             auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
             if (dialog && !stack_.contains(dialog))
                 dialog->reject();
@@ -372,6 +372,7 @@ protected:
     QList<QDialog *> stack_;
     QSet<QString> sweptKinds_;
     QStringList faults_;
+    QObject timers_; // the watching timers end with the test that started them
 };
 
 QTemporaryDir *InputSweep::school_ = nullptr;

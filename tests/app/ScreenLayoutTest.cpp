@@ -25,7 +25,9 @@
 #include <QFontMetricsF>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QTableView>
 #include <QTest>
@@ -92,9 +94,11 @@ protected:
             auto history = std::make_unique<FrmuserloanHistory>();
             history->setMember(QStringLiteral("L"), busyLearner(), QStringLiteral("A learner"));
             history->findChild<QAbstractButton *>("optHistory")->click();
+            FitOnScreen(history.get(), QSize(1366, 728));
             return history;
         }
         std::unique_ptr<QDialog> screen(screens_.make(name, nullptr));
+        FitOnScreen(screen.get(), QSize(1366, 728)); // as the menu opens it on a laptop
         if (name == QLatin1String("frmIssueSystem")) {
             // A few transactions of the day, with a fine among them.
             auto *returns = screen->findChild<QLineEdit *>("txtAccessionReturn");
@@ -174,3 +178,32 @@ INSTANTIATE_TEST_SUITE_P(Busy, ScreenLayout,
                          [](const ::testing::TestParamInfo<Case> &info) {
                              return std::string(info.param.screen) + (info.param.scale > 1 ? "_125" : "_100");
                          });
+
+// Every registered screen fits a 1366x768 laptop with a taskbar's room left (1366x728) as it opens at
+// the default font, and at 125 % it can still be made that small (what does not fit scrolls).
+class ScreenFits : public ScreenLayout {};
+
+TEST_P(ScreenFits, OnALaptop)
+{
+    const QSize room(1366, 728);
+    QStringList tooBig;
+    for (const QString &name : screens_.names()) {
+        std::unique_ptr<QDialog> screen(screens_.make(name, nullptr));
+        ASSERT_TRUE(screen) << name.toStdString();
+        FitOnScreen(screen.get(), room);
+        screen->show();
+        QApplication::processEvents();
+        const QSize least = screen->minimumSizeHint().expandedTo(screen->minimumSize());
+        const QSize opened = screen->size();
+        if (least.width() > room.width() || least.height() > room.height() || opened.width() > room.width() || opened.height() > room.height())
+            tooBig << QString("%1 opens %2x%3, least %4x%5").arg(name).arg(opened.width()).arg(opened.height()).arg(least.width()).arg(least.height());
+        // At the default font nothing needs scrolling.
+        if (const auto *scroll = screen->findChild<QScrollArea *>("scrollScreen"); scroll && GetParam().scale == 1.0
+            && (scroll->horizontalScrollBar()->isVisible() || scroll->verticalScrollBar()->isVisible()))
+            tooBig << name + QString(" scrolls: contents %1x%2 in %3x%4").arg(scroll->widget()->minimumSizeHint().width()).arg(scroll->widget()->minimumSizeHint().height()).arg(scroll->viewport()->width()).arg(scroll->viewport()->height());
+    }
+    EXPECT_TRUE(tooBig.isEmpty()) << "at " << int(GetParam().scale * 100) << "%: " << tooBig.join("; ").toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Laptop, ScreenFits, ::testing::Values(Case{"", 1.0}, Case{"", 1.25}),
+                         [](const ::testing::TestParamInfo<Case> &info) { return std::string(info.param.scale > 1 ? "At125" : "At100"); });
