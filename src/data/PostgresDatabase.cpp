@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 #include <cstdio>
+#include <poll.h>
 #include <cstring>
 #include <strings.h>
 #include <memory>
@@ -149,8 +150,11 @@ bool PostgresDatabase::usable()
 {
     if (broken_ || !conn_)
         return false;
-    // A connection the server has closed while it lay idle (a restart) shows here, before any work is given to it.
-    if (!PQconsumeInput(conn_) || PQstatus(conn_) != CONNECTION_OK) {
+    // Nothing is expected from the server while a connection lies idle: anything waiting on it (a
+    // restart's farewell, the end of the socket) means it is no longer good, and a new one is opened
+    // before any work is given to it.
+    pollfd waiting{PQsocket(conn_), POLLIN, 0};
+    if (waiting.fd < 0 || ::poll(&waiting, 1, 0) != 0 || PQstatus(conn_) != CONNECTION_OK) {
         broken_ = true;
         return false;
     }

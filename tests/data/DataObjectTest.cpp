@@ -10,6 +10,8 @@
 #include "clsDataObject.h"
 
 #include <QFile>
+#include <QThread>
+#include <QUrl>
 
 class DataObjectTest : public DatabaseTest {};
 
@@ -332,4 +334,28 @@ TEST_F(DataObjectTest, ATransactionKeepsAllItsStatementsOrNone)
     });
     Clock::setFixed(QDateTime());
     EXPECT_EQ(seen, "2026-03-04");
+}
+
+// The server restarts while a desk is idle: its pooled connections are dead, and the first action
+// after it reconnects without a word.
+TEST_F(DataObjectTest, AnIdleDeskWorksOnAfterTheServerRestarts)
+{
+    if (!TestEngine::onPostgres())
+        GTEST_SKIP() << "about a server connection";
+    library("Insert into tblLibSubjectCodes (ClassificationNo) Values ('before')");
+    {
+        // Three connections of the desk lie idle in the pool.
+        clsDataObject a, b, c;
+        for (clsDataObject *d : {&a, &b, &c})
+            d->ConOpen();
+    }
+    const QString database = QUrl(libraryPath_).path().mid(1);
+    runOn(TestEngine::serverAddress(), "select pg_terminate_backend(pid) from pg_stat_activity where datname = '" + database + "'");
+    QThread::msleep(300);
+    clsDataObject data;
+    EXPECT_EQ(data.GetData("select * from tblLibSubjectCodes"), 1);
+    data.CloseCompact();
+    data.ExecuteNonQuery("Insert into tblLibSubjectCodes (ClassificationNo) Values ('after')");
+    EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 2);
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
 }
