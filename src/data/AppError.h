@@ -16,6 +16,7 @@ public:
         Duplicate,      // a unique index refused the row (another desk wrote it first)
         WriteConflict,  // another desk changed the same rows at the same time: run the work again
         ConnectionLost, // the server went away; nothing of the open transaction was kept
+        Unreachable,    // the database server could not be reached or refused the desk
     };
     AppError(double number, const QString &description, const QString &statement, Cause cause);
     Cause cause() const { return cause_; }

@@ -33,6 +33,34 @@ QString lostConnectionText()
                           "please try again. Shelvora connects to the server again by itself.");
 }
 
+// Why a connection could not be made, in plain words with libpq's own detail after them.
+QString unreachableReason(PGconn *conn)
+{
+    const QString message = QString::fromUtf8(PQerrorMessage(conn)).trimmed();
+    const QString detail = message.section(QLatin1Char('\n'), 0, 0).trimmed();
+    if (PQconnectionNeedsPassword(conn))
+        return QStringLiteral("it asks for a password, which this computer does not have (put it in ~/.pgpass or PGPASSWORD)");
+    QString plain;
+    if (message.contains(QLatin1String("Connection refused")))
+        plain = QStringLiteral("nothing answers at that address and port (the server is not running, or the port is wrong)");
+    else if (message.contains(QLatin1String("translate host name")) || message.contains(QLatin1String("Name or service not known")))
+        plain = QStringLiteral("that computer's name is not known on this network");
+    else if (message.contains(QLatin1String("does not exist")) && message.contains(QLatin1String("database")))
+        plain = QStringLiteral("the server has no database of that name");
+    else if (message.contains(QLatin1String("authentication failed")))
+        plain = QStringLiteral("the server does not accept this user or password");
+    else if (message.contains(QLatin1String("timeout")))
+        plain = QStringLiteral("the server did not answer in time");
+    return plain.isEmpty() ? detail : plain + QStringLiteral(" (") + detail + QLatin1Char(')');
+}
+
+// Where a database is, as people name it: host:port/database.
+QString place(const QString &uri)
+{
+    const QUrl url(uri);
+    return QStringLiteral("%1:%2%3").arg(url.host()).arg(url.port(5432)).arg(url.path());
+}
+
 bool isLowerCase(const QString &name) { return name == name.toLower(); }
 
 Recordset::FieldType fieldTypeOf(int kind) { return static_cast<Recordset::FieldType>(kind); }
@@ -82,11 +110,14 @@ PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly
     const char *values[] = {"10", "Shelvora", location.constData(), nullptr};
     conn_ = PQconnectdbParams(keys, values, 1);
     if (!conn_ || PQstatus(conn_) != CONNECTION_OK) {
-        const QString reason = conn_ ? QString::fromUtf8(PQerrorMessage(conn_)).trimmed() : QStringLiteral("out of memory");
+        const QString reason = conn_ ? unreachableReason(conn_) : QStringLiteral("out of memory");
         PQfinish(conn_);
         conn_ = nullptr;
         throw AppError(AppError::ConnectionFailure,
-                       QStringLiteral("Could not connect to the library database server %1: %2").arg(displayName(uri), reason));
+                       QStringLiteral("The database server %1 cannot be reached: %2. Nothing was changed; please try again once it is "
+                                      "back, or ask whoever looks after the server.")
+                           .arg(place(uri), reason),
+                       QString(), AppError::Cause::Unreachable);
     }
     try {
         exec("SET DateStyle = 'ISO, YMD'");

@@ -18,6 +18,9 @@ std::unique_ptr<DbConnection> OpenDatabase(const QString &path, const char *pass
     try {
         connection->Open();
     } catch (const AppError &e) {
+        // A server that cannot be reached is the handler's one message for the whole action.
+        if (e.cause() == AppError::Cause::Unreachable)
+            throw;
         ReportError(QStringLiteral("Central Module"), failureText + QStringLiteral("\r\n") + e.description(),
                     QStringLiteral("Database Access Error"), e.number());
     }
@@ -64,6 +67,11 @@ void ReportError(const QString &location, const QString &procedure, const AppErr
     const QString problem = typedValueProblem(error);
     if (!problem.isEmpty()) {
         UserMessage(problem);
+        return;
+    }
+    // A server that is away is no fault of the program either: said plainly, once.
+    if (error.cause() == AppError::Cause::Unreachable || error.cause() == AppError::Cause::ConnectionLost) {
+        UserMessage(error.description());
         return;
     }
     ReportError(location, error.description(), procedure, error.number());

@@ -38,6 +38,8 @@ bool clsDataObject::ConOpen()
         connection_->Open();
         return true;
     } catch (const AppError &e) {
+        if (e.cause() == AppError::Cause::Unreachable)
+            throw; // the action's one message names the server and the reason
         if (!e.description().isEmpty())
             UserMessage(QStringLiteral("Database connection failed"));
         if (e.description().size() >= PathAdvice.size() && e.description().left(PathAdvice.size()) != PathAdvice)

@@ -167,7 +167,18 @@ void frmMainMenu::Form_Load()
         CentralDatabasePath = settings_.value(QLatin1String(SettingsStore::CentralDatabaseKey));
         LibraryDatabasePath = settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey));
         readSchoolName();
-        if (!data_.ConOpen()) {
+        bool opened = false;
+        try {
+            opened = data_.ConOpen();
+        } catch (const AppError &e) {
+            // A library server that cannot be reached: said once, naming it and why; the settings stay.
+            if (e.cause() != AppError::Cause::Unreachable)
+                throw;
+            UserMessage(e.description());
+            enableMenu(false, false);
+            return;
+        }
+        if (!opened) {
             enableMenu(false);
             return;
         }
@@ -190,17 +201,19 @@ void frmMainMenu::readSchoolName()
         const auto rs = SchoolQuery(QStringLiteral("Select schoolname from general_info"));
         if (!rs->atEnd())
             SchoolName = rs->field(QStringLiteral("schoolname")).toString();
-    } catch (const AppError &) {
-        // The failed open was reported; start-up goes on without the name.
+    } catch (const AppError &e) {
+        // The failed open was reported (a server that cannot be reached is said here); start-up goes on without the name.
+        if (e.cause() == AppError::Cause::Unreachable)
+            UserMessage(e.description());
     }
     lblSchool->setText(SchoolName);
 }
 
-void frmMainMenu::enableMenu(bool enabled)
+void frmMainMenu::enableMenu(bool enabled, bool askToBrowse)
 {
     for (QGroupBox *box : {Frame3, Frame7, Frame6, Frame2, Frame5})
         box->setEnabled(enabled);
-    if (!enabled)
+    if (!enabled && askToBrowse)
         UserMessage(QStringLiteral("Please browse for your Library Database."));
 }
 

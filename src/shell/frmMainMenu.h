@@ -65,7 +65,7 @@ private:
     void readSchoolName();
     /// Whether LibraryDatabasePath names a library database (looked at read only).
     bool isLibraryDatabase();
-    void enableMenu(bool enabled);
+    void enableMenu(bool enabled, bool askToBrowse = true);
     void upgradeStructure();
 
     clsDataObject data_;

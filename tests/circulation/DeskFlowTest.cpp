@@ -5,6 +5,7 @@
 #include "FrmuserloanHistory.h"
 #include "frmFinePayment.h"
 #include "frmIssueSystem.h"
+#include "UpdateDatabase.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -198,4 +199,19 @@ TEST_F(DeskFlow, TheLoanHistoryShowsItsMemberAndFollowsItsTransactions)
     });
     click(history, "cmdFine");
     EXPECT_EQ(shownMember, "L100|Botha, Anna (8A)");
+}
+
+// The library's server is down: a scan gives one plain message naming the server and why, nothing else.
+TEST_F(DeskFlow, AServerThatIsDownIsOneMessageAScan)
+{
+    auto desk = open();
+    LibraryDatabasePath = "postgresql://shelvora@127.0.0.1:1/library";
+    messages_->clear();
+    scan(*desk, "txtAccessionReturn", "A1");
+    ASSERT_EQ(messages_->shown().size(), 1u) << messages_->prompts().join(" | ").toStdString();
+    const ShownMessage &m = messages_->shown().front();
+    EXPECT_TRUE(m.prompt.startsWith("The database server 127.0.0.1:1/library cannot be reached: nothing answers at that address and port"))
+        << m.prompt.toStdString();
+    EXPECT_FALSE(m.title.startsWith("Error"));
+    EXPECT_EQ(desk->focusWidget(), child<QLineEdit>(*desk, "txtAccessionReturn"));
 }

@@ -425,3 +425,17 @@ TEST_F(MainMenuTest, StartUpTellsOfANewerLibraryOrAStepThatFailed)
                                             "else works as before; Shelvora tries again at the next start.");
     EXPECT_TRUE(menuEnabled(*second));
 }
+
+// Start-up with the library on a server that cannot be reached: one message naming it and why, the
+// menu waits, the settings stay as they were.
+TEST_F(MainMenuTest, StartUpWithAServerThatIsDownSaysSoOnce)
+{
+    const QString address = "postgresql://shelvora@127.0.0.1:1/library";
+    SettingsStore(settingsFile_).setValue("LibraryDatabase", address);
+    SettingsStore(settingsFile_).setValue("Database", centralPath_);
+    auto menu = start(false);
+    ASSERT_EQ(messages_->shown().size(), 1u) << messages_->prompts().join(" | ").toStdString();
+    EXPECT_TRUE(messages_->prompts().first().startsWith("The database server 127.0.0.1:1/library cannot be reached"));
+    EXPECT_FALSE(menuEnabled(*menu));
+    EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), address);
+}
