@@ -284,7 +284,19 @@ void frmMainMenu::cmdServer_Click()
     }
     const QString previous = LibraryDatabasePath;
     LibraryDatabasePath = address;
-    if (!isLibraryDatabase()) {
+    bool library = false;
+    try {
+        library = isLibraryDatabase();
+    } catch (const AppError &e) {
+        // A server never reached is not blamed for not being a library: why it was not reached is said instead.
+        LibraryDatabasePath = previous;
+        if (e.cause() != AppError::Cause::Unreachable)
+            ReportError(Location, QStringLiteral("cmdServer_Click"), e);
+        else
+            UserMessage(e.description());
+        return;
+    }
+    if (!library) {
         LibraryDatabasePath = previous;
         UserMessage(NotALibrary);
         return;

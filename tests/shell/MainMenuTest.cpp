@@ -385,6 +385,18 @@ TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
     EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), server);
     EXPECT_TRUE(menuEnabled(*menu));
 
+    // A database name the server does not have: why it was not reached, once, never "not a library".
+    QUrl wrong(server);
+    wrong.setPath("/no_such_library");
+    messages_->clear();
+    messages_->queueFileName(wrong.toString());
+    child<QPushButton>(*menu, "cmdServer")->click();
+    ASSERT_EQ(messages_->shown().size(), 1u) << messages_->prompts().join(" | ").toStdString();
+    EXPECT_TRUE(messages_->prompts().first().contains("/no_such_library cannot be reached: the server has no database of that name"))
+        << messages_->prompts().first().toStdString();
+    EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), server);
+    EXPECT_EQ(LibraryDatabasePath, server);
+
     messages_->queueAnswer(MessageScript::Yes);
     child<QPushButton>(*menu, "cmdCompact")->click();
     EXPECT_EQ(messages_->prompts().last(), "The library database on the server has been compacted (VACUUM ANALYZE): free space is reused "
