@@ -94,10 +94,17 @@ QString PostgresDatabase::describe(const QString &uri)
     return QStringLiteral("%1 on %2:%3%4").arg(db.serverVersion(), url.host()).arg(url.port(5432)).arg(url.path());
 }
 
-void PostgresDatabase::vacuum(const QString &uri)
+QStringList PostgresDatabase::vacuum(const QString &uri)
 {
     PostgresDatabase db(uri, false);
+    QStringList warnings;
+    PQsetNoticeReceiver(
+        db.conn_, [](void *sink, const PGresult *notice) {
+            static_cast<QStringList *>(sink)->append(QString::fromUtf8(PQresultErrorField(notice, PG_DIAG_MESSAGE_PRIMARY)));
+        },
+        &warnings);
     db.vacuumAnalyze();
+    return warnings;
 }
 
 bool PostgresDatabase::holdsPassword(const QString &uri) { return !QUrl(uri).password().isEmpty() || uri.contains(QLatin1String("password=")); }
@@ -538,7 +545,17 @@ bool PostgresDatabase::inTransaction() const
     return conn_ && !broken_ && PQtransactionStatus(conn_) != PQTRANS_IDLE && PQtransactionStatus(conn_) != PQTRANS_UNKNOWN;
 }
 
-void PostgresDatabase::vacuumAnalyze() { exec("VACUUM (ANALYZE)"); }
+void PostgresDatabase::vacuumAnalyze()
+{
+    // The library's own tables only: the server's catalogues are not the desk's to vacuum (and a
+    // desk that is not the server's superuser would be told so once for each of them).
+    Result own(run("SELECT string_agg(quote_ident(tablename), ', ') FROM pg_tables WHERE schemaname = current_schema() "
+                   "AND tableowner = current_user",
+                   QString()),
+               PQclear);
+    if (PQntuples(own.get()) == 1 && !PQgetisnull(own.get(), 0, 0))
+        exec(std::string("VACUUM (ANALYZE) ") + PQgetvalue(own.get(), 0, 0));
+}
 
 void PostgresDatabase::alterColumnType(const TranslatedStatement &ts, const QString &jetSql)
 {

@@ -3,6 +3,7 @@
 #include "PhysicalConnection.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <map>
 #include <string>
@@ -35,8 +36,9 @@ public:
     static JetTranslator &sharedTranslator();
     /// The engine and where it is, for the About box: "PostgreSQL 15.18 on host:port/db".
     static QString describe(const QString &uri);
-    /// Reclaims space and refreshes the planner's statistics of a server database (VACUUM (ANALYZE)).
-    static void vacuum(const QString &uri);
+    /// Reclaims space and refreshes the planner's statistics of a server database's own tables
+    /// (VACUUM (ANALYZE)); returns what the server warned of (nothing, as it should be).
+    static QStringList vacuum(const QString &uri);
     /// Whether an address carries a password (which belongs in ~/.pgpass or PGPASSWORD, never in the settings).
     static bool holdsPassword(const QString &uri);
     /// The server's version ("PostgreSQL 15.18").

@@ -2,6 +2,7 @@
 #include "Clock.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
+#include "PostgresDatabase.h"
 #include "Recordset.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
@@ -358,4 +359,18 @@ TEST_F(DataObjectTest, AnIdleDeskWorksOnAfterTheServerRestarts)
     data.ExecuteNonQuery("Insert into tblLibSubjectCodes (ClassificationNo) Values ('after')");
     EXPECT_EQ(libraryCount("select * from tblLibSubjectCodes"), 2);
     EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+}
+
+// Compacting a library on a server vacuums the library's own tables: a desk that is not the
+// server's superuser is not warned about the server's catalogues.
+TEST_F(DataObjectTest, CompactingOnAServerVacuumsTheLibrarysOwnTablesOnly)
+{
+    if (!TestEngine::onPostgres())
+        GTEST_SKIP() << "about a server database";
+    const QString library = TestEngine::makeServerLibraryOwnedBy("shelvora_desk");
+    runOn(library, "Insert into tblLibSubjectCodes (ClassificationNo) Values ('kept')");
+    EXPECT_EQ(PostgresDatabase::vacuum(library), QStringList());
+    EXPECT_EQ(rowsIn(library, "select ClassificationNo from tblLibSubjectCodes"), QStringList{"kept"});
+    ConnectionPool::shared().clear();
+    TestEngine::dropLibrary(library);
 }

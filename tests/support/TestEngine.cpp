@@ -94,6 +94,20 @@ QString TestEngine::makeServerLibrary()
     return databaseAddress(name);
 }
 
+QString TestEngine::makeServerLibraryOwnedBy(const QString &role)
+{
+    admin(QStringLiteral("CREATE ROLE %1 LOGIN").arg(role)); // there already when another test made it
+    const QString name = uniqueName("own");
+    QString error;
+    if (!admin(QStringLiteral("CREATE DATABASE %1 OWNER %2").arg(name, role), &error))
+        qFatal("cannot make a test database: %s", qPrintable(error));
+    QUrl url(databaseAddress(name));
+    url.setUserName(role);
+    DatabaseSchema::createLibraryDatabase(url.toString());
+    ConnectionPool::shared().closeIdle(url.toString());
+    return url.toString();
+}
+
 void TestEngine::dropLibrary(const QString &location)
 {
     if (!location.startsWith(QLatin1String("postgresql://")))

@@ -14,6 +14,9 @@ QString serverAddress();
 QString makeLibrary(const QString &sqlitePath);
 /// A fresh library database on the server whatever this run's engine; its address.
 QString makeServerLibrary();
+/// A new library database on the server belonging to a role that is not the server's superuser
+/// (made for it); its address, connecting as that role.
+QString makeServerLibraryOwnedBy(const QString &role);
 /// A new empty database on the server (no schema); its address.
 QString makeEmptyServerDatabase();
 /// Makes the database refuse every `operation` (INSERT, UPDATE or DELETE) on `table` with an
