@@ -97,7 +97,7 @@ std::unique_ptr<PhysicalConnection> openDatabase(const QString &location, bool r
 void createDatabaseFile(const QString &location)
 {
     if (PostgresDatabase::isServerLocation(location))
-        PostgresDatabase::prepareEmptyDatabase(location);
+        (void)PostgresDatabase::prepareEmptyDatabase(location);
     else
         SqliteDatabase::createFile(location);
 }

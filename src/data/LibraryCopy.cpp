@@ -79,7 +79,13 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
     const QString target = file ? to + QStringLiteral(".partial") : to;
     if (file)
         removeFile(target);
-    createDatabaseFile(target); // refuses a server database that holds tables
+    // A server database is refused when it holds tables; what is put in to prepare it goes again
+    // when the copy does not go through.
+    bool addedCitext = false;
+    if (file)
+        createDatabaseFile(target);
+    else
+        addedCitext = PostgresDatabase::prepareEmptyDatabase(target);
     QList<TableFigures> copied;
     try {
         const std::unique_ptr<DbConnection> into = open(target, false);
@@ -127,6 +133,12 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
         ConnectionPool::shared().closeIdle(target);
         if (file)
             removeFile(target);
+        else
+            try {
+                PostgresDatabase::undoPreparation(target, addedCitext);
+            } catch (const AppError &) {
+                // The server went away meanwhile: the copy's own failure is what is told.
+            }
         throw;
     }
     return copied;

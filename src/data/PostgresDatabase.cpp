@@ -173,7 +173,7 @@ void PostgresDatabase::installSupport()
     }
 }
 
-void PostgresDatabase::prepareEmptyDatabase(const QString &uri)
+bool PostgresDatabase::prepareEmptyDatabase(const QString &uri)
 {
     PostgresDatabase db(uri, false);
     Result tables(PQexec(db.conn_, "SELECT count(*) FROM pg_tables WHERE schemaname = current_schema()"), PQclear);
@@ -181,7 +181,27 @@ void PostgresDatabase::prepareEmptyDatabase(const QString &uri)
         db.raise(tables.get(), QString());
     if (std::atoi(PQgetvalue(tables.get(), 0, 0)) != 0)
         throw AppError(AppError::ProviderError, QStringLiteral("The server database %1 is not empty; a library goes only into an empty one.").arg(displayName(uri)));
+    Result citext(PQexec(db.conn_, "SELECT 1 FROM pg_extension WHERE extname = 'citext'"), PQclear);
+    const bool hadCitext = PQresultStatus(citext.get()) == PGRES_TUPLES_OK && PQntuples(citext.get()) > 0;
     db.installSupport();
+    return !hadCitext;
+}
+
+void PostgresDatabase::undoPreparation(const QString &uri, bool addedCitext)
+{
+    PostgresDatabase db(uri, false);
+    db.exec("BEGIN");
+    try {
+        db.exec("DO $$ DECLARE f regprocedure; BEGIN FOR f IN SELECT p.oid::regprocedure FROM pg_proc p WHERE p.proname LIKE 'jet\\_%' "
+                "AND p.pronamespace = CAST(current_schema() AS regnamespace) LOOP EXECUTE 'DROP FUNCTION ' || f; END LOOP; END $$");
+        db.exec("DROP DOMAIN IF EXISTS jet_bit, jet_currency");
+        if (addedCitext)
+            db.exec("DROP EXTENSION IF EXISTS citext");
+        db.exec("COMMIT");
+    } catch (...) {
+        PQclear(PQexec(db.conn_, "ROLLBACK"));
+        throw;
+    }
 }
 
 bool PostgresDatabase::usable()

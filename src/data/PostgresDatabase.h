@@ -32,7 +32,11 @@ public:
     static QString displayName(const QString &uri);
     /// Makes an empty server database ready for a library: the extension, domains and
     /// functions the translated statements use. Throws AppError when it already holds tables.
-    static void prepareEmptyDatabase(const QString &uri);
+    /// Returns whether it added the citext extension (undoPreparation takes that).
+    static bool prepareEmptyDatabase(const QString &uri);
+    /// Takes back what prepareEmptyDatabase put into a database that holds no tables (a copy that
+    /// did not go through leaves the database as it was).
+    static void undoPreparation(const QString &uri, bool addedCitext);
     static JetTranslator &sharedTranslator();
     /// The engine and where it is, for the About box: "PostgreSQL 15.18 on host:port/db".
     static QString describe(const QString &uri);

@@ -72,6 +72,18 @@ TEST_F(LibraryCopyTest, AFailedCopyLeavesNoFile)
     EXPECT_FALSE(QFile::exists(file + ".partial"));
     EXPECT_NO_THROW(LibraryCopy::copy(libraryPath_, file));
     EXPECT_TRUE(QFile::exists(file));
+
+    // Into a server database: it is left as it was, without the copy's preparations.
+    if (TestEngine::onPostgres()) {
+        const QString server = TestEngine::makeEmptyServerDatabase();
+        EXPECT_THROW(LibraryCopy::copy(old, server), AppError);
+        EXPECT_FALSE(TestEngine::serverHas(server, "SELECT 1 FROM pg_tables WHERE schemaname = current_schema()"));
+        EXPECT_FALSE(TestEngine::serverHas(server, "SELECT 1 FROM pg_proc WHERE proname LIKE 'jet%'"));
+        EXPECT_FALSE(TestEngine::serverHas(server, "SELECT 1 FROM pg_type WHERE typname IN ('jet_bit', 'jet_currency')"));
+        EXPECT_FALSE(TestEngine::serverHas(server, "SELECT 1 FROM pg_extension WHERE extname = 'citext'"));
+        EXPECT_NO_THROW(LibraryCopy::copy(file, server)); // and the next try goes through
+        TestEngine::dropLibrary(server);
+    }
 }
 
 // The school's database may sit on the same server; whoever opens it there cannot write it.

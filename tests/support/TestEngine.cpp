@@ -94,6 +94,8 @@ QString TestEngine::makeServerLibrary()
     return databaseAddress(name);
 }
 
+bool TestEngine::serverHas(const QString &location, const QString &nativeSql) { return admin(nativeSql, nullptr, true, location); }
+
 QString TestEngine::makeServerLibraryOwnedBy(const QString &role)
 {
     admin(QStringLiteral("CREATE ROLE %1 LOGIN").arg(role)); // there already when another test made it

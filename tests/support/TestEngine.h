@@ -25,6 +25,8 @@ QString makeEmptyServerDatabase();
 void refuse(const QString &location, const QString &table, const QString &operation, const QString &when = QString());
 /// Takes such a refusal away again.
 void unrefuse(const QString &location, const QString &table, const QString &operation);
+/// Whether a native query on a server database finds a row (what the tests look for there).
+bool serverHas(const QString &location, const QString &nativeSql);
 /// Removes a database made above (server databases only; files go with their folder).
 void dropLibrary(const QString &location);
 } // namespace TestEngine
