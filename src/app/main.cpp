@@ -9,6 +9,7 @@
 
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
+#include "frmDatabases.h"
 #include "frmMainMenu.h"
 #include "modExtendedMsgBox.h"
 
@@ -16,11 +17,24 @@
 #include <QGuiApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <cstdio>
 
 namespace {
+
+// Writes the demo school's databases and learner photos into folder. Throws AppError.
+void writeDemoSchool(const QString &folder)
+{
+    QDir dir(folder);
+    if (!dir.mkpath(QStringLiteral(".")))
+        throw AppError(AppError::ProviderError, QStringLiteral("Cannot create %1.").arg(folder));
+    SchoolGenerator(SchoolSize::demo())
+        .write(dir.absoluteFilePath(QStringLiteral("library.db")), dir.absoluteFilePath(QStringLiteral("central.db")),
+               dir.absoluteFilePath(QStringLiteral("LearnerPhotos")));
+}
 
 // Writes the demo school into folder: both databases, the learner photos and a settings file naming them.
 int makeDemo(const QString &folder)
@@ -33,7 +47,7 @@ int makeDemo(const QString &folder)
     if (QFile::exists(library) || QFile::exists(central))
         return std::fprintf(stderr, "%s already holds a school; remove it first.\n", qPrintable(folder)), 1;
     try {
-        SchoolGenerator(SchoolSize::demo()).write(library, central, dir.absoluteFilePath(QStringLiteral("LearnerPhotos")));
+        writeDemoSchool(folder);
     } catch (const AppError &e) {
         return std::fprintf(stderr, "Demo school not written: %s\n", qPrintable(e.description())), 1;
     }
@@ -138,14 +152,26 @@ int main(int argc, char *argv[])
         settings.overrideForThisRun(QLatin1String(SettingsStore::LibraryDatabaseKey), parser.value(options.library));
     if (parser.isSet(options.central))
         settings.overrideForThisRun(QLatin1String(SettingsStore::CentralDatabaseKey), parser.value(options.central));
-    if (parser.isSet(options.appFolder))
-        SetApplicationFolder(parser.value(options.appFolder));
+    // The program folder: given for this run, or the school's choice (the per-user data folder when none).
+    SetApplicationFolder(parser.isSet(options.appFolder) ? parser.value(options.appFolder)
+                                                         : settings.value(QLatin1String(SettingsStore::ProgramFolderKey)));
 
     ScreenRegistry screens;
     registerCirculationScreens(screens);
     registerCatalogueScreens(screens, settings);
     registerMemberScreens(screens);
     registerReportScreens(screens);
+    // "Try the demo school" keeps it in the user's own data folder, written the first time.
+    const auto demoSchool = [] {
+        const QString folder = QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath(QStringLiteral("demo"));
+        if (!QFileInfo::exists(QDir(folder).filePath(QStringLiteral("library.db"))))
+            writeDemoSchool(folder);
+        return folder;
+    };
+    // Without a screen nobody can answer the setup screen: start-up then says what is missing and ends.
+    if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+        screens.add(QStringLiteral("frmDatabases"),
+                    [&settings, demoSchool](QWidget *parent) { return new frmDatabases(settings, demoSchool, parent); });
     frmMainMenu menu(settings, screens);
     menu.Form_Load();
     if (parser.isSet(options.quitAfterStart))

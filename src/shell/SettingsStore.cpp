@@ -48,9 +48,6 @@ QString ApplicationFolder()
 {
     if (!applicationFolderOverride.isEmpty())
         return applicationFolderOverride;
-    const QString exeFolder = QCoreApplication::applicationDirPath();
-    if (QFileInfo(exeFolder).isWritable())
-        return exeFolder;
     const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(data);
     return data;

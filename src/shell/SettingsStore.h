@@ -21,6 +21,8 @@ public:
 
     static constexpr const char *LibraryDatabaseKey = "LibraryDatabase";
     static constexpr const char *CentralDatabaseKey = "Database";
+    /// The program folder the school chose (learner photos, work files); the per-user data folder when empty.
+    static constexpr const char *ProgramFolderKey = "ProgramFolder";
 
     /// The value, or an empty text.
     QString value(const QString &key) const;
@@ -36,7 +38,7 @@ private:
 };
 
 /// The program's own folder, for "LearnerPhotos", the compaction work folder and the
-/// label merge file: the executable's folder when writable, else the per-user data
-/// folder, unless set.
+/// label merge file: the folder set (the school's choice, or --app-folder), else the per-user
+/// data folder; never the executable's folder, which belongs to the installed package.
 QString ApplicationFolder();
 void SetApplicationFolder(const QString &folder);

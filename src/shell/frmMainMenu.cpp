@@ -16,6 +16,7 @@
 #include "modExtendedMsgBox.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -25,6 +26,8 @@
 #include <QRadioButton>
 #include <QShowEvent>
 #include <QVBoxLayout>
+
+#include <memory>
 
 
 namespace {
@@ -108,16 +111,16 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     txtDatabase->setReadOnly(true);
     cmdBrowse = new QPushButton(QStringLiteral("Browse for Library Database"), Frame1);
     cmdBrowse->setObjectName(QStringLiteral("cmdBrowse"));
-    cmdServer = new QPushButton(QStringLiteral("Library Database Server..."), Frame1);
-    cmdServer->setObjectName(QStringLiteral("cmdServer"));
+    cmdDatabases = new QPushButton(QStringLiteral("Databases..."), Frame1);
+    cmdDatabases->setObjectName(QStringLiteral("cmdDatabases"));
     cmdCompact = new QPushButton(QStringLiteral("Compact Library Database"), Frame1);
     cmdCompact->setObjectName(QStringLiteral("cmdCompact"));
     databaseRow->addWidget(txtDatabase, 1);
     databaseRow->addWidget(cmdBrowse);
-    databaseRow->addWidget(cmdServer);
+    databaseRow->addWidget(cmdDatabases);
     databaseRow->addWidget(cmdCompact);
     connect(cmdBrowse, &QPushButton::clicked, this, &frmMainMenu::cmdBrowse_Click);
-    connect(cmdServer, &QPushButton::clicked, this, &frmMainMenu::cmdServer_Click);
+    connect(cmdDatabases, &QPushButton::clicked, this, &frmMainMenu::cmdDatabases_Click);
     connect(cmdCompact, &QPushButton::clicked, this, &frmMainMenu::cmdCompact_Click);
 
     cmdAbout = new QPushButton(QStringLiteral("About Form"), this);
@@ -164,6 +167,17 @@ void frmMainMenu::showEvent(QShowEvent *event)
 void frmMainMenu::Form_Load()
 {
     Trap(Location, QStringLiteral("Form_Load"), [&] {
+        // A first start (nothing chosen yet, or a chosen file gone) begins with the setup screen.
+        auto missing = [](const QString &location) {
+            return location.isEmpty() || (!PostgresDatabase::isServerLocation(location) && !QFileInfo::exists(location));
+        };
+        if (!setupShown_ && screens_.has(QStringLiteral("frmDatabases"))
+            && (missing(settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey)))
+                || missing(settings_.value(QLatin1String(SettingsStore::CentralDatabaseKey))))) {
+            setupShown_ = true;
+            std::unique_ptr<QDialog> setup(screens_.make(QStringLiteral("frmDatabases"), this));
+            setup->exec();
+        }
         CentralDatabasePath = settings_.value(QLatin1String(SettingsStore::CentralDatabaseKey));
         LibraryDatabasePath = settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey));
         readSchoolName();
@@ -264,46 +278,13 @@ void frmMainMenu::cmdBrowse_Click()
     Form_Load();
 }
 
-void frmMainMenu::cmdServer_Click()
+void frmMainMenu::cmdDatabases_Click()
 {
-    const QString address = ShowTextInputDialog(this, QStringLiteral("Library Database Server"),
-                                                QStringLiteral("Server address (postgresql://user@host:5432/database).\n"
-                                                               "The password is read from ~/.pgpass or PGPASSWORD."),
-                                                PostgresDatabase::isServerLocation(LibraryDatabasePath) ? LibraryDatabasePath
-                                                                                                         : QStringLiteral("postgresql://"));
-    if (address.isEmpty())
+    if (!screens_.has(QStringLiteral("frmDatabases")))
         return;
-    if (!PostgresDatabase::isServerLocation(address)) {
-        UserMessage(QStringLiteral("A server address begins with postgresql://, for example postgresql://library@school-server:5432/library"));
-        return;
-    }
-    if (PostgresDatabase::holdsPassword(address)) {
-        UserMessage(QStringLiteral("Please leave the password out of the address: put it in the ~/.pgpass file of this computer's user "
-                                   "(or PGPASSWORD), so it is never stored in the settings."));
-        return;
-    }
-    const QString previous = LibraryDatabasePath;
-    LibraryDatabasePath = address;
-    bool library = false;
-    try {
-        library = isLibraryDatabase();
-    } catch (const AppError &e) {
-        // A server never reached is not blamed for not being a library: why it was not reached is said instead.
-        LibraryDatabasePath = previous;
-        if (e.cause() != AppError::Cause::Unreachable)
-            ReportError(Location, QStringLiteral("cmdServer_Click"), e);
-        else
-            UserMessage(e.description());
-        return;
-    }
-    if (!library) {
-        LibraryDatabasePath = previous;
-        UserMessage(NotALibrary);
-        return;
-    }
-    settings_.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), address);
-    txtDatabase->setText(address);
-    Form_Load();
+    std::unique_ptr<QDialog> setup(screens_.make(QStringLiteral("frmDatabases"), this));
+    if (setup->exec() == QDialog::Accepted)
+        Form_Load(); // the chosen databases, checked and upgraded as at start-up
 }
 
 void frmMainMenu::cmdCompact_Click()

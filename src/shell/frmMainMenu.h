@@ -24,7 +24,8 @@ public:
     void Form_Load();
     void cmdBrowse_Click();
     /// Takes a PostgreSQL server address (postgresql://user@host:port/database) as the library database.
-    void cmdServer_Click();
+    /// "Databases...": the setup screen, then start-up again on what was chosen.
+    void cmdDatabases_Click();
     void cmdCompact_Click();
     void cmdissues_Click();
 
@@ -47,7 +48,7 @@ public:
     QPushButton *cmdKeywordList, *cmdLanguage, *cmdItems, *cmdSubjectcodes, *cmdCategories, *cmdSeries, *cmdPublisher, *cmdAuthors;
     // The library database
     QGroupBox *Frame1;
-    QPushButton *cmdCompact, *cmdBrowse, *cmdServer;
+    QPushButton *cmdCompact, *cmdBrowse, *cmdDatabases;
     QLineEdit *txtDatabase;
     QLabel *Label1;
     QLabel *lblSchool;
@@ -71,4 +72,5 @@ private:
     clsDataObject data_;
     SettingsStore &settings_;
     const ScreenRegistry &screens_;
+    bool setupShown_ = false; // the first-start setup screen is offered once a run
 };

@@ -70,6 +70,13 @@ QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QStrin
     return QFileDialog::getOpenFileName(parent, caption, QString(), filter);
 }
 
+QString ShowFolderDialog(QWidget *parent, const QString &caption)
+{
+    if (MessageScript *script = MessageScript::active())
+        return script->takeFileName();
+    return QFileDialog::getExistingDirectory(parent, caption);
+}
+
 QString ShowTextInputDialog(QWidget *parent, const QString &caption, const QString &label, const QString &text)
 {
     if (MessageScript *script = MessageScript::active())

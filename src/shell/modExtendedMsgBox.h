@@ -17,6 +17,8 @@ public:
 
 /// The file dialog of the system: the chosen file, or empty when cancelled.
 QString ShowOpenFileDialog(QWidget *parent, const QString &caption, const QString &filter);
+/// The folder dialog of the system: the chosen folder, or empty when cancelled (scripted in tests).
+QString ShowFolderDialog(QWidget *parent, const QString &caption);
 /// One line of text from the librarian (empty when cancelled); scripted in tests like the file dialogs.
 QString ShowTextInputDialog(QWidget *parent, const QString &caption, const QString &label, const QString &text);
 /// The save-file dialog; under a message script the next scripted file name (empty for Cancel).

@@ -11,6 +11,7 @@
 #include "UpdateDatabase.h"
 #include "clsDataObject.h"
 #include "frmAbout.h"
+#include "frmDatabases.h"
 #include "frmMainMenu.h"
 
 #include <QCryptographicHash>
@@ -20,6 +21,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QUrl>
+#include <QApplication>
+#include <QTimer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -365,22 +368,31 @@ TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
         GTEST_SKIP() << "skipped: no PostgreSQL";
     }
     const QString server = TestEngine::makeServerLibrary();
+    screens_.add("frmDatabases", [this](QWidget *parent) { return new frmDatabases(*settings_, [] { return QString(); }, parent); });
     auto menu = start();
-
-    messages_->queueFileName("library-server:5432/library");
-    child<QPushButton>(*menu, "cmdServer")->click();
-    EXPECT_TRUE(messages_->prompts().last().startsWith("A server address begins with postgresql://"));
+    // "Databases...": the address typed into the library box, the school as it was.
+    auto choose = [&](const QString &address) {
+        QObject scope;
+        QTimer::singleShot(0, &scope, [&] {
+            if (auto *setup = qobject_cast<frmDatabases *>(QApplication::activeModalWidget())) {
+                setup->findChild<QLineEdit *>("txtLibrary")->setText(address);
+                setup->findChild<QLineEdit *>("txtProgramFolder")->setText(path("app"));
+                setup->findChild<QPushButton *>("cmdSave")->click();
+                if (setup->isVisible())
+                    setup->reject();
+            }
+        });
+        child<QPushButton>(*menu, "cmdDatabases")->click();
+    };
     QUrl withPassword(server);
     withPassword.setPassword("secret");
-    messages_->queueFileName(withPassword.toString());
-    child<QPushButton>(*menu, "cmdServer")->click();
-    EXPECT_TRUE(messages_->prompts().last().startsWith("Please leave the password out of the address"));
+    choose(withPassword.toString());
+    EXPECT_TRUE(messages_->prompts().last().startsWith("Library database: Please leave the password out of the address"));
     EXPECT_EQ(LibraryDatabasePath, libraryPath_);
 
     messages_->clear();
-    messages_->queueFileName(server);
-    child<QPushButton>(*menu, "cmdServer")->click();
-    EXPECT_TRUE(messages_->shown().empty());
+    choose(server);
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
     EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), server);
     EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), server);
     EXPECT_TRUE(menuEnabled(*menu));
@@ -389,8 +401,7 @@ TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
     QUrl wrong(server);
     wrong.setPath("/no_such_library");
     messages_->clear();
-    messages_->queueFileName(wrong.toString());
-    child<QPushButton>(*menu, "cmdServer")->click();
+    choose(wrong.toString());
     ASSERT_EQ(messages_->shown().size(), 1u) << messages_->prompts().join(" | ").toStdString();
     EXPECT_TRUE(messages_->prompts().first().contains("/no_such_library cannot be reached: the server has no database of that name"))
         << messages_->prompts().first().toStdString();
@@ -450,4 +461,88 @@ TEST_F(MainMenuTest, StartUpWithAServerThatIsDownSaysSoOnce)
     EXPECT_TRUE(messages_->prompts().first().startsWith("The database server 127.0.0.1:1/library cannot be reached"));
     EXPECT_FALSE(menuEnabled(*menu));
     EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), address);
+}
+
+// The setup screen: each choice checked as start-up checks it, the settings written only when both
+// databases work; a new empty library, an existing file, the demo school.
+TEST_F(MainMenuTest, TheSetupScreenKeepsOnlyChoicesThatWork)
+{
+    SettingsStore store(settingsFile_);
+    QString demoWrittenTo;
+    frmDatabases setup(store, [&] {
+        demoWrittenTo = path("demo");
+        QDir().mkpath(demoWrittenTo);
+        DatabaseSchema::createLibraryDatabase(QDir(demoWrittenTo).filePath("library.db"));
+        DatabaseSchema::createCentralDatabase(QDir(demoWrittenTo).filePath("central.db"));
+        return demoWrittenTo;
+    });
+    auto *library = setup.findChild<QLineEdit *>("txtLibrary");
+    auto *school = setup.findChild<QLineEdit *>("txtSchool");
+    auto *folder = setup.findChild<QLineEdit *>("txtProgramFolder");
+    auto click = [&](const char *button) { setup.findChild<QPushButton *>(button)->click(); };
+    folder->setText(path("shared"));
+    EXPECT_TRUE(setup.findChild<QLabel *>("lblPhotos")->text().contains(path("shared") + "/LearnerPhotos"));
+
+    // The school's database given as the library: refused, nothing kept.
+    library->setText(centralPath_);
+    school->setText(centralPath_);
+    click("cmdSave");
+    EXPECT_EQ(messages_->prompts().last(), "Library database: " + centralPath_ + " is the school administration database; choose the library database here.");
+    EXPECT_TRUE(store.value("LibraryDatabase").isEmpty());
+    // A library whose school database is missing: refused too.
+    messages_->queueFileName(libraryPath_);
+    click("cmdOpenLibrary");
+    EXPECT_EQ(library->text(), libraryPath_);
+    school->setText(path("gone.db"));
+    click("cmdSave");
+    EXPECT_EQ(messages_->prompts().last(), "School administration database: There is no file " + path("gone.db") + ".");
+    EXPECT_TRUE(store.value("LibraryDatabase").isEmpty());
+
+    // A new empty library and the school's file: both work, all three kept.
+    messages_->queueFileName(path("new-library"));
+    click("cmdNewLibrary");
+    EXPECT_EQ(library->text(), path("new-library.db"));
+    EXPECT_EQ(rowsIn(path("new-library.db"), "select count(*) from tblLibItems"), QStringList{"0"});
+    messages_->queueFileName(centralPath_);
+    click("cmdOpenSchool");
+    messages_->clear();
+    click("cmdSave");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+    EXPECT_EQ(setup.result(), QDialog::Accepted);
+    EXPECT_EQ(store.value("LibraryDatabase"), path("new-library.db"));
+    EXPECT_EQ(store.value("Database"), centralPath_);
+    EXPECT_EQ(store.value("ProgramFolder"), path("shared"));
+    EXPECT_EQ(ApplicationFolder(), path("shared"));
+
+    // The demo school: written and used, its learner photos with it.
+    messages_->clear();
+    click("cmdDemo");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+    ASSERT_FALSE(demoWrittenTo.isEmpty());
+    EXPECT_EQ(store.value("LibraryDatabase"), QDir(demoWrittenTo).filePath("library.db"));
+    EXPECT_EQ(store.value("ProgramFolder"), demoWrittenTo);
+    SetApplicationFolder(path("app"));
+}
+
+// A fresh install: no databases chosen, so start-up begins with the setup screen, and the menu then
+// works on what was chosen, with no error box before or after.
+TEST_F(MainMenuTest, AFreshInstallStartsWithTheSetupScreen)
+{
+    screens_.add("frmDatabases", [this](QWidget *parent) { return new frmDatabases(*settings_, [] { return QString(); }, parent); });
+    bool offered = false;
+    QObject scope;
+    QTimer::singleShot(0, &scope, [&] {
+        if (auto *setup = qobject_cast<frmDatabases *>(QApplication::activeModalWidget())) {
+            offered = true;
+            setup->findChild<QLineEdit *>("txtLibrary")->setText(libraryPath_);
+            setup->findChild<QLineEdit *>("txtSchool")->setText(centralPath_);
+            setup->findChild<QLineEdit *>("txtProgramFolder")->setText(path("app"));
+            setup->findChild<QPushButton *>("cmdSave")->click();
+        }
+    });
+    auto menu = start(false);
+    EXPECT_TRUE(offered);
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+    EXPECT_TRUE(menuEnabled(*menu));
+    EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), libraryPath_);
 }
