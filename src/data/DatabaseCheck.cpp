@@ -43,6 +43,8 @@ bool holds(DbConnection &db, const char *table)
 
 } // namespace
 
+QString DatabaseCheck::notALibraryText() { return QStringLiteral("The database you have selected is not an Veltrix Library database."); }
+
 QString DatabaseCheck::library(const QString &location)
 {
     DbConnection db;
@@ -51,7 +53,7 @@ QString DatabaseCheck::library(const QString &location)
         if (holds(db, "Learner_Info"))
             refusal = QStringLiteral("%1 is the school administration database; choose the library database here.").arg(location);
         else if (!holds(db, "tblLibItems"))
-            refusal = QStringLiteral("The database you have selected is not an Veltrix Library database.");
+            refusal = notALibraryText();
     }
     if (db.state() == DbConnection::adStateOpen)
         db.Close();

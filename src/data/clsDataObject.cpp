@@ -76,17 +76,6 @@ void clsDataObject::ExecuteNonQuery(const QString &sql)
     ConClose();
 }
 
-int clsDataObject::ExecuteCounted(const QString &sql)
-{
-    int changed = 0;
-    if (ConOpen()) {
-        prepare(sql);
-        active().Execute(sql, &changed);
-    }
-    ConClose();
-    return changed;
-}
-
 qint64 clsDataObject::InsertReturningKey(const QString &sql, const QString &keyColumn)
 {
     qint64 key = 0;

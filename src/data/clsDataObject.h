@@ -66,8 +66,6 @@ public:
     bool RunTransaction(const std::function<bool()> &work);
     /// Runs one INSERT of a single row (inside RunTransaction, on its connection); the new row's counter.
     qint64 InsertReturningKey(const QString &sql, const QString &keyColumn);
-    /// Runs an UPDATE or DELETE; the number of rows it changed.
-    int ExecuteCounted(const QString &sql);
 
     /// Whether this object's connection is open (tests and the compaction step look).
     bool connectionOpen() const;

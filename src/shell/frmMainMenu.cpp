@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "ConnectionPool.h"
+#include "DatabaseCheck.h"
 #include "DatabaseFile.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
@@ -33,7 +34,7 @@
 namespace {
 
 const QString Location = QStringLiteral("frmMainMenu");
-const QString NotALibrary = QStringLiteral("The database you have selected is not an Veltrix Library database.");
+const QString NotALibrary = DatabaseCheck::notALibraryText();
 
 QGroupBox *frame(const char *name, const QString &caption, QWidget *parent)
 {
