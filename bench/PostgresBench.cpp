@@ -172,7 +172,7 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
     url.setPath(QLatin1Char('/') + name);
     const QString uri = url.toString();
     const QString schoolLibrary = QDir(schoolFolder).absoluteFilePath(QStringLiteral("library.db"));
-    std::printf("PostgreSQL (%s)\n", qPrintable(PostgresDatabase::describe(serverAdmin)));
+    std::printf("PostgreSQL (%s)\n", qPrintable(PostgresDatabase::status(serverAdmin)));
     // The whole library both ways, as `shelvora --copy-library` does it (checks included).
     auto timedCopy = [](const QString &from, const QString &to, const char *direction) {
         QElapsedTimer copying;

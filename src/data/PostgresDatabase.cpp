@@ -87,11 +87,29 @@ QString PostgresDatabase::displayName(const QString &uri)
     return url.toString();
 }
 
-QString PostgresDatabase::describe(const QString &uri)
+QString PostgresDatabase::status(const QString &uri)
 {
-    const QUrl url(uri);
-    PostgresDatabase db(uri, true);
-    return QStringLiteral("%1 on %2:%3%4").arg(db.serverVersion(), url.host()).arg(url.port(5432)).arg(url.path());
+    QString reason;
+    PGconn *conn = connectTo(uri, reason);
+    if (!conn)
+        return QStringLiteral("PostgreSQL on %1 (not reachable: %2)").arg(place(uri), reason);
+    const int v = PQserverVersion(conn);
+    PQfinish(conn);
+    return QStringLiteral("PostgreSQL %1.%2 on %3 (connected)").arg(v / 10000).arg(v % 10000).arg(place(uri));
+}
+
+PGconn *PostgresDatabase::connectTo(const QString &uri, QString &reason)
+{
+    const QByteArray location = uri.toUtf8();
+    // The address's own settings win over these defaults.
+    const char *keys[] = {"connect_timeout", "application_name", "dbname", nullptr};
+    const char *values[] = {"10", "Shelvora", location.constData(), nullptr};
+    PGconn *conn = PQconnectdbParams(keys, values, 1);
+    if (conn && PQstatus(conn) == CONNECTION_OK)
+        return conn;
+    reason = conn ? unreachableReason(conn) : QStringLiteral("out of memory");
+    PQfinish(conn);
+    return nullptr;
 }
 
 QStringList PostgresDatabase::vacuum(const QString &uri)
@@ -111,15 +129,9 @@ bool PostgresDatabase::holdsPassword(const QString &uri) { return !QUrl(uri).pas
 
 PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly_(readOnly)
 {
-    const QByteArray location = uri.toUtf8();
-    // The address's own settings win over these defaults.
-    const char *keys[] = {"connect_timeout", "application_name", "dbname", nullptr};
-    const char *values[] = {"10", "Shelvora", location.constData(), nullptr};
-    conn_ = PQconnectdbParams(keys, values, 1);
-    if (!conn_ || PQstatus(conn_) != CONNECTION_OK) {
-        const QString reason = conn_ ? unreachableReason(conn_) : QStringLiteral("out of memory");
-        PQfinish(conn_);
-        conn_ = nullptr;
+    QString reason;
+    conn_ = connectTo(uri, reason);
+    if (!conn_) {
         throw AppError(AppError::ConnectionFailure,
                        QStringLiteral("The database server %1 cannot be reached: %2. Nothing was changed; please try again once it is "
                                       "back, or ask whoever looks after the server.")

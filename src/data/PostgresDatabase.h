@@ -38,8 +38,9 @@ public:
     /// did not go through leaves the database as it was).
     static void undoPreparation(const QString &uri, bool addedCitext);
     static JetTranslator &sharedTranslator();
-    /// The engine and where it is, for the About box: "PostgreSQL 15.18 on host:port/db".
-    static QString describe(const QString &uri);
+    /// The engine, where it is and whether it answers, for the About box and System Info:
+    /// "PostgreSQL 15.18 on host:port/db (connected)" or "PostgreSQL on host:port/db (not reachable: why)".
+    static QString status(const QString &uri);
     /// Reclaims space and refreshes the planner's statistics of a server database's own tables
     /// (VACUUM (ANALYZE)); returns what the server warned of (nothing, as it should be).
     static QStringList vacuum(const QString &uri);
@@ -64,6 +65,8 @@ public:
     void vacuumAnalyze();
 
 private:
+    /// An open libpq connection, or null with the plain reason why not.
+    static pg_conn *connectTo(const QString &uri, QString &reason);
     pg_result *run(const std::string &sql, const QString &jetSql);
     [[noreturn]] void raise(pg_result *result, const QString &jetSql);
     void readRows(pg_result *result, Recordset *rows, const TranslatedStatement &ts);

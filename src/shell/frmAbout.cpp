@@ -1,7 +1,6 @@
 #include "frmAbout.h"
 
 #include "SettingsStore.h"
-#include "AppError.h"
 #include "PostgresDatabase.h"
 #include "SqliteDatabase.h"
 #include "UpdateDatabase.h"
@@ -22,6 +21,8 @@ QString databaseLine(const QString &role, const QString &path)
     const QFileInfo info(path);
     if (path.isEmpty())
         return role + QStringLiteral(": (not set)");
+    if (PostgresDatabase::isServerLocation(path))
+        return role + QStringLiteral(": ") + PostgresDatabase::status(path);
     if (!info.exists())
         return role + QStringLiteral(": ") + path + QStringLiteral(" (missing)");
     const QStorageInfo storage(info.absolutePath());
@@ -38,11 +39,7 @@ QString engineOf(const QString &location)
 {
     if (!PostgresDatabase::isServerLocation(location))
         return location + QStringLiteral(" (SQLite file)");
-    try {
-        return PostgresDatabase::describe(location);
-    } catch (const AppError &) {
-        return PostgresDatabase::displayName(location) + QStringLiteral(" (PostgreSQL server, not reachable now)");
-    }
+    return PostgresDatabase::status(location);
 }
 
 } // namespace

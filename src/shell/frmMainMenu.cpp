@@ -232,12 +232,21 @@ void frmMainMenu::enableMenu(bool enabled, bool askToBrowse)
         UserMessage(QStringLiteral("Please browse for your Library Database."));
 }
 
+void frmMainMenu::showLibraryLocation(const QString &location)
+{
+    // A server address is long; the box widens to show all of it and starts at its beginning.
+    txtDatabase->setText(location);
+    txtDatabase->setToolTip(location);
+    txtDatabase->setMinimumWidth(txtDatabase->fontMetrics().horizontalAdvance(location) + 16);
+    txtDatabase->setCursorPosition(0);
+}
+
 void frmMainMenu::upgradeStructure()
 {
     // The upgrades write: they run on a library database only, never on another file the path may name.
     const bool library = data_.TableExist(QStringLiteral("select ItemID from tblLibItems"));
     data_.ConClose();
-    txtDatabase->setText(LibraryDatabasePath);
+    showLibraryLocation(LibraryDatabasePath);
     if (!library)
         return;
     ConnectionPool::shared().keepReadOnly(LibraryDatabasePath, false);
@@ -275,7 +284,7 @@ void frmMainMenu::cmdBrowse_Click()
         return;
     }
     settings_.setValue(QLatin1String(SettingsStore::LibraryDatabaseKey), file);
-    txtDatabase->setText(file);
+    showLibraryLocation(file);
     Form_Load();
 }
 

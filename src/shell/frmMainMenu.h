@@ -67,6 +67,7 @@ private:
     /// Whether LibraryDatabasePath names a library database (looked at read only).
     bool isLibraryDatabase();
     void enableMenu(bool enabled, bool askToBrowse = true);
+    void showLibraryLocation(const QString &location);
     void upgradeStructure();
 
     clsDataObject data_;

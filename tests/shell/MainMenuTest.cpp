@@ -394,7 +394,10 @@ TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
     choose(server);
     EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
     EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), server);
-    EXPECT_EQ(child<QLineEdit>(*menu, "txtDatabase")->text(), server);
+    auto *box = child<QLineEdit>(*menu, "txtDatabase");
+    EXPECT_EQ(box->text(), server);
+    menu->show();
+    EXPECT_GE(box->width(), box->fontMetrics().horizontalAdvance(server)) << "the whole address is seen";
     EXPECT_TRUE(menuEnabled(*menu));
 
     // A database name the server does not have: why it was not reached, once, never "not a library".
@@ -415,7 +418,17 @@ TEST_F(MainMenuTest, ALibraryOnAServerIsChosenByItsAddress)
 
     frmAbout about;
     const QString text = about.findChild<QLabel *>("lblAbout")->text();
-    EXPECT_TRUE(text.contains(QRegularExpression("Library database: PostgreSQL \\d+\\.\\d+ on 127\\.0\\.0\\.1:\\d+/shelvora_lib_"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QRegularExpression("Library database: PostgreSQL \\d+\\.\\d+ on 127\\.0\\.0\\.1:\\d+/shelvora_lib_\\w+ \\(connected\\)")))
+        << text.toStdString();
+    // System Info says whether each server answers, and why not; never "(missing)" for an address.
+    const QString school = std::exchange(CentralDatabasePath, wrong.toString());
+    const QString report = SystemInfoDialog::report();
+    CentralDatabasePath = school;
+    EXPECT_TRUE(report.contains(QRegularExpression("Library database: PostgreSQL \\d+\\.\\d+ on 127\\.0\\.0\\.1:\\d+/shelvora_lib_\\w+ \\(connected\\)")))
+        << report.toStdString();
+    EXPECT_TRUE(report.contains(QRegularExpression("School database: PostgreSQL on 127\\.0\\.0\\.1:\\d+/no_such_library \\(not reachable: the server has no database of that name")))
+        << report.toStdString();
+    EXPECT_FALSE(report.contains("(missing)"));
 
     ConnectionPool::shared().clear();
     TestEngine::dropLibrary(server);

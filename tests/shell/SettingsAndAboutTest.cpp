@@ -58,7 +58,7 @@ TEST(AboutBox, NamesTheVersionsAndBothDatabases)
     EXPECT_TRUE(text.contains("/srv/school/library.db"));
     EXPECT_TRUE(text.contains("/srv/school/central.db"));
     const QString report = SystemInfoDialog::report();
-    EXPECT_TRUE(report.contains("Library database: /srv/school/library.db (missing)"));
+    EXPECT_TRUE(report.contains("Library database: /srv/school/library.db (missing)")) << "a file that is not there";
     EXPECT_TRUE(report.contains("Operating system: "));
     LibraryDatabasePath.clear();
     CentralDatabasePath.clear();
