@@ -7,7 +7,8 @@ packages=(build-essential cmake ninja-build pkg-config
           postgresql postgresql-contrib  # the library database on a server; tests start a private one
           libzint-dev glabels-data libxlsxwriter-dev  # barcodes, label stocks, spreadsheets
           unzip  # tests open the exported workbooks
-          poppler-utils zbar-tools)  # tests read printed pages and barcodes back
+          poppler-utils zbar-tools  # tests read printed pages and barcodes back
+          lintian desktop-file-utils)  # the package test checks the .deb as Debian does
 # The fuzzers (tools/fuzz.sh) need clang and its sanitizer and libFuzzer runtimes.
 if [ "${1:-}" = "--fuzz" ]; then
   packages=(clang libclang-rt-dev)

@@ -22,9 +22,15 @@ for dep in glabels-data qt6-qpa-plugins libqt6widgets6 libqt6charts6 libsqlite3-
 done
 contents=$(dpkg-deb -c "$deb")
 for file in ./usr/bin/shelvora ./usr/share/applications/shelvora.desktop ./usr/share/icons/hicolor/scalable/apps/shelvora.svg \
-            ./usr/share/man/man1/shelvora.1.gz; do
+            ./usr/share/man/man1/shelvora.1.gz ./usr/share/doc/shelvora/copyright ./usr/share/doc/shelvora/changelog.gz; do
   grep -qF " $file" <<<"$contents" || fail "package lacks $file"
 done
+
+# Debian's own checks of a package: no errors or warnings, pedantic ones included.
+if command -v lintian >/dev/null; then
+  report=$(lintian --pedantic --no-tag-display-limit "$deb" 2>/dev/null || true)
+  if grep -E '^(E|W|P): ' <<<"$report"; then fail "lintian finds the above"; fi
+fi
 
 SUDO=""
 if [ "$(id -u)" -ne 0 ]; then
@@ -44,5 +50,5 @@ demo=$(mktemp -d)
 for f in library.db central.db shelvora.ini; do [ -s "$demo/school/$f" ] || fail "demo lacks $f"; done
 rm -rf "$demo"
 man -l /usr/share/man/man1/shelvora.1.gz 2>/dev/null | grep -q -- "--copy-library" || zcat /usr/share/man/man1/shelvora.1.gz | grep -q copy || fail "manual page"
-desktop-file-validate /usr/share/applications/shelvora.desktop 2>/dev/null || true
+desktop-file-validate /usr/share/applications/shelvora.desktop || fail "desktop entry"
 echo "package $deb: built, checked, installed and run"

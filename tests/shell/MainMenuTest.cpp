@@ -476,6 +476,43 @@ TEST_F(MainMenuTest, StartUpWithAServerThatIsDownSaysSoOnce)
     EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), address);
 }
 
+// A server that asks for a password this computer does not have: one message naming the address
+// and where the password goes, the settings kept; with the password the same settings work.
+TEST_F(MainMenuTest, StartUpWithoutTheServersPasswordSaysWhereItGoes)
+{
+    if (TestEngine::serverAddress().isEmpty()) {
+        std::fprintf(stderr, "skipped: no PostgreSQL\n");
+        GTEST_SKIP() << "skipped: no PostgreSQL";
+    }
+    const QString server = TestEngine::makeServerLibraryOwnedBy("shelvora_password", "desk-secret");
+    SettingsStore(settingsFile_).setValue("LibraryDatabase", server);
+    SettingsStore(settingsFile_).setValue("Database", centralPath_);
+    qputenv("PGPASSFILE", path("no-pgpass").toUtf8());
+    qunsetenv("PGPASSWORD");
+    {
+        auto menu = start(false);
+        ASSERT_EQ(messages_->shown().size(), 1u) << messages_->prompts().join(" | ").toStdString();
+        const QString said = messages_->prompts().first();
+        EXPECT_TRUE(said.contains(QUrl(server).host() + ":" + QString::number(QUrl(server).port()) + QUrl(server).path()
+                                  + " cannot be reached: it asks for a password, which this computer does not have "
+                                    "(put it in ~/.pgpass or PGPASSWORD)"))
+            << said.toStdString();
+        EXPECT_FALSE(menuEnabled(*menu));
+        EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), server);
+    }
+    messages_->clear();
+    qputenv("PGPASSWORD", "desk-secret");
+    {
+        auto menu = start(false);
+        EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+        EXPECT_TRUE(menuEnabled(*menu));
+    }
+    qunsetenv("PGPASSWORD");
+    qunsetenv("PGPASSFILE");
+    ConnectionPool::shared().clear();
+    TestEngine::dropLibrary(server);
+}
+
 // The setup screen: each choice checked as start-up checks it, the settings written only when both
 // databases work; a new empty library, an existing file, the demo school.
 TEST_F(MainMenuTest, TheSetupScreenKeepsOnlyChoicesThatWork)

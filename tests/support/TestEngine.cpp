@@ -96,9 +96,14 @@ QString TestEngine::makeServerLibrary()
 
 bool TestEngine::serverHas(const QString &location, const QString &nativeSql) { return admin(nativeSql, nullptr, true, location); }
 
-QString TestEngine::makeServerLibraryOwnedBy(const QString &role)
+QString TestEngine::makeServerLibraryOwnedBy(const QString &role, const QString &password)
 {
     admin(QStringLiteral("CREATE ROLE %1 LOGIN").arg(role)); // there already when another test made it
+    if (!password.isEmpty())
+        admin(QStringLiteral("ALTER ROLE %1 PASSWORD '%2'").arg(role, password));
+    const QByteArray givenPassword = qgetenv("PGPASSWORD");
+    if (!password.isEmpty())
+        qputenv("PGPASSWORD", password.toUtf8());
     const QString name = uniqueName("own");
     QString error;
     if (!admin(QStringLiteral("CREATE DATABASE %1 OWNER %2").arg(name, role), &error))
@@ -107,6 +112,7 @@ QString TestEngine::makeServerLibraryOwnedBy(const QString &role)
     url.setUserName(role);
     DatabaseSchema::createLibraryDatabase(url.toString());
     ConnectionPool::shared().closeIdle(url.toString());
+    qputenv("PGPASSWORD", givenPassword);
     return url.toString();
 }
 

@@ -15,8 +15,9 @@ QString makeLibrary(const QString &sqlitePath);
 /// A fresh library database on the server whatever this run's engine; its address.
 QString makeServerLibrary();
 /// A new library database on the server belonging to a role that is not the server's superuser
-/// (made for it); its address, connecting as that role.
-QString makeServerLibraryOwnedBy(const QString &role);
+/// (made for it); its address, connecting as that role. With a password the role is given it
+/// (the test cluster asks the role shelvora_password for one).
+QString makeServerLibraryOwnedBy(const QString &role, const QString &password = QString());
 /// A new empty database on the server (no schema); its address.
 QString makeEmptyServerDatabase();
 /// Makes the database refuse every `operation` (INSERT, UPDATE or DELETE) on `table` with an
