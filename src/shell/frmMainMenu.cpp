@@ -189,8 +189,13 @@ void frmMainMenu::Form_Load()
             // A library server that cannot be reached: said once, naming it and why; the settings stay.
             if (e.cause() != AppError::Cause::Unreachable)
                 throw;
-            UserMessage(e.description());
             enableMenu(false, false);
+            if (!screens_.has(QStringLiteral("frmDatabases"))) {
+                UserMessage(e.description());
+                return;
+            }
+            if (UserQuestion(e.description() + QStringLiteral("\n\nDo you want to choose the databases now (\"Databases...\")?")))
+                cmdDatabases_Click();
             return;
         }
         if (!opened) {

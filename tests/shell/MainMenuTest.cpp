@@ -469,9 +469,20 @@ TEST_F(MainMenuTest, StartUpWithAServerThatIsDownSaysSoOnce)
     const QString address = "postgresql://shelvora@127.0.0.1:1/library";
     SettingsStore(settingsFile_).setValue("LibraryDatabase", address);
     SettingsStore(settingsFile_).setValue("Database", centralPath_);
+    // The setup screen is offered with the reason, and leaving it keeps the settings as they were.
+    int setupOpened = 0;
+    screens_.add("frmDatabases", [&](QWidget *parent) {
+        ++setupOpened;
+        auto *setup = new frmDatabases(*settings_, [] { return QString(); }, parent);
+        QTimer::singleShot(0, setup, &QDialog::reject);
+        return setup;
+    });
+    messages_->queueAnswer(MessageScript::Yes);
     auto menu = start(false);
     ASSERT_EQ(messages_->shown().size(), 1u) << messages_->prompts().join(" | ").toStdString();
-    EXPECT_TRUE(messages_->prompts().first().startsWith("The database server 127.0.0.1:1/library cannot be reached"));
+    EXPECT_TRUE(messages_->prompts().first().startsWith("The database server 127.0.0.1:1/library cannot be reached: nothing answers"));
+    EXPECT_TRUE(messages_->prompts().first().endsWith("Do you want to choose the databases now (\"Databases...\")?"));
+    EXPECT_EQ(setupOpened, 1);
     EXPECT_FALSE(menuEnabled(*menu));
     EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), address);
 }
