@@ -5,7 +5,7 @@
 #include "DbConnection.h"
 #include "LabelSheet.h"
 #include "SpreadGrid.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmReferenceList.h"
 
 #include <QPrinter>

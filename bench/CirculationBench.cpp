@@ -9,9 +9,10 @@
 #include "LoanRules.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
+#include "Engine.h"
 #include "PostgresDatabase.h"
 #include "SqliteDatabase.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmFinePayment.h"
 #include "frmIssueSystem.h"
 #include "frmReservedItems.h"
@@ -109,7 +110,7 @@ void benchDesk()
     QApplication::processEvents();
     SpreadGrid *grid = child<SpreadGrid>(desk, "gridtransactions");
     // On a server the desk's figures stand alone (the yardstick below is the embedded engine's C API).
-    const bool server = PostgresDatabase::isServerLocation(LibraryDatabasePath);
+    const bool server = !EngineRegistry::installed().forLocation(LibraryDatabasePath).isFile();
     std::optional<RawReplay> raw;
     if (!server)
         raw.emplace();

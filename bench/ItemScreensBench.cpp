@@ -9,7 +9,7 @@
 #include "DbConnection.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmItemAddModify.h"
 #include "frmItemList.h"
 #include "frmQuickFind.h"

@@ -8,7 +8,7 @@
 #include "Clock.h"
 #include "Recordset.h"
 #include "SpreadGrid.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmLibraryReport.h"
 #include "frmLibraryUsers.h"
 #include "frmReportViewer.h"

@@ -7,7 +7,7 @@
 #include "Stocktake.h"
 #include "DbConnection.h"
 #include "Recordset.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmLibraryStatistics.h"
 #include "frmReportViewer.h"
 

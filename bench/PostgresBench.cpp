@@ -11,7 +11,7 @@
 #include "LoanRules.h"
 #include "PostgresDatabase.h"
 #include "Recordset.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "clsDataObject.h"
 
 #include <QCoreApplication>

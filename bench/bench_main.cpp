@@ -1,4 +1,6 @@
 // Benchmarks on the large school: Jet translation, the loan engine and the data object.
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
 #include "AppError.h"
 #include "BenchSql.h"
 #include "BenchTimer.h"
@@ -22,7 +24,7 @@
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "SqliteDatabase.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "clsDataObject.h"
 #include "clsTSQL.h"
 
@@ -254,6 +256,8 @@ void benchOpeningEveryScreen(const QString &workFolder)
 
 int main(int argc, char *argv[])
 {
+    SqliteEngine::install(EngineRegistry::installed());
+    PostgresEngine::install(EngineRegistry::installed());
     QApplication app(argc, argv);
     if (argc < 2) {
         std::fprintf(stderr, "usage: %s SCHOOL_FOLDER [GROUP]\n", argv[0]);

@@ -1,4 +1,6 @@
 // Writes the large school the benchmarks run on.
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
 #include "AppError.h"
 #include "SchoolGenerator.h"
 
@@ -10,6 +12,8 @@
 
 int main(int argc, char *argv[])
 {
+    SqliteEngine::install(EngineRegistry::installed());
+    PostgresEngine::install(EngineRegistry::installed());
     QGuiApplication app(argc, argv);
     if (argc < 2) {
         std::fprintf(stderr, "usage: %s FOLDER\n", argv[0]);

@@ -1,3 +1,5 @@
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
 #include "AppError.h"
 #include "CatalogueScreens.h"
 #include "MemberScreens.h"
@@ -122,6 +124,8 @@ void nameApplication()
 
 int main(int argc, char *argv[])
 {
+    SqliteEngine::install(EngineRegistry::installed());
+    PostgresEngine::install(EngineRegistry::installed());
     if (runsWithoutWindow(argc, argv)) {
         // The demo's learner photos are drawn with fonts, which need a GUI application but no screen.
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

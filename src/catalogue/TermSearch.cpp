@@ -3,7 +3,7 @@
 #include "AppError.h"
 #include "SearchTerms.h"
 #include "SpreadGrid.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "modExtendedMsgBox.h"
 
 #include <QAbstractButton>

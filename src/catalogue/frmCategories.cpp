@@ -5,7 +5,7 @@
 #include "AppError.h"
 #include "SqlText.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
 

@@ -10,7 +10,7 @@
 #include "SpreadGrid.h"
 #include "SqlText.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "clsTSQL.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"

@@ -8,7 +8,7 @@
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "clsTSQL.h"
 #include "frmKeywordSearch.h"
 #include "frmSubjectSearch.h"

@@ -8,7 +8,7 @@
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "modExtendedMsgBox.h"
 
 #include <QDir>

@@ -6,7 +6,7 @@
 #include "SpreadGrid.h"
 #include "SqlText.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
 #include "SchoolDatabase.h"

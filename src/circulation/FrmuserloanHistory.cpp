@@ -8,7 +8,7 @@
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "frmFinePayment.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"

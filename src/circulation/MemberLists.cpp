@@ -4,7 +4,7 @@
 #include "Clock.h"
 #include "LoanRoutines.h"
 #include "Recordset.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "mCombo.h"
 #include "SchoolDatabase.h"
 

@@ -10,7 +10,7 @@
 #include "Recordset.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "mCombo.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"

@@ -11,7 +11,7 @@
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "clsTSQL.h"
 #include "mCombo.h"
 #include "mCommon.h"

@@ -11,7 +11,7 @@
 #include "SpreadGrid.h"
 #include "SqlText.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "mCombo.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"

@@ -4,7 +4,7 @@
 #include "AppError.h"
 #include "SpreadGrid.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 

@@ -17,6 +17,8 @@ public:
         WriteConflict,  // another desk changed the same rows at the same time: run the work again
         ConnectionLost, // the server went away; nothing of the open transaction was kept
         Unreachable,    // the database server could not be reached or refused the desk
+        TooLong,        // a text longer than its column holds (a typed value, the typist's to mend)
+        NulCharacter,   // a text holding code 0, which no column stores (a typed value too)
     };
     AppError(double number, const QString &description, const QString &statement, Cause cause);
     Cause cause() const { return cause_; }

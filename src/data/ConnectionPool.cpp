@@ -1,20 +1,11 @@
 #include "ConnectionPool.h"
 
-#include "PostgresDatabase.h"
-#include "SqliteDatabase.h"
-
-#include <QFileInfo>
+#include "Engine.h"
 
 namespace {
 constexpr size_t MaxIdlePerDatabase = 4;
 
-QString poolKey(const QString &location)
-{
-    if (PostgresDatabase::isServerLocation(location))
-        return location;
-    const QFileInfo info(location);
-    return info.exists() ? info.absoluteFilePath() : location;
-}
+QString poolKey(const QString &location) { return EngineRegistry::installed().forLocation(location).key(location); }
 } // namespace
 
 ConnectionPool &ConnectionPool::shared()
@@ -37,7 +28,7 @@ std::shared_ptr<PhysicalConnection> ConnectionPool::acquire(const QString &locat
             connection.reset(); // the server closed it while it lay idle
     }
     if (!connection) {
-        connection = openDatabase(location, readOnly);
+        connection = EngineRegistry::installed().open(location, readOnly);
     }
     return std::shared_ptr<PhysicalConnection>(connection.release(), [this, key, readOnly](PhysicalConnection *c) {
         giveBack(key, readOnly, c);
@@ -85,19 +76,4 @@ size_t ConnectionPool::idleCount() const
     for (const auto &entry : idle_)
         n += entry.second.size();
     return n;
-}
-
-std::unique_ptr<PhysicalConnection> openDatabase(const QString &location, bool readOnly)
-{
-    if (PostgresDatabase::isServerLocation(location))
-        return std::make_unique<PostgresDatabase>(location, readOnly);
-    return std::make_unique<SqliteDatabase>(location, readOnly);
-}
-
-void createDatabaseFile(const QString &location)
-{
-    if (PostgresDatabase::isServerLocation(location))
-        (void)PostgresDatabase::prepareEmptyDatabase(location);
-    else
-        SqliteDatabase::createFile(location);
 }

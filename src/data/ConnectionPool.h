@@ -36,10 +36,3 @@ private:
     std::map<std::pair<QString, bool>, std::vector<std::unique_ptr<PhysicalConnection>>> idle_;
     std::set<QString> readOnly_;
 };
-
-/// Opens a new engine connection for a database location: a file path is an
-/// SQLite database. Throws AppError with the engine's reason when it fails.
-std::unique_ptr<PhysicalConnection> openDatabase(const QString &location, bool readOnly);
-
-/// Creates a new, empty database at location. Throws AppError when it exists or cannot be made.
-void createDatabaseFile(const QString &location);

@@ -3,9 +3,8 @@
 #include "AppError.h"
 #include "ConnectionPool.h"
 #include "DbConnection.h"
-#include "PostgresDatabase.h"
+#include "Engine.h"
 
-#include <QFileInfo>
 
 namespace {
 
@@ -14,12 +13,11 @@ QString openFor(DbConnection &db, const QString &location)
 {
     if (location.trimmed().isEmpty())
         return QStringLiteral("No database is chosen.");
-    if (PostgresDatabase::isServerLocation(location)) {
-        if (PostgresDatabase::holdsPassword(location))
-            return QStringLiteral("Please leave the password out of the address: put it in the ~/.pgpass file of this computer's user "
-                                  "(or PGPASSWORD), so it is never stored in the settings.");
-    } else if (!QFileInfo(location).isFile()) {
-        return QStringLiteral("There is no file %1.").arg(location);
+    try {
+        if (const QString refusal = EngineRegistry::installed().forLocation(location).refusal(location); !refusal.isEmpty())
+            return refusal;
+    } catch (const AppError &e) {
+        return e.description();
     }
     db.DataSource = location;
     db.ReadOnly = true;

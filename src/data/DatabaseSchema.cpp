@@ -2,6 +2,7 @@
 
 #include "AppError.h"
 #include "ConnectionPool.h"
+#include "Engine.h"
 #include "DbConnection.h"
 
 #include <QHash>
@@ -160,7 +161,7 @@ QStringList DatabaseSchema::centralStatements()
 
 void DatabaseSchema::createDatabase(const QString &path, const QStringList &statements)
 {
-    createDatabaseFile(path);
+    (void)EngineRegistry::installed().forLocation(path).create(path);
     DbConnection connection;
     connection.DataSource = path;
     connection.Open();
@@ -169,6 +170,8 @@ void DatabaseSchema::createDatabase(const QString &path, const QStringList &stat
         connection.Execute(sql);
     connection.CommitTrans();
     connection.Close();
+    // Its connections learn afresh what the database is (a school database refuses writes).
+    ConnectionPool::shared().closeIdle(path);
 }
 
 int DatabaseSchema::textColumnSize(const QString &table, const QString &column)

@@ -17,11 +17,6 @@ DbConnection::~DbConnection() = default;
 void DbConnection::traceStatements(QStringList *sink) { traceSink = sink; }
 QStringList *DbConnection::statementTrace() { return traceSink; }
 
-QString DbConnection::ConnectionString() const
-{
-    return QStringLiteral("Provider=%1;Data Source=%2").arg(Provider, DataSource);
-}
-
 void DbConnection::Open()
 {
     if (physical_)

@@ -22,14 +22,9 @@ public:
     DbConnection(const DbConnection &) = delete;
     DbConnection &operator=(const DbConnection &) = delete;
 
-    // Connection settings, given before Open.
-    QString Provider;
+    // Connection settings, given before Open: where the database is and whether it may be written.
     QString DataSource;
-    QString Password;
     bool ReadOnly = false;
-
-    /// "Provider=...;Data Source=...": the text a command takes as its active connection.
-    QString ConnectionString() const;
 
     /// Throws AppError with the engine's reason when the database cannot be opened.
     void Open();

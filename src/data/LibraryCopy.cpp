@@ -4,7 +4,7 @@
 #include "ConnectionPool.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
-#include "PostgresDatabase.h"
+#include "Engine.h"
 #include "Recordset.h"
 
 #include <QFile>
@@ -72,20 +72,16 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
     }
     const QStringList statements = school ? DatabaseSchema::centralStatements() : DatabaseSchema::libraryStatements();
     // A file is written under a name of its own and takes its real name only once it checks out:
-    // a copy that fails leaves nothing behind to block the next try.
-    const bool file = !PostgresDatabase::isServerLocation(to);
+    // a copy that fails leaves nothing behind to block the next try. A server database is refused
+    // when it holds tables; what is put in to prepare it goes again when the copy does not go through.
+    const Engine &engine = EngineRegistry::installed().forLocation(to);
+    const bool file = engine.isFile();
     if (file && QFileInfo::exists(to))
         throw AppError(AppError::ProviderError, QStringLiteral("Database '%1' already exists.").arg(to));
     const QString target = file ? to + QStringLiteral(".partial") : to;
     if (file)
         removeFile(target);
-    // A server database is refused when it holds tables; what is put in to prepare it goes again
-    // when the copy does not go through.
-    bool addedCitext = false;
-    if (file)
-        createDatabaseFile(target);
-    else
-        addedCitext = PostgresDatabase::prepareEmptyDatabase(target);
+    const std::function<void()> undoCreation = engine.create(target);
     QList<TableFigures> copied;
     try {
         const std::unique_ptr<DbConnection> into = open(target, false);
@@ -131,14 +127,7 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
             throw AppError(AppError::ProviderError, QStringLiteral("The copy could not be given its name %1.").arg(to));
     } catch (...) {
         ConnectionPool::shared().closeIdle(target);
-        if (file)
-            removeFile(target);
-        else
-            try {
-                PostgresDatabase::undoPreparation(target, addedCitext);
-            } catch (const AppError &) {
-                // The server went away meanwhile: the copy's own failure is what is told.
-            }
+        undoCreation();
         throw;
     }
     return copied;

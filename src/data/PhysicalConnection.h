@@ -30,6 +30,13 @@ public:
     virtual bool inTransaction() const = 0;
 
     virtual const JetTranslator &translator() const = 0;
+    /// A Jet statement in the engine's words; one Jet cannot take throws AppError carrying its text.
+    TranslatedStatement translated(const QString &jetSql) const;
+
+    /// Whether the database holds a table of that name (any case).
+    virtual bool holdsTable(const QString &table) = 0;
+    /// From now on every write is refused as on a read-only connection (the school's database).
+    virtual void refuseWrites() = 0;
 
     /// False once the link to the database is gone (a server connection closed or lost):
     /// the pool then opens a new one instead of handing this one out again.

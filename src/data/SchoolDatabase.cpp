@@ -3,9 +3,9 @@
 #include "AppError.h"
 #include "DbConnection.h"
 #include "Recordset.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
-SchoolDatabase::SchoolDatabase() : connection_(OpenDatabase(CentralDatabasePath, CentralPassword, true, QStringLiteral("Database cannot be opened."))) {}
+SchoolDatabase::SchoolDatabase() : connection_(OpenDatabase(CentralDatabasePath, true, QStringLiteral("Database cannot be opened."))) {}
 
 SchoolDatabase::~SchoolDatabase() = default;
 

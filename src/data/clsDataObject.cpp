@@ -3,7 +3,7 @@
 #include "AppError.h"
 #include "DbConnection.h"
 #include "GridTarget.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "Messages.h"
 
 
@@ -22,9 +22,7 @@ void clsDataObject::Connection()
 {
     if (!connection_)
         connection_ = std::make_unique<DbConnection>();
-    connection_->Provider = QString::fromLatin1(JetProvider);
     connection_->DataSource = LibraryDatabasePath;
-    connection_->Password = QString::fromLatin1(LibraryPassword);
 }
 
 bool clsDataObject::ConOpen()

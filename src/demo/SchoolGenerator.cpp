@@ -3,6 +3,7 @@
 #include "Clock.h"
 #include "ConnectionPool.h"
 #include "DatabaseFile.h"
+#include "Engine.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "SqlText.h"
@@ -69,31 +70,31 @@ QString d(const QDate &date) { return QLatin1Char('#') + date.toString(QStringLi
 QString money(double v) { return QString::number(v, 'f', 2); }
 
 // Runs many statements in transactions of bounded size, so a large school is written quickly.
+// It writes through the engine itself: the demo stands in for the school's own administration
+// program, which fills the school database that Shelvora never writes.
 class Writer {
 public:
-    explicit Writer(const QString &path)
+    explicit Writer(const QString &path) : connection_(EngineRegistry::installed().forLocation(path).open(path, false))
     {
-        connection_.DataSource = path;
-        connection_.Open();
-        connection_.BeginTrans();
+        connection_->beginTransaction();
     }
     void operator()(const QString &sql)
     {
-        connection_.Execute(sql);
+        connection_->execute(sql, nullptr);
         if (++pending_ == 20000) {
-            connection_.CommitTrans();
-            connection_.BeginTrans();
+            connection_->commitTransaction();
+            connection_->beginTransaction();
             pending_ = 0;
         }
     }
     void finish()
     {
-        connection_.CommitTrans();
-        connection_.Close();
+        connection_->commitTransaction();
+        connection_.reset();
     }
 
 private:
-    DbConnection connection_;
+    std::unique_ptr<PhysicalConnection> connection_;
     int pending_ = 0;
 };
 

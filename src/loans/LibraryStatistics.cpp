@@ -4,7 +4,7 @@
 #include "NaturalOrder.h"
 #include "Recordset.h"
 #include "SchoolDatabase.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 #include <QHash>
 

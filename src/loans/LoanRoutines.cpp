@@ -5,7 +5,7 @@
 #include "Recordset.h"
 #include "SchoolDatabase.h"
 #include "SqlText.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "Messages.h"
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #include "Recordset.h"
 #include "SchoolDatabase.h"
 #include "SqlText.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 #include <QHash>
 

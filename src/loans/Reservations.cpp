@@ -5,7 +5,7 @@
 #include "LoanRules.h"
 #include "Recordset.h"
 #include "SqlText.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "LoanRoutines.h"
 #include "Recordset.h"
 #include "SqlText.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 #include "clsBusinessRules.h"
 
 #include "AppError.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "clsDataObject.h"
 #include "clsTSQL.h"
 

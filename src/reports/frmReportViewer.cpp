@@ -3,7 +3,7 @@
 
 #include "AppError.h"
 #include "PrintJob.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "modExtendedMsgBox.h"
 
 #include <QFileInfo>

@@ -1,9 +1,9 @@
 #include "frmAbout.h"
 
 #include "SettingsStore.h"
-#include "PostgresDatabase.h"
-#include "SqliteDatabase.h"
-#include "UpdateDatabase.h"
+#include "AppError.h"
+#include "Engine.h"
+#include "DatabaseLocations.h"
 
 #include <QDialogButtonBox>
 #include <QFileInfo>
@@ -18,11 +18,16 @@ namespace {
 
 QString databaseLine(const QString &role, const QString &path)
 {
-    const QFileInfo info(path);
     if (path.isEmpty())
         return role + QStringLiteral(": (not set)");
-    if (PostgresDatabase::isServerLocation(path))
-        return role + QStringLiteral(": ") + PostgresDatabase::status(path);
+    try {
+        const Engine &engine = EngineRegistry::installed().forLocation(path);
+        if (!engine.isFile())
+            return role + QStringLiteral(": ") + engine.describe(path);
+    } catch (const AppError &e) {
+        return role + QStringLiteral(": ") + e.description();
+    }
+    const QFileInfo info(path);
     if (!info.exists())
         return role + QStringLiteral(": ") + path + QStringLiteral(" (missing)");
     const QStorageInfo storage(info.absolutePath());
@@ -37,9 +42,11 @@ QString databaseLine(const QString &role, const QString &path)
 // Where a database is and which engine holds it.
 QString engineOf(const QString &location)
 {
-    if (!PostgresDatabase::isServerLocation(location))
-        return location + QStringLiteral(" (SQLite file)");
-    return PostgresDatabase::status(location);
+    try {
+        return EngineRegistry::installed().forLocation(location).describe(location);
+    } catch (const AppError &e) {
+        return e.description();
+    }
 }
 
 } // namespace
@@ -52,9 +59,10 @@ frmAbout::frmAbout(QWidget *parent) : QDialog(parent)
     auto *text = new QLabel(this);
     text->setObjectName(QStringLiteral("lblAbout"));
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    text->setText(QStringLiteral("<h2>Shelvora</h2><p>School library, version %1</p><p>Qt %2 &middot; SQLite %3</p>"
+    text->setText(QStringLiteral("<h2>Shelvora</h2><p>School library, version %1</p><p>Qt %2 &middot; %3</p>"
                                  "<p>Library database: %4<br>School database: %5</p>")
-                      .arg(QStringLiteral(SHELVORA_VERSION), QString::fromLatin1(qVersion()), SqliteDatabase::engineVersion(),
+                      .arg(QStringLiteral(SHELVORA_VERSION), QString::fromLatin1(qVersion()),
+                           EngineRegistry::installed().versions().join(QStringLiteral(" &middot; ")),
                            engineOf(LibraryDatabasePath).toHtmlEscaped(), engineOf(CentralDatabasePath).toHtmlEscaped()));
     layout->addWidget(text);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
@@ -86,7 +94,7 @@ QString SystemInfoDialog::report()
     lines << QStringLiteral("Operating system: %1 (%2 %3)").arg(QSysInfo::prettyProductName(), QSysInfo::kernelType(), QSysInfo::kernelVersion());
     lines << QStringLiteral("Processor: %1; built for %2").arg(QSysInfo::currentCpuArchitecture(), QSysInfo::buildAbi());
     lines << QStringLiteral("Computer name: %1").arg(QSysInfo::machineHostName());
-    lines << QStringLiteral("Qt %1, SQLite %2").arg(QString::fromLatin1(qVersion()), SqliteDatabase::engineVersion());
+    lines << QStringLiteral("Qt %1, %2").arg(QString::fromLatin1(qVersion()), EngineRegistry::installed().versions().join(QStringLiteral(", ")));
     lines << QStringLiteral("Program folder: %1").arg(ApplicationFolder());
     lines << databaseLine(QStringLiteral("Library database"), LibraryDatabasePath);
     lines << databaseLine(QStringLiteral("School database"), CentralDatabasePath);

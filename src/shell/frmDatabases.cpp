@@ -6,7 +6,7 @@
 #include "DatabaseSchema.h"
 #include "SettingsStore.h"
 #include "TypedFields.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 #include "modExtendedMsgBox.h"
 
 #include <QDir>

@@ -3,16 +3,16 @@
 #include "AppError.h"
 #include "ConnectionPool.h"
 #include "DatabaseCheck.h"
-#include "DatabaseFile.h"
+#include "Engine.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
-#include "PostgresDatabase.h"
 #include "Recordset.h"
 #include "SchemaUpgrade.h"
 #include "ScreenRegistry.h"
 #include "SchoolDatabase.h"
 #include "SettingsStore.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
+#include "DatabaseLocations.h"
 #include "frmAbout.h"
 #include "modExtendedMsgBox.h"
 
@@ -170,7 +170,13 @@ void frmMainMenu::Form_Load()
     Trap(Location, QStringLiteral("Form_Load"), [&] {
         // A first start (nothing chosen yet, or a chosen file gone) begins with the setup screen.
         auto missing = [](const QString &location) {
-            return location.isEmpty() || (!PostgresDatabase::isServerLocation(location) && !QFileInfo::exists(location));
+            if (location.isEmpty())
+                return true;
+            try {
+                return !EngineRegistry::installed().forLocation(location).refusal(location).isEmpty();
+            } catch (const AppError &) {
+                return true;
+            }
         };
         if (!setupShown_ && screens_.has(QStringLiteral("frmDatabases"))
             && (missing(settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey)))
@@ -304,36 +310,36 @@ void frmMainMenu::cmdDatabases_Click()
 
 void frmMainMenu::cmdCompact_Click()
 {
-    // A server database is not a file to copy: the server reclaims space and refreshes its statistics in place.
-    if (PostgresDatabase::isServerLocation(LibraryDatabasePath)) {
-        Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
+    Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
+        const Engine &engine = EngineRegistry::installed().forLocation(LibraryDatabasePath);
+        // A server database is not a file to copy: the server reclaims space and refreshes its statistics in place.
+        if (!engine.isFile()) {
             data_.CloseCompact();
-            PostgresDatabase::vacuum(LibraryDatabasePath);
+            engine.compact(LibraryDatabasePath, QString());
             UserMessage(QStringLiteral("The library database on the server has been compacted (VACUUM ANALYZE): free space is reused "
                                        "and the server's statistics are up to date."));
-        });
-        return;
-    }
-    if (!UserQuestion(QStringLiteral("Please make sure that you have backed up your database before performing this action. "
-                                     "Are you sure you want to continue?")))
-        return;
-    const QString work = QDir(ApplicationFolder()).filePath(QStringLiteral("library/compact"));
-    Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
-        data_.CloseCompact();
-        QDir(work).removeRecursively();
-        QDir().mkpath(work);
-        const QString copy = QDir(work).filePath(QStringLiteral("copy.mdb"));
-        DatabaseFile::compactCopy(LibraryDatabasePath, copy);
-        const qint64 oldSize = DatabaseFile::kilobytes(DatabaseFile::size(LibraryDatabasePath));
-        const qint64 newSize = DatabaseFile::kilobytes(DatabaseFile::size(copy));
-        const bool useCopy = UserQuestion(QStringLiteral("Your database has been compacted from ") + NumberText(double(oldSize))
-                                          + QStringLiteral("kb to ") + NumberText(double(newSize)) + QStringLiteral("kb") + QStringLiteral("\r\n")
-                                          + QStringLiteral("Do you want to use the compacted database?"));
-        if (useCopy)
-            DatabaseFile::replace(LibraryDatabasePath, copy);
-        QDir(work).removeRecursively();
-        UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
-    }, [&] { QDir(work).removeRecursively(); });
+            return;
+        }
+        if (!UserQuestion(QStringLiteral("Please make sure that you have backed up your database before performing this action. "
+                                         "Are you sure you want to continue?")))
+            return;
+        const QString work = QDir(ApplicationFolder()).filePath(QStringLiteral("library/compact"));
+        Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
+            data_.CloseCompact();
+            QDir(work).removeRecursively();
+            QDir().mkpath(work);
+            const QString copy = QDir(work).filePath(QStringLiteral("copy.mdb"));
+            const Engine::Compaction sizes = engine.compact(LibraryDatabasePath, copy);
+            const bool useCopy = UserQuestion(QStringLiteral("Your database has been compacted from ")
+                                              + NumberText(double(Engine::Compaction::kilobytes(sizes.before))) + QStringLiteral("kb to ")
+                                              + NumberText(double(Engine::Compaction::kilobytes(sizes.after))) + QStringLiteral("kb")
+                                              + QStringLiteral("\r\n") + QStringLiteral("Do you want to use the compacted database?"));
+            if (useCopy)
+                engine.replace(LibraryDatabasePath, copy);
+            QDir(work).removeRecursively();
+            UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
+        }, [&] { QDir(work).removeRecursively(); });
+    });
 }
 
 void frmMainMenu::cmdissues_Click()

@@ -3,7 +3,7 @@
 #include "AppError.h"
 #include "PrintJob.h"
 #include "SpreadGrid.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "modExtendedMsgBox.h"
 
 #include <QAbstractButton>

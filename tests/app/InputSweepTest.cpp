@@ -16,7 +16,7 @@
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>

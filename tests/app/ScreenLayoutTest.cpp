@@ -14,7 +14,7 @@
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmDatabases.h"
 
 #include <QAbstractButton>

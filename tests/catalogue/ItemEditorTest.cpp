@@ -8,7 +8,7 @@
 #include "ScreenRegistry.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmItemAddModify.h"
 #include "frmItemList.h"
 

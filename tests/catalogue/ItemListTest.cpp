@@ -5,7 +5,7 @@
 #include "ScreenRegistry.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmItemList.h"
 
 #include <QTest>

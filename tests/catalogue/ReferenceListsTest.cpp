@@ -6,7 +6,7 @@
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmReferenceList.h"
 
 #include <QTest>

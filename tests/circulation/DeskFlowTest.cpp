@@ -5,7 +5,7 @@
 #include "FrmuserloanHistory.h"
 #include "frmFinePayment.h"
 #include "frmIssueSystem.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 #include <QApplication>
 #include <QLabel>

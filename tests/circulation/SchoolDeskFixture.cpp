@@ -1,7 +1,7 @@
 #include "SchoolDeskFixture.h"
 
 #include "DbConnection.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 void SchoolDesk::SetUp()
 {

@@ -7,7 +7,8 @@
 #include "TestDatabases.h"
 #include "TestEngine.h"
 #include "SchoolDatabase.h"
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
+#include "DatabaseLocations.h"
 #include "clsDataObject.h"
 
 #include <QFile>

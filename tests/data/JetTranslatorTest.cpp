@@ -1,4 +1,6 @@
 #include "AppError.h"
+#include "JetDate.h"
+#include "JetError.h"
 #include "Clock.h"
 #include "DbConnection.h"
 #include "Recordset.h"
@@ -56,9 +58,9 @@ TEST(JetTranslation, RefusesWhatItCannotTranslateKeepingTheText)
         try {
             SqliteDatabase::sharedTranslator().translate(bad);
             ADD_FAILURE() << bad;
-        } catch (const AppError &e) {
-            EXPECT_EQ(e.statement(), QString::fromUtf8(bad));
-            EXPECT_EQ(e.number(), AppError::SyntaxError);
+        } catch (const JetError &e) {
+            EXPECT_EQ(e.statement(), bad);
+            EXPECT_EQ(e.number(), JetError::SyntaxError);
         }
     }
 }
@@ -221,6 +223,7 @@ TEST_F(JetOnSqlite, CreateTableWithAnIdentityKey)
         FAIL();
     } catch (const AppError &e) {
         EXPECT_TRUE(e.description().startsWith("The field is too small"));
+        EXPECT_EQ(e.cause(), AppError::Cause::TooLong);
     }
 }
 

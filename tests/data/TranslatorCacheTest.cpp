@@ -1,7 +1,8 @@
 // The shape cache is an optimisation only: for every statement the program or its tests
 // write, and for variants of each that differ in letter case or literals, a translation
 // served from a warm cache must equal a fresh translation (text, kind, or error).
-#include "AppError.h"
+#include "JetError.h"
+#include "JetTranslator.h"
 #include "SqlCorpus.h"
 #include "SqliteDialect.h"
 
@@ -17,8 +18,8 @@ std::string outcome(JetTranslator &translator, const QString &sql)
     try {
         const TranslatedStatement ts = translator.translate(std::string_view(utf8.constData(), size_t(utf8.size())));
         return std::to_string(int(ts.kind)) + ":" + ts.sql + "|" + ts.table + "|" + ts.column;
-    } catch (const AppError &e) {
-        return "error " + std::to_string(e.number()) + ": " + e.description().toStdString();
+    } catch (const JetError &e) {
+        return "error " + std::to_string(e.number()) + ": " + e.what();
     }
 }
 

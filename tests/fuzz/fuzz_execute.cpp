@@ -3,7 +3,9 @@
 // effect the statement's kind cannot explain: a second statement, ATTACH, PRAGMA, a transaction
 // of its own, a write by a SELECT, a write to a table the statement does not name, or a change
 // that outlives the rollback.
+#include "SqliteEngine.h"
 #include "AppError.h"
+#include "JetError.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "Recordset.h"
@@ -150,6 +152,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
     char folder[] = "/tmp/shelvora-fuzz-XXXXXX";
     if (!mkdtemp(folder))
         return std::perror("mkdtemp"), 1;
+    SqliteEngine::install(EngineRegistry::installed());
     const QString path = QDir(QString::fromLocal8Bit(folder)).filePath(QStringLiteral("library.db"));
     DatabaseSchema::createLibraryDatabase(path);
     {
@@ -181,7 +184,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     TranslatedStatement ts;
     try {
         ts = SqliteDatabase::sharedTranslator().translate(sql);
-    } catch (const AppError &) {
+    } catch (const JetError &) {
         return 0;
     }
     const QString jet = QString::fromUtf8(sql.data(), qsizetype(sql.size()));

@@ -1,6 +1,7 @@
 // libFuzzer target: Jet translation alone. A finding is a sanitizer report, an exception other
-// than AppError, or a translation served from the shape cache that differs from a fresh one.
-#include "AppError.h"
+// than JetError, or a translation served from the shape cache that differs from a fresh one.
+#include "JetError.h"
+#include "JetTranslator.h"
 #include "PostgresDialect.h"
 #include "SqliteDialect.h"
 
@@ -15,8 +16,8 @@ std::string outcome(JetTranslator &translator, std::string_view sql)
     try {
         const TranslatedStatement ts = translator.translate(sql);
         return std::to_string(int(ts.kind)) + ":" + ts.sql + "|" + ts.table + "|" + ts.column;
-    } catch (const AppError &e) {
-        return "error " + std::to_string(e.number()) + ": " + e.description().toStdString();
+    } catch (const JetError &e) {
+        return "error " + std::to_string(e.number()) + ": " + e.what();
     }
 }
 

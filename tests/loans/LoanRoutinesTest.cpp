@@ -7,7 +7,7 @@
 #include "clsDataObject.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "clsBusinessRules.h"
 
 #include "ConnectionPool.h"

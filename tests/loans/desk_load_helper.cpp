@@ -2,13 +2,15 @@
 // through the loan engine against the shared library database and logs every committed action
 // ("I txid", "R txid", "N txid", "V member item") and every failure ("E text"), then one line
 // "L count p50 p99" of its action latencies in milliseconds.
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
 #include "AppError.h"
 #include "Clock.h"
 #include "LoanRoutines.h"
 #include "LoanRules.h"
 #include "MessageScript.h"
 #include "Reservations.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "clsDataObject.h"
 
 #include <QCoreApplication>
@@ -21,6 +23,8 @@
 
 int main(int argc, char *argv[])
 {
+    SqliteEngine::install(EngineRegistry::installed());
+    PostgresEngine::install(EngineRegistry::installed());
     QCoreApplication app(argc, argv);
     if (argc != 5)
         return std::fprintf(stderr, "usage: desk_load_helper LIBRARY SCHOOL SEED ACTIONS\n"), 2;

@@ -1,9 +1,11 @@
 // One desk of the two-desk race: waits for the agreed moment, then returns the loan of an
 // accession number and prints "true" or "false" (what ReturnOrRenewLoan answered).
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
 #include "AppError.h"
 #include "LoanRoutines.h"
 #include "MessageScript.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -13,6 +15,8 @@
 
 int main(int argc, char *argv[])
 {
+    SqliteEngine::install(EngineRegistry::installed());
+    PostgresEngine::install(EngineRegistry::installed());
     QCoreApplication app(argc, argv);
     if (argc != 5)
         return std::fprintf(stderr, "usage: return_race_helper LIBRARY ACCESSION yyyy-mm-dd START_MS\n"), 2;

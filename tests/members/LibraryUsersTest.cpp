@@ -2,7 +2,7 @@
 // its spreadsheet export opened again by an independent reader (unzip and the sheet's XML).
 #include "ScreenDriver.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmLibraryUsers.h"
 
 #include <QApplication>

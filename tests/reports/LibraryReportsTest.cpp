@@ -5,7 +5,7 @@
 #include "LibraryReport.h"
 #include "ScreenDriver.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmLibraryReport.h"
 #include "frmReportViewer.h"
 

@@ -7,7 +7,7 @@
 #include "StatisticsCharts.h"
 #include "StatisticsSchool.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "ViewerPdf.h"
 #include "frmLibraryStatistics.h"
 #include "frmReportViewer.h"

@@ -5,7 +5,7 @@
 #include "Money.h"
 #include "ScreenDriver.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmOverdueNotices.h"
 #include "ViewerPdf.h"
 #include "frmReportViewer.h"

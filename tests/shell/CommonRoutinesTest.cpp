@@ -1,6 +1,6 @@
 #include "MessageScript.h"
 #include "SpreadGrid.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "mCombo.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"

@@ -5,7 +5,7 @@
 #include "ScreenDriver.h"
 #include "SpreadGrid.h"
 #include "TestDatabases.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "mCommon.h"
 
 #include <QApplication>

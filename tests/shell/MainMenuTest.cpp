@@ -1,6 +1,7 @@
 #include "AppError.h"
 #include "ConnectionPool.h"
 #include "DatabaseFile.h"
+#include "Engine.h"
 #include "DatabaseSchema.h"
 #include "DbConnection.h"
 #include "Recordset.h"
@@ -8,7 +9,7 @@
 #include "SettingsStore.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "clsDataObject.h"
 #include "frmAbout.h"
 #include "frmDatabases.h"
@@ -319,10 +320,10 @@ TEST_F(MainMenuTest, CompactionAcceptedReplacesTheFile)
 
 TEST(CompactionSizes, KilobytesRoundHalvesToEven)
 {
-    EXPECT_EQ(DatabaseFile::kilobytes(1536), 2);
-    EXPECT_EQ(DatabaseFile::kilobytes(2560), 2);
-    EXPECT_EQ(DatabaseFile::kilobytes(3584), 4);
-    EXPECT_EQ(DatabaseFile::kilobytes(1535), 1);
+    EXPECT_EQ(Engine::Compaction::kilobytes(1536), 2);
+    EXPECT_EQ(Engine::Compaction::kilobytes(2560), 2);
+    EXPECT_EQ(Engine::Compaction::kilobytes(3584), 4);
+    EXPECT_EQ(Engine::Compaction::kilobytes(1535), 1);
 }
 
 TEST_F(MainMenuTest, TheIssueDeskNeedsLoanSettingsAndGetsThePeriod)

@@ -1,7 +1,7 @@
 #include "MessageScript.h"
 #include "ScreenRegistry.h"
 #include "SettingsStore.h"
-#include "UpdateDatabase.h"
+#include "DatabaseLocations.h"
 #include "frmAbout.h"
 
 #include <QDialog>

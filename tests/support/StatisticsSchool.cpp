@@ -25,13 +25,13 @@ void fine(const QString &library, int transaction, int member, const char *fined
 void writeStatisticsSchool(const QString &library, const QString &central)
 {
     for (int g : {8, 10})
-        runOn(central, QString("Insert into SchoolGrades(ID, Name, schoolgrade) values (%1, 'Grade %1', 'Yes')").arg(g));
-    runOn(central, "Insert into Classes(ClassID, ClassName, Grade) values (1, '8A', 8)");
-    runOn(central, "Insert into Classes(ClassID, ClassName, Grade) values (2, '8B', 8)");
-    runOn(central, "Insert into Classes(ClassID, ClassName, Grade) values (3, '10A', 10)");
-    runOn(central, "Insert into Learner_Info(ID, SName, FName, Grade, Class, Status) values (1, 'Botha', 'Anna', 8, 1, 'C')");
-    runOn(central, "Insert into Learner_Info(ID, SName, FName, Grade, Class, Status) values (2, 'Dube', 'Sipho', 8, 2, 'C')");
-    runOn(central, "Insert into Learner_Info(ID, SName, FName, Grade, Class, Status) values (3, 'Nel', 'Piet', 10, 3, 'C')");
+        writeSchool(central, QString("Insert into SchoolGrades(ID, Name, schoolgrade) values (%1, 'Grade %1', 'Yes')").arg(g));
+    writeSchool(central, "Insert into Classes(ClassID, ClassName, Grade) values (1, '8A', 8)");
+    writeSchool(central, "Insert into Classes(ClassID, ClassName, Grade) values (2, '8B', 8)");
+    writeSchool(central, "Insert into Classes(ClassID, ClassName, Grade) values (3, '10A', 10)");
+    writeSchool(central, "Insert into Learner_Info(ID, SName, FName, Grade, Class, Status) values (1, 'Botha', 'Anna', 8, 1, 'C')");
+    writeSchool(central, "Insert into Learner_Info(ID, SName, FName, Grade, Class, Status) values (2, 'Dube', 'Sipho', 8, 2, 'C')");
+    writeSchool(central, "Insert into Learner_Info(ID, SName, FName, Grade, Class, Status) values (3, 'Nel', 'Piet', 10, 3, 'C')");
     runOn(library, "Insert into tblLibCategories(CategoryID, Category) values (1, 'Fiction')");
     runOn(library, "Insert into tblLibCategories(CategoryID, Category) values (2, 'Science')");
     for (int i = 1; i <= 6; ++i)

@@ -41,6 +41,8 @@ protected:
     std::unique_ptr<MessageScript> messages_;
 };
 
+/// Writes a row into a school administration database as the school's own program would (tests only).
+void writeSchool(const QString &databasePath, const QString &sql);
 void runOn(const QString &databasePath, const QString &sql);
 
 inline void PrintTo(const QString &s, std::ostream *os) { *os << '"' << s.toStdString() << '"'; }

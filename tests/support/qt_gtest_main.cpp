@@ -1,3 +1,6 @@
+#include "PostgresEngine.h"
+#include "SqliteEngine.h"
+
 #include <QApplication>
 
 #include <gtest/gtest.h>
@@ -18,6 +21,8 @@ int main(int argc, char **argv)
             break;
         }
     }
+    SqliteEngine::install(EngineRegistry::installed());
+    PostgresEngine::install(EngineRegistry::installed());
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

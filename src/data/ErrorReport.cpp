@@ -1,36 +1,6 @@
-#include "UpdateDatabase.h"
+#include "ErrorReport.h"
 
-#include "AppError.h"
-#include "DbConnection.h"
 #include "Messages.h"
-
-QString LibraryDatabasePath;
-QString CentralDatabasePath;
-QString SchoolName;
-
-std::unique_ptr<DbConnection> OpenDatabase(const QString &path, const char *password, bool readOnly, const QString &failureText)
-{
-    auto connection = std::make_unique<DbConnection>();
-    connection->Provider = QString::fromLatin1(JetProvider);
-    connection->DataSource = path;
-    connection->Password = QString::fromLatin1(password);
-    connection->ReadOnly = readOnly;
-    try {
-        connection->Open();
-    } catch (const AppError &e) {
-        // A server that cannot be reached is the handler's one message for the whole action.
-        if (e.cause() == AppError::Cause::Unreachable)
-            throw;
-        ReportError(QStringLiteral("Central Module"), failureText + QStringLiteral("\r\n") + e.description(),
-                    QStringLiteral("Database Access Error"), e.number());
-    }
-    return connection;
-}
-
-std::unique_ptr<DbConnection> OpenLibraryDatabase(bool readOnly)
-{
-    return OpenDatabase(LibraryDatabasePath, LibraryPassword, readOnly, QStringLiteral("Library Database cannot be opened."));
-}
 
 QString NumberText(double number)
 {
@@ -50,12 +20,14 @@ namespace {
 // A plain sentence for an error that only a typed value causes; empty for every other error.
 QString typedValueProblem(const AppError &error)
 {
-    const QString &d = error.description();
-    if (d.contains(QLatin1String("NUL character")))
+    switch (error.cause()) {
+    case AppError::Cause::NulCharacter:
         return QStringLiteral("A text typed here holds a character that cannot be stored (code 0). Please type it again.");
-    if (d.contains(QLatin1String("field is too small")))
+    case AppError::Cause::TooLong:
         return QStringLiteral("A text typed here is longer than the library database can store. Please shorten it.");
-    return QString();
+    default:
+        return QString();
+    }
 }
 
 } // namespace

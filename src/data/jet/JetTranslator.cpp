@@ -1,10 +1,10 @@
 #include "JetTranslator.h"
 
-#include "AppError.h"
+#include "JetDate.h"
+#include "JetError.h"
 #include "JetDdl.h"
 #include "JoinReduction.h"
 
-#include <QString>
 
 #include <algorithm>
 #include <cmath>
@@ -534,12 +534,15 @@ std::string JetTranslator::renderLiteral(const JetToken &token) const
     }
 }
 
-TranslatedStatement JetTranslator::translate(std::string_view sql)
+TranslatedStatement JetTranslator::translate(std::string_view sql) const
 {
     std::vector<JetToken> tokens;
     std::string error;
-    if (!JetLexer::tokenize(sql, &tokens, &error))
+    if (!JetLexer::tokenize(sql, &tokens, &error)) {
+        if (sql.find('\0') != std::string_view::npos)
+            throw JetError(JetError::SyntaxError, error, sql, JetError::Problem::NulCharacter);
         fail(error, sql);
+    }
 
     if (traits_->passThrough()) {
         TranslatedStatement ts;
@@ -551,7 +554,7 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
     int depth = 0;
     for (const JetToken &tok : tokens) {
         if (tok.isSymbol("(") && ++depth > MaxNesting)
-            throw AppError(AppError::SyntaxError, QStringLiteral("Query is too complex."), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
+            throw JetError(JetError::SyntaxError, "Query is too complex.", sql);
         if (tok.isSymbol(")"))
             --depth;
     }
@@ -626,7 +629,7 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
             // A number beyond the range of a double would reach the engine as infinity.
             if ((lit.text.find_first_of("eE") != std::string_view::npos || lit.text.size() > 300)
                 && !std::isfinite(std::strtod(std::string(lit.text).c_str(), nullptr)))
-                throw AppError(AppError::Overflow, QStringLiteral("Overflow"), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
+                throw JetError(JetError::Overflow, "Overflow", sql);
             ts.sql += lit.text;
             continue;
         }
@@ -641,5 +644,5 @@ TranslatedStatement JetTranslator::translate(std::string_view sql)
 
 void throwJetSyntaxError(const std::string &message, std::string_view sql)
 {
-    throw AppError(AppError::SyntaxError, QString::fromStdString(message), QString::fromUtf8(sql.data(), qsizetype(sql.size())));
+    throw JetError(JetError::SyntaxError, message, sql);
 }

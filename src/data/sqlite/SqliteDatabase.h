@@ -37,6 +37,8 @@ public:
     void rollbackTransaction() override;
     bool inTransaction() const override;
     const JetTranslator &translator() const override { return sharedTranslator(); }
+    bool holdsTable(const QString &table) override;
+    void refuseWrites() override;
 
     /// Runs native SQL that returns no rows (schema work inside the engine).
     void exec(const std::string &nativeSql, const QString &jetSql = QString());

@@ -1,4 +1,4 @@
-#include "JetTranslator.h"
+#include "JetDate.h"
 
 #include <cstdio>
 

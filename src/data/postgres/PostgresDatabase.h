@@ -26,8 +26,6 @@ public:
     PostgresDatabase(const QString &uri, bool readOnly);
     ~PostgresDatabase() override;
 
-    /// Whether a database location names a PostgreSQL server rather than a file.
-    static bool isServerLocation(const QString &location);
     /// The location as shown to people: host, port and database, never a password.
     static QString displayName(const QString &uri);
     /// Makes an empty server database ready for a library: the extension, domains and
@@ -58,6 +56,8 @@ public:
     bool inTransaction() const override;
     const JetTranslator &translator() const override { return sharedTranslator(); }
     bool usable() override;
+    bool holdsTable(const QString &table) override;
+    void refuseWrites() override;
 
     /// Runs native SQL without rows (schema work, maintenance). Throws AppError.
     void exec(const std::string &nativeSql, const QString &jetSql = QString());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "JetTranslator.h"
+#include "DialectTraits.h"
 
 /// Jet SQL as SQLite runs it: Booleans -1/0, dates as ISO text, text compared
 /// without regard to case (NOCASE columns), Jet's functions provided by the

@@ -1,4 +1,4 @@
-#include "JetFunctions.h"
+#include "SqliteFunctions.h"
 
 #include "Clock.h"
 
@@ -120,13 +120,13 @@ void jetDateAdd(sqlite3_context *ctx, int, sqlite3_value **argv)
     const double span = std::round(n) * unit->factor;
     const double limit = unit->kind == 'M' ? 12.0 * 10000 : unit->kind == 'D' ? 366.0 * 10000 : 86400.0 * 366 * 10000;
     if (!std::isfinite(span) || std::fabs(span) > limit) {
-        sqlite3_result_error(ctx, "Overflow", -1);
+        sqlite3_result_error(ctx, SqliteFunctionOverflow, -1);
         return;
     }
     const qint64 amount = qint64(span);
     const QDateTime r = unit->kind == 'M' ? dt.addMonths(int(amount)) : unit->kind == 'D' ? dt.addDays(amount) : dt.addSecs(amount);
     if (!r.isValid() || r.date().year() < 100 || r.date().year() > 9999) {
-        sqlite3_result_error(ctx, "Overflow", -1);
+        sqlite3_result_error(ctx, SqliteFunctionOverflow, -1);
         return;
     }
     resultText(ctx, dateText(r));
@@ -249,7 +249,7 @@ void jetConvert(sqlite3_context *ctx, int, sqlite3_value **argv)
     // Beyond each conversion's range (and for infinity or NaN) the old runtime raised "Overflow".
     const double range = Kind == 2 ? std::numeric_limits<double>::max() : Kind == 3 ? 922337203685477.5807 : Kind == 4 ? 9.2e18 : 2147483648.0;
     if (!std::isfinite(d) || std::fabs(d) > range) {
-        sqlite3_result_error(ctx, "Overflow", -1);
+        sqlite3_result_error(ctx, SqliteFunctionOverflow, -1);
         return;
     }
     if (Kind == 2) {
@@ -262,7 +262,7 @@ void jetConvert(sqlite3_context *ctx, int, sqlite3_value **argv)
         const double r = bankersRound(d);
         const double limit = Kind == 0 ? 32767.0 : 2147483647.0;
         if (r > limit || r < -limit - 1) {
-            sqlite3_result_error(ctx, "Overflow", -1);
+            sqlite3_result_error(ctx, SqliteFunctionOverflow, -1);
             return;
         }
         sqlite3_result_int64(ctx, sqlite3_int64(r));

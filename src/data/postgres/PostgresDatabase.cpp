@@ -73,12 +73,6 @@ JetTranslator &PostgresDatabase::sharedTranslator()
     return translator;
 }
 
-bool PostgresDatabase::isServerLocation(const QString &location)
-{
-    return location.startsWith(QLatin1String("postgresql://"), Qt::CaseInsensitive)
-           || location.startsWith(QLatin1String("postgres://"), Qt::CaseInsensitive);
-}
-
 QString PostgresDatabase::displayName(const QString &uri)
 {
     QUrl url(uri);
@@ -142,18 +136,11 @@ PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly
         exec("SET DateStyle = 'ISO, YMD'");
         exec("SET client_encoding = 'UTF8'");
         exec("SET extra_float_digits = 1");
-        // The school administration database is never written, whoever opens it and however.
-        Result school(PQexec(conn_, "SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = 'learner_info'"), PQclear);
-        if (PQresultStatus(school.get()) == PGRES_TUPLES_OK && PQntuples(school.get()) > 0)
-            readOnly_ = true;
         Result version(PQexec(conn_, "SELECT jet_support_version()"), PQclear);
         const bool current = PQresultStatus(version.get()) == PGRES_TUPLES_OK
                              && std::atoi(PQgetvalue(version.get(), 0, 0)) >= PostgresSupport::Version;
-        if (!current && !readOnly_) {
-            Result tables(PQexec(conn_, "SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = 'tbllibitems'"), PQclear);
-            if (PQresultStatus(tables.get()) == PGRES_TUPLES_OK && PQntuples(tables.get()) > 0)
-                installSupport();
-        }
+        if (!current && !readOnly_ && holdsTable(QStringLiteral("tblLibItems")))
+            installSupport();
         if (readOnly_)
             exec("SET default_transaction_read_only = on");
     } catch (...) {
@@ -164,6 +151,22 @@ PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly
 }
 
 PostgresDatabase::~PostgresDatabase() { PQfinish(conn_); }
+
+bool PostgresDatabase::holdsTable(const QString &table)
+{
+    const QByteArray name = table.toLower().toUtf8();
+    const char *values[] = {name.constData()};
+    Result found(PQexecParams(conn_, "SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", 1, nullptr, values,
+                              nullptr, nullptr, 0),
+                 PQclear);
+    return PQresultStatus(found.get()) == PGRES_TUPLES_OK && PQntuples(found.get()) > 0;
+}
+
+void PostgresDatabase::refuseWrites()
+{
+    readOnly_ = true;
+    exec("SET default_transaction_read_only = on");
+}
 
 QString PostgresDatabase::serverVersion() const
 {
@@ -249,7 +252,7 @@ void PostgresDatabase::raise(PGresult *result, const QString &jetSql)
     if (code == "23514" && constraint.startsWith(QLatin1String(PostgresDialect::SizeCheckPrefix)))
         throw AppError(AppError::ProviderError,
                        QStringLiteral("The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less data."),
-                       jetSql);
+                       jetSql, AppError::Cause::TooLong);
     if ((code == "23514" && constraint.startsWith(QLatin1String(PostgresDialect::RangeCheckPrefix))) || code == "22003")
         throw AppError(AppError::Overflow, QStringLiteral("Overflow"), jetSql);
     if (code == "22P02" || code == "22007" || code == "22008" || code == "42804" || code == "42883" || code == "22021")
@@ -296,8 +299,7 @@ void PostgresDatabase::setClock()
 
 int PostgresDatabase::execute(const QString &jetSql, Recordset *rows)
 {
-    const QByteArray utf8 = jetSql.toUtf8();
-    const TranslatedStatement ts = sharedTranslator().translate(std::string_view(utf8.constData(), size_t(utf8.size())));
+    const TranslatedStatement ts = translated(jetSql);
     if (ts.kind == TranslatedStatement::AlterColumnType) {
         alterColumnType(ts, jetSql);
         return 0;
@@ -314,8 +316,7 @@ int PostgresDatabase::execute(const QString &jetSql, Recordset *rows)
 
 qint64 PostgresDatabase::insertReturningKey(const QString &jetSql, const QString &keyColumn)
 {
-    const QByteArray utf8 = jetSql.toUtf8();
-    const TranslatedStatement ts = sharedTranslator().translate(std::string_view(utf8.constData(), size_t(utf8.size())));
+    const TranslatedStatement ts = translated(jetSql);
     if (ts.kind != TranslatedStatement::Command || strncasecmp(ts.sql.c_str(), "insert ", 7) != 0)
         throw AppError(AppError::SyntaxError, QStringLiteral("Only an INSERT statement can hand back its new key."), jetSql);
     const std::string sql = ts.sql + " RETURNING " + PostgresDialect().quoteName(keyColumn.toLower().toStdString());

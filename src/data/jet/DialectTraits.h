@@ -1,31 +1,10 @@
 #pragma once
 
 #include "JetColumnType.h"
-#include "JetLexer.h"
 
-#include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
-
-/// The engine-ready form of one Jet statement.
-struct TranslatedStatement {
-    enum Kind { Rows, Command, AlterColumnType };
-    Kind kind = Command;
-    std::string sql;
-    // For AlterColumnType (ALTER TABLE t ALTER col type): the engine changes the column's type itself.
-    std::string table;
-    std::string column;
-    JetColumnType newType;
-    // The names the statement writes with capitals (aliases, columns), for engines that hand result
-    // columns back in lower case; shared with every statement of the same shape.
-    std::shared_ptr<const std::vector<std::string>> spelledNames;
-    // Native statements the engine runs right after this one, in the same transaction
-    // (what an engine needs besides the table itself: name records, counter triggers).
-    std::vector<std::string> after;
-};
 
 /// What differs between the engines a Jet statement is translated for.
 class DialectTraits {
@@ -91,44 +70,3 @@ public:
         (void)after;
     }
 };
-
-/// Translates Jet (Access) SQL, as the screens and the query catalogue write it,
-/// into the SQL of one engine. Statements of a shape seen before (the same text but
-/// for literal values) are filled from a cache instead of being parsed again.
-/// Thread-safe.
-class JetTranslator {
-public:
-    explicit JetTranslator(std::unique_ptr<DialectTraits> traits);
-    ~JetTranslator();
-
-    /// Throws AppError (a syntax error carrying the original text) when the statement cannot be translated.
-    TranslatedStatement translate(std::string_view jetSql);
-
-    const DialectTraits &traits() const { return *traits_; }
-    size_t cachedShapes() const;
-    void clearCache();
-
-    struct Piece {
-        std::string fixed;      // text before the slot
-        int slot = -1;          // literal index, -1 for the tail
-        JetToken::Kind literalKind = JetToken::Number;
-    };
-    struct Template {
-        TranslatedStatement::Kind kind = TranslatedStatement::Command;
-        std::vector<Piece> pieces;
-        std::shared_ptr<const std::vector<std::string>> spelledNames;
-    };
-
-private:
-    std::string renderLiteral(const JetToken &token) const;
-    std::unique_ptr<DialectTraits> traits_;
-    mutable std::mutex mutex_;
-    std::unordered_map<std::string, std::shared_ptr<const Template>> cache_;
-};
-
-/// Throws the syntax error of a statement that cannot be translated, keeping its text.
-[[noreturn]] void throwJetSyntaxError(const std::string &message, std::string_view sql);
-
-/// Parses the inside of a Jet date literal (m/d/yyyy, yyyy-mm-dd, yyyy/mm/dd, optional time)
-/// to "yyyy-mm-dd" or "yyyy-mm-dd hh:mm:ss"; false for an impossible date.
-bool parseJetDate(std::string_view text, std::string *iso);

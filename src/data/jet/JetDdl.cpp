@@ -1,5 +1,7 @@
 #include "JetDdl.h"
 
+#include "JetError.h"
+
 #include <cstdlib>
 
 namespace {

@@ -89,5 +89,3 @@ void DatabaseFile::useRollbackJournal(const QString &path)
 }
 
 qint64 DatabaseFile::size(const QString &path) { return QFileInfo(path).size(); }
-
-qint64 DatabaseFile::kilobytes(qint64 bytes) { return qint64(std::nearbyint(double(bytes) / 1024.0)); }

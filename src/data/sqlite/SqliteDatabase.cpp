@@ -1,7 +1,7 @@
 #include "SqliteDatabase.h"
 
 #include "AppError.h"
-#include "JetFunctions.h"
+#include "SqliteFunctions.h"
 #include "Recordset.h"
 #include "SqliteDialect.h"
 
@@ -34,35 +34,45 @@ Recordset::FieldType typeFromDeclaration(const char *decl)
     }
 }
 
-// Jet's wording for the failures a librarian or the program's own checks meet.
-QString jetMessage(const char *engineMessage, double *number)
+// Jet's wording, number and cause for the failures a librarian or the program's own checks meet,
+// told apart by SQLite's extended result code (and, for a CHECK, by the refusing constraint's name).
+struct Failure {
+    double number = AppError::ProviderError;
+    QString message;
+    AppError::Cause cause = AppError::Cause::Other;
+};
+
+Failure jetFailure(sqlite3 *db)
 {
-    const QString msg = QString::fromUtf8(engineMessage);
-    *number = AppError::ProviderError;
-    if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::TypeCheckPrefix))) {
-        *number = AppError::DataTypeMismatch;
-        return QStringLiteral("Data type mismatch in criteria expression.");
+    const int code = sqlite3_extended_errcode(db);
+    const QString msg = QString::fromUtf8(sqlite3_errmsg(db));
+    if (code == SQLITE_CONSTRAINT_CHECK) {
+        const QString constraint = msg.section(QStringLiteral(": "), 1);
+        if (constraint.startsWith(QLatin1String(SqliteDialect::TypeCheckPrefix)))
+            return {AppError::DataTypeMismatch, QStringLiteral("Data type mismatch in criteria expression.")};
+        if (constraint.startsWith(QLatin1String(SqliteDialect::SizeCheckPrefix)))
+            return {AppError::ProviderError,
+                    QStringLiteral("The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less data."),
+                    AppError::Cause::TooLong};
+        if (constraint.startsWith(QLatin1String(SqliteDialect::RangeCheckPrefix)))
+            return {AppError::Overflow, QStringLiteral("Overflow")};
     }
-    if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::SizeCheckPrefix)))
-        return QStringLiteral("The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less data.");
-    if (msg.startsWith(QLatin1String("CHECK constraint failed: ") + QLatin1String(SqliteDialect::RangeCheckPrefix))
-        || msg == QLatin1String("Overflow")) {
-        *number = AppError::Overflow;
-        return QStringLiteral("Overflow");
-    }
-    if (msg.startsWith(QLatin1String("attempt to write a readonly database")))
-        return QStringLiteral("Cannot update.  Database or object is read-only.");
-    if (msg.startsWith(QLatin1String("UNIQUE constraint failed")))
-        return AppError::duplicateValuesText();
-    if (msg.contains(QLatin1String("syntax error")) || msg.startsWith(QLatin1String("no such")))
-        *number = AppError::SyntaxError;
-    return msg;
+    if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY)
+        return {AppError::ProviderError, AppError::duplicateValuesText(), AppError::Cause::Duplicate};
+    if ((code & 0xff) == SQLITE_READONLY)
+        return {AppError::ProviderError, QStringLiteral("Cannot update.  Database or object is read-only.")};
+    if (msg == QLatin1String(SqliteFunctionOverflow)) // raised by the Jet functions of this connection
+        return {AppError::Overflow, QStringLiteral("Overflow")};
+    // SQLite gives one code for every statement it cannot prepare; Jet calls those syntax errors.
+    if ((code & 0xff) == SQLITE_ERROR && (msg.contains(QLatin1String("syntax error")) || msg.startsWith(QLatin1String("no such"))))
+        return {AppError::SyntaxError, msg};
+    return {AppError::ProviderError, msg};
 }
 
 std::string quoteName(std::string_view name) { return SqliteDialect().quoteName(name); }
 
 // Whether the schema holds the library's catalogue table: only then is the file a library database.
-bool holdsTable(sqlite3 *db, const char *table)
+bool schemaHolds(sqlite3 *db, const char *table)
 {
     sqlite3_stmt *stmt = nullptr;
     bool found = false;
@@ -100,13 +110,10 @@ SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
     try {
         // Reading the schema proves the file is a database at all.
         exec("SELECT count(*) FROM sqlite_master");
-        // The school administration database is never written, whoever opens it and however.
-        if (!readOnly && holdsTable(db_, "Learner_Info"))
-            readOnly = true;
         if (!readOnly) {
             // Write-ahead logging is switched on only for a file known to be a library database:
             // opening any other file (the school's database picked by mistake) must not change it.
-            if (holdsTable(db_, "tblLibItems"))
+            if (schemaHolds(db_, "tblLibItems"))
                 exec("PRAGMA journal_mode=WAL");
             exec("PRAGMA synchronous=FULL");
         } else {
@@ -122,6 +129,10 @@ SqliteDatabase::SqliteDatabase(const QString &path, bool readOnly) : path_(path)
     }
     registerJetFunctions(db_);
 }
+
+bool SqliteDatabase::holdsTable(const QString &table) { return schemaHolds(db_, table.toUtf8().constData()); }
+
+void SqliteDatabase::refuseWrites() { exec("PRAGMA query_only=1"); }
 
 SqliteDatabase::~SqliteDatabase()
 {
@@ -155,10 +166,8 @@ void SqliteDatabase::createFile(const QString &path)
 void SqliteDatabase::raise(int code, const QString &jetSql) const
 {
     Q_UNUSED(code);
-    double number = 0;
-    const QString message = jetMessage(sqlite3_errmsg(db_), &number);
-    const bool duplicate = (sqlite3_extended_errcode(db_) & 0xff) == SQLITE_CONSTRAINT && message == AppError::duplicateValuesText();
-    throw AppError(number, message, jetSql, duplicate ? AppError::Cause::Duplicate : AppError::Cause::Other);
+    const Failure failure = jetFailure(db_);
+    throw AppError(failure.number, failure.message, jetSql, failure.cause);
 }
 
 void SqliteDatabase::exec(const std::string &nativeSql, const QString &jetSql)
@@ -178,10 +187,9 @@ void SqliteDatabase::exec(const std::string &nativeSql, const QString &jetSql)
     while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
     }
     if (rc != SQLITE_DONE) {
-        double number = 0;
-        const QString message = jetMessage(sqlite3_errmsg(db_), &number);
+        const Failure failure = jetFailure(db_);
         sqlite3_finalize(stmt);
-        throw AppError(number, message, reported);
+        throw AppError(failure.number, failure.message, reported, failure.cause);
     }
     sqlite3_finalize(stmt);
 }
@@ -213,8 +221,7 @@ sqlite3_stmt *SqliteDatabase::prepare(const std::string &sql, const QString &jet
 
 int SqliteDatabase::execute(const QString &jetSql, Recordset *rows)
 {
-    const QByteArray utf8 = jetSql.toUtf8();
-    const TranslatedStatement ts = sharedTranslator().translate(std::string_view(utf8.constData(), size_t(utf8.size())));
+    const TranslatedStatement ts = translated(jetSql);
     return run(ts, rows, jetSql);
 }
 

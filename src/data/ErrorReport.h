@@ -1,30 +1,8 @@
 #pragma once
 
-#include <QString>
-
-#include <memory>
-
 #include "AppError.h"
 
-class DbConnection;
-
-// Process-wide values: where the two databases are.
-extern QString LibraryDatabasePath;
-extern QString CentralDatabasePath;
-/// The school's name from the school administration database, for headings.
-extern QString SchoolName;
-
-inline constexpr const char *JetProvider = "Microsoft.jet.oledb.4.0";
-inline constexpr const char *LibraryPassword = "KestrinPol";
-inline constexpr const char *CentralPassword = "Tev@lno";
-
-/// A connection of its own to a database, opened; a failure is reported under "Central Module"
-/// (failureText and the engine's reason) and leaves it unopened. The school database goes
-/// through SchoolDatabase, the library database through clsDataObject or OpenLibraryDatabase.
-std::unique_ptr<DbConnection> OpenDatabase(const QString &path, const char *password, bool readOnly, const QString &failureText);
-/// A library connection for work that needs one transaction (the loan routines); failures are
-/// reported ("Library Database cannot be opened."). Read only when a file is only being looked at.
-std::unique_ptr<DbConnection> OpenLibraryDatabase(bool readOnly = false);
+#include <QString>
 
 /// The one error report of the system: an OK box titled "Error : " + number.
 void ReportError(const QString &location, const QString &description, const QString &procedure, double number);

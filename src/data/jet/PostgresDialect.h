@@ -1,6 +1,6 @@
 #pragma once
 
-#include "JetTranslator.h"
+#include "DialectTraits.h"
 
 /// Jet SQL as PostgreSQL runs it: names folded to lower case as the server folds them,
 /// text columns of type citext so that comparison, Like and sorting ignore case as Jet

@@ -1,9 +1,14 @@
 #pragma once
 
-#include "JetTranslator.h"
+#include "DialectTraits.h"
+#include "JetLexer.h"
+#include "TranslatedStatement.h"
+
+#include <string_view>
+#include <vector>
 
 // Jet data definition, written for one engine: CREATE TABLE (counters, sizes, keys,
-// defaults) and ALTER TABLE ADD / ALTER / DROP a column. Both throw AppError on bad DDL.
+// defaults) and ALTER TABLE ADD / ALTER / DROP a column. Both throw JetError on bad DDL.
 TranslatedStatement translateCreateTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql);
 TranslatedStatement translateAlterTable(const DialectTraits &traits, const std::vector<JetToken> &tokens, std::string_view sql);
 

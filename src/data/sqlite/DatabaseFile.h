@@ -18,6 +18,4 @@ public:
     static void useRollbackJournal(const QString &path);
     /// Size in bytes of the main file.
     static qint64 size(const QString &path);
-    /// Bytes as whole kilobytes, halves rounded to even (1,536 and 2,560 bytes are both 2 KB).
-    static qint64 kilobytes(qint64 bytes);
 };

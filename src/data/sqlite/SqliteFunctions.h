@@ -6,3 +6,6 @@ struct sqlite3;
 /// Now(), Year(), DateAdd(), IsNull(), Nz(), Left(), CStr() ...) under the
 /// jet_ names the SQLite dialect writes.
 void registerJetFunctions(sqlite3 *db);
+
+/// The error a Jet function raises for a value beyond its conversion's range (Jet's "Overflow").
+inline constexpr const char *SqliteFunctionOverflow = "Overflow";
