@@ -5,7 +5,6 @@
 
 #include "BenchSql.h"
 #include "BenchTimer.h"
-#include "CatalogueState.h"
 #include "DbConnection.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
@@ -170,7 +169,6 @@ void benchItemScreens()
     Samples save;
     const ScreenRegistry screens;
     for (int run = 0; run < 7; ++run) {
-        ItemEditMode = 0;
         frmItemAddModify editor(screens);
         SpreadGrid &sheet = *editor.findChild<SpreadGrid *>(QStringLiteral("griditems"));
         sheet.setCellText(2, 2, QStringLiteral("Fiction"));

@@ -18,7 +18,9 @@ template <typename Screen> void add(ScreenRegistry &screens, const char *name)
 void registerCatalogueScreens(ScreenRegistry &screens, SettingsStore &settings)
 {
     screens.add(QStringLiteral("frmItemList"), [&screens](QWidget *parent) { return new frmItemList(screens, parent); });
-    screens.add(QStringLiteral("frmItemAddModify"), [&screens](QWidget *parent) { return new frmItemAddModify(screens, parent); });
+    screens.addWithOptions(QStringLiteral("frmItemAddModify"), [&screens](QWidget *parent, const ScreenOptions &options) {
+        return new frmItemAddModify(screens, options, parent);
+    });
     screens.add(QStringLiteral("frmLabelList"), [&settings](QWidget *parent) { return new frmLabelList(settings, parent); });
     add<frmCategories>(screens, "frmCategories");
     add<frmQuickFind>(screens, "frmQuickFind");

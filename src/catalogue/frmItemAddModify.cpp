@@ -2,7 +2,6 @@
 #include "ui_frmItemAddModify.h"
 
 #include "AppError.h"
-#include "CatalogueState.h"
 #include "Clock.h"
 #include "LoanRoutines.h"
 #include "ScreenRegistry.h"
@@ -26,9 +25,9 @@ const QColor Yellow(255, 255, 0); // 65535: draws the eye to "Next" once a title
 
 } // namespace
 
-frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, QWidget *parent)
-    : QDialog(parent), ui(std::make_unique<Ui::frmItemAddModify>()), screens_(screens), mode_(ItemEditMode),
-      itemID_(ItemEditMode == 1 || ItemEditMode == 2 ? CurrentItemID : 0)
+frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, const ScreenOptions &options, QWidget *parent)
+    : QDialog(parent), ui(std::make_unique<Ui::frmItemAddModify>()), screens_(screens), mode_(options.itemEditMode),
+      itemID_(options.itemEditMode == 1 || options.itemEditMode == 2 ? options.itemID : 0)
 {
     ui->setupUi(this);
     GuardTypedFields(this);

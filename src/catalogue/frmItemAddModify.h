@@ -3,6 +3,8 @@
 #include "ItemSheet.h"
 #include "clsDataObject.h"
 
+#include "ScreenRegistry.h"
+
 #include <QDialog>
 #include <QVector>
 
@@ -11,17 +13,16 @@
 namespace Ui {
 class frmItemAddModify;
 }
-class ScreenRegistry;
 
 /// "Maintain Catalogue": adds a new title with up to twenty copies (mode 0), more copies of a title
-/// already held (mode 1), or edits, reinstates and phases out one copy (mode 2), as ItemEditMode and
-/// CurrentItemID say when the screen opens; then links subject and keyword search terms to what was
+/// already held (mode 1), or edits, reinstates and phases out one copy (mode 2), as the options it
+/// is opened with say; then links subject and keyword search terms to what was
 /// saved.
 class frmItemAddModify : public QDialog {
     Q_OBJECT
 public:
-    /// The registry opens the subject and keyword lists.
-    explicit frmItemAddModify(const ScreenRegistry &screens, QWidget *parent = nullptr);
+    /// The registry opens the subject and keyword lists; options give the mode and the item.
+    explicit frmItemAddModify(const ScreenRegistry &screens, const ScreenOptions &options = {}, QWidget *parent = nullptr);
     ~frmItemAddModify() override;
 
     /// The ItemIDs written by the last save, in cell order.

@@ -2,7 +2,6 @@
 #include "ui_frmItemList.h"
 
 #include "AppError.h"
-#include "CatalogueState.h"
 #include "ItemCriteria.h"
 #include "Money.h"
 #include "ScreenRegistry.h"
@@ -71,7 +70,7 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     connect(ui->fpSpreadStock, &SpreadGrid::headerClicked, this, &frmItemList::OrderItems);
     connect(ui->fpSpreadStock, &SpreadGrid::cellClicked, this, [this](int, int row) {
         if (row >= 1 && row <= ui->fpSpreadStock->maxRows())
-            CurrentItemID = ui->fpSpreadStock->cellText(0, row).toInt();
+            currentItemID_ = ui->fpSpreadStock->cellText(0, row).toInt();
     });
     connect(ui->chRestrictAll, &QCheckBox::clicked, this, &frmItemList::chRestrictAll_Click);
     connect(ui->cmdprocess, &QPushButton::clicked, this, &frmItemList::cmdprocess_Click);
@@ -82,7 +81,6 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     connect(ui->cmdKeywordSearch, &QPushButton::clicked, this, &frmItemList::cmdKeywordSearch_Click);
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemList::cmdPrint_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
-    CurrentItemID = 0;
     Trap(Location, QStringLiteral("Form_Load"), [&] { FillItemCategories(data_, ui->cmbCategory); }, [&] { data_.CloseCompact(); });
 }
 
@@ -335,8 +333,10 @@ void frmItemList::cmdprocess_Click()
 
 void frmItemList::openEditor(int mode)
 {
-    ItemEditMode = mode;
-    screens_.open(QStringLiteral("frmItemAddModify"), QStringLiteral("Item editor"), this);
+    ScreenOptions options;
+    options.itemEditMode = mode;
+    options.itemID = currentItemID_;
+    screens_.open(QStringLiteral("frmItemAddModify"), QStringLiteral("Item editor"), this, options);
     if (listStatement_.isEmpty())
         return;
     Trap(Location, QStringLiteral("Refresh"), [&] {
@@ -348,7 +348,7 @@ void frmItemList::cmdNew_Click() { openEditor(0); }
 
 void frmItemList::cmdAddExisting_Click()
 {
-    if (CurrentItemID == 0) {
+    if (currentItemID_ == 0) {
         UserMessage(QStringLiteral("First select an item to add."));
         return;
     }
@@ -357,7 +357,7 @@ void frmItemList::cmdAddExisting_Click()
 
 void frmItemList::cmdEdit_Click()
 {
-    if (CurrentItemID == 0) {
+    if (currentItemID_ == 0) {
         UserMessage(QStringLiteral("Select an item before clicking Edit."));
         return;
     }

@@ -45,6 +45,7 @@ public Q_SLOTS:
 
 private:
     void fill(const QString &sql);
+    int currentItemID_ = 0; // the item last clicked in the list, handed to the editor
     void defineGrid(bool removed);
     void openEditor(int mode);
 

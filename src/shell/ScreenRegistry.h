@@ -13,6 +13,9 @@ class QWidget;
 /// What the main menu tells a screen as it opens it.
 struct ScreenOptions {
     bool holidayPeriod = false; // the issue desk starts on long-loan rules
+    /// The item editor: 0 a new title, 1 more copies of itemID, 2 editing the copy itemID.
+    int itemEditMode = 0;
+    int itemID = 0;
 };
 
 /// Keeps a screen within the room the desktop leaves it (the available screen area when room is

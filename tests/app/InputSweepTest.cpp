@@ -5,7 +5,6 @@
 // must be byte for byte what it was.
 
 #include "CatalogueScreens.h"
-#include "CatalogueState.h"
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "FrmuserloanHistory.h"
@@ -180,8 +179,6 @@ protected:
     void TearDown() override
     {
         messages_.reset();
-        ItemEditMode = 0;
-        CurrentItemID = 0;
         SchoolName.clear();
         LibraryDatabasePath.clear();
         CentralDatabasePath.clear();
@@ -406,10 +403,11 @@ TEST_F(InputSweep, TheListAboveIsEveryRegisteredScreen)
 
 TEST_F(InputSweep, ItemEditorCopyingAndEditing)
 {
-    CurrentItemID = rowsIn(library_, "select min(ItemID) from tblLibItems where PhasedOut = false").value(0).toInt();
+    ScreenOptions options;
+    options.itemID = rowsIn(library_, "select min(ItemID) from tblLibItems where PhasedOut = false").value(0).toInt();
     for (int mode : {1, 2}) {
-        ItemEditMode = mode;
-        std::unique_ptr<QDialog> editor(screens_.make("frmItemAddModify", nullptr));
+        options.itemEditMode = mode;
+        std::unique_ptr<QDialog> editor(screens_.make("frmItemAddModify", nullptr, options));
         sweep(QStringLiteral("frmItemAddModify mode %1").arg(mode), editor.get(), hostileValues());
     }
     ConnectionPool::shared().clear();

@@ -1,6 +1,5 @@
 // The item editor driven through its sheet, term frames and buttons on catalogues the tests make.
 #include "AppError.h"
-#include "CatalogueState.h"
 #include "Clock.h"
 #include "DbConnection.h"
 #include "ItemSheet.h"
@@ -48,14 +47,19 @@ protected:
         library("Insert into tblLibSubjectCodes (SubjectDescription, ClassificationNo, PhasedOut) values ('Plants', '580', false)");  // 3
         for (const char *k : {"dog|hond", "cat|kat", "bird|voël", "fish|vis", "horse|perd", "cow|koei"})
             library(QString("Insert into tblLibKeywords (KeywordEng, KeywordAfr) values ('%1', '%2')").arg(QString(k).section('|', 0, 0), QString(k).section('|', 1)));
-        ItemEditMode = 0;
-        CurrentItemID = 0;
     }
     void TearDown() override
     {
         DbConnection::traceStatements(nullptr);
         Clock::setFixed(QDateTime());
         DatabaseTest::TearDown();
+    }
+    static ScreenOptions editing(int mode, int item)
+    {
+        ScreenOptions options;
+        options.itemEditMode = mode;
+        options.itemID = item;
+        return options;
     }
     static SpreadGrid &sheet(frmItemAddModify &screen) { return *child<SpreadGrid>(screen, "griditems"); }
     // A complete non-fiction title.
@@ -330,9 +334,7 @@ TEST_F(ItemEditor, ACopyTakesTheDetailsAndItsTermsGoToTheCopiedItem)
     library("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID, Author1, ItemLanguageID, ShelfNumber, MainSubject, ClassificationNo, "
             "Cost, YearPublished) values ('C1', 'Atoms', 1, 2, 2, 2, '539 COE', 'Physics', '530', 99.5, 2001)");
     library("Insert into tblLibItemSubjects (subjectid, itemid) values (2, 1)");
-    ItemEditMode = 1;
-    CurrentItemID = 1;
-    frmItemAddModify screen(screens_);
+    frmItemAddModify screen(screens_, editing(1, 1));
     EXPECT_EQ(screen.windowTitle(), "Maintain Catalogue: ADD EXISTING ITEMS");
     EXPECT_EQ(sheet(screen).cellText(2, 7), "Atoms");
     EXPECT_EQ(sheet(screen).cellText(2, 3), "Non-Fiction");
@@ -355,9 +357,7 @@ TEST_F(ItemEditor, EditingRewritesTheItemAndReinstatesAPhasedOutOne)
     library("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID, Author1, ItemLanguageID, ShelfNumber, PhasedOut, PhasedOutDate, "
             "PhasedOutReason) values ('E1', 'Lost Book', 1, 1, 1, 1, 'F BRI', true, #2026-01-05#, 'Lost')");
     library("Insert into tblLibItems (AccessionID, Title) values ('E2', 'Other')");
-    ItemEditMode = 2;
-    CurrentItemID = 1;
-    frmItemAddModify screen(screens_);
+    frmItemAddModify screen(screens_, editing(2, 1));
     EXPECT_EQ(screen.windowTitle(), "Maintain Catalogue: EDIT SINGLE ITEM");
     EXPECT_EQ(sheet(screen).cellText(2, 13), "E1");
     EXPECT_EQ(child<QComboBox>(screen, "cboWeed")->currentText(), "Lost");
@@ -383,9 +383,7 @@ TEST_F(ItemEditor, ALentItemCannotBeEditedAndIsReturnedBeforeItIsPhasedOut)
     library("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID, Author1, ItemLanguageID, ShelfNumber) values ('P1', 'Lent', 1, 1, 1, 1, 'F')");
     library("Insert into tblLibItemKeywords (KeyID, ItemID) values (1, 1)");
     lend("P1", 1, "L", 12, "2026-11-15"); // 8 days late: two started weeks
-    ItemEditMode = 2;
-    CurrentItemID = 1;
-    frmItemAddModify screen(screens_);
+    frmItemAddModify screen(screens_, editing(2, 1));
     sheet(screen).setCellText(2, 7, "Changed");
     click(screen, "cmdSave");
     EXPECT_EQ(messages_->prompts(), QStringList{"The item is currently out on loan and can not be edited."});
@@ -418,9 +416,7 @@ TEST_F(ItemEditor, ALentCopyIsRemovedOnlyOnceItsLoanIsClosed)
     central("Insert into Learner_Info(ID, AccessionNo, SName, FName, Grade, Class, Status) values (12, 'L100', 'Botha', 'Anna', 8, 1, 'C')");
     library("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID, Author1, ItemLanguageID, ShelfNumber) values ('O''B1', 'Lent', 1, 1, 1, 1, 'F')");
     lend("O''B1", 1, "L", 12, "2026-11-30");
-    ItemEditMode = 2;
-    CurrentItemID = 1;
-    frmItemAddModify screen(screens_);
+    frmItemAddModify screen(screens_, editing(2, 1));
     sheet(screen).setCellText(2, 13, "X9");
 
     TestEngine::refuse(libraryPath_, "tblLibTransactions", "UPDATE");
@@ -439,9 +435,7 @@ TEST_F(ItemEditor, ALentCopyIsRemovedOnlyOnceItsLoanIsClosed)
 TEST_F(ItemEditor, AnItemOnTheShelfIsPhasedOutAfterAWarning)
 {
     library("Insert into tblLibItems (AccessionID, Title, CategoryID, SubCategoryID, Author1, ItemLanguageID, ShelfNumber) values ('W1', 'Worn', 1, 1, 1, 1, 'F')");
-    ItemEditMode = 2;
-    CurrentItemID = 1;
-    frmItemAddModify screen(screens_);
+    frmItemAddModify screen(screens_, editing(2, 1));
     QComboBox *weed = child<QComboBox>(screen, "cboWeed");
     weed->setCurrentIndex(weed->findText("Weed"));
     messages_->queueAnswer(MessageScript::No);

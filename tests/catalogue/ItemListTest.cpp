@@ -1,5 +1,4 @@
 // The stock list driven through its widgets on a catalogue the test makes.
-#include "CatalogueState.h"
 #include "DbConnection.h"
 #include "ScreenDriver.h"
 #include "ScreenRegistry.h"
@@ -193,13 +192,23 @@ TEST_F(ItemList, HandOffsToTheEditorNeedASelectedItem)
     click(screen, "cmdAddExisting");
     click(screen, "cmdEdit");
     EXPECT_EQ(messages_->prompts(), (QStringList{"First select an item to add.", "Select an item before clicking Edit."}));
+    // The editor is handed the mode and the clicked item.
+    ScreenOptions handed;
+    screens_.addWithOptions("frmItemAddModify", [&](QWidget *parent, const ScreenOptions &options) {
+        handed = options;
+        auto *editor = new QDialog(parent);
+        QTimer::singleShot(0, editor, &QDialog::reject);
+        return editor;
+    });
     click(screen, "cmdAll");
     child<SpreadGrid>(screen, "fpSpreadStock")->clickCell(5, 2);
-    EXPECT_EQ(CurrentItemID, 1);
     messages_->clear();
-    click(screen, "cmdEdit"); // this test's registry has no editor: it says so
-    EXPECT_EQ(ItemEditMode, 2);
-    EXPECT_EQ(messages_->prompts().size(), 1);
+    click(screen, "cmdEdit");
+    EXPECT_EQ(handed.itemEditMode, 2);
+    EXPECT_EQ(handed.itemID, 1);
+    click(screen, "cmdAddExisting");
+    EXPECT_EQ(handed.itemEditMode, 1);
+    EXPECT_TRUE(messages_->prompts().isEmpty());
 }
 
 TEST_F(ItemList, TheTermSearchesOpenOverTheList)

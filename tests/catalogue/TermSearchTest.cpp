@@ -1,5 +1,4 @@
 // The subject and keyword searches handing their conditions to the stock list, which runs them.
-#include "CatalogueState.h"
 #include "DbConnection.h"
 #include "ScreenDriver.h"
 #include "ScreenRegistry.h"

@@ -1,4 +1,0 @@
-#include "CatalogueState.h"
-
-int ItemEditMode = 0;
-int CurrentItemID = 0;
