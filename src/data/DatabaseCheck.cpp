@@ -13,12 +13,8 @@ QString openFor(DbConnection &db, const QString &location)
 {
     if (location.trimmed().isEmpty())
         return QStringLiteral("No database is chosen.");
-    try {
-        if (const QString refusal = EngineRegistry::installed().forLocation(location).refusal(location); !refusal.isEmpty())
-            return refusal;
-    } catch (const AppError &e) {
-        return e.description();
-    }
+    if (const QString refusal = EngineRegistry::installed().refusal(location); !refusal.isEmpty())
+        return refusal;
     db.DataSource = location;
     db.ReadOnly = true;
     try {

@@ -47,6 +47,24 @@ QStringList EngineRegistry::versions() const
     return names;
 }
 
+QString EngineRegistry::refusal(const QString &location) const
+{
+    try {
+        return forLocation(location).refusal(location);
+    } catch (const AppError &e) {
+        return e.description();
+    }
+}
+
+QString EngineRegistry::describe(const QString &location) const
+{
+    try {
+        return forLocation(location).describe(location);
+    } catch (const AppError &e) {
+        return e.description();
+    }
+}
+
 std::unique_ptr<PhysicalConnection> EngineRegistry::open(const QString &location, bool readOnly) const
 {
     std::unique_ptr<PhysicalConnection> connection = forLocation(location).open(location, readOnly);

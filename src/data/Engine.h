@@ -57,6 +57,10 @@ public:
     const Engine &forLocation(const QString &location) const;
     /// The file engine's name and version and every other's, for the About box.
     QStringList versions() const;
+    /// The engine's refusal of location (Engine::refusal), or why no engine opens it; never throws.
+    QString refusal(const QString &location) const;
+    /// The engine's description of location (Engine::describe), or why no engine opens it; never throws.
+    QString describe(const QString &location) const;
 
     /// A connection to location. A database that holds the school's learners is never written,
     /// whoever opens it and however: its connections refuse every write.

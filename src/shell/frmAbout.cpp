@@ -39,16 +39,6 @@ QString databaseLine(const QString &role, const QString &path)
                  .arg(storage.bytesAvailable() / (1024 * 1024));
 }
 
-// Where a database is and which engine holds it.
-QString engineOf(const QString &location)
-{
-    try {
-        return EngineRegistry::installed().forLocation(location).describe(location);
-    } catch (const AppError &e) {
-        return e.description();
-    }
-}
-
 } // namespace
 
 frmAbout::frmAbout(QWidget *parent) : QDialog(parent)
@@ -63,7 +53,8 @@ frmAbout::frmAbout(QWidget *parent) : QDialog(parent)
                                  "<p>Library database: %4<br>School database: %5</p>")
                       .arg(QStringLiteral(SHELVORA_VERSION), QString::fromLatin1(qVersion()),
                            EngineRegistry::installed().versions().join(QStringLiteral(" &middot; ")),
-                           engineOf(LibraryDatabasePath).toHtmlEscaped(), engineOf(CentralDatabasePath).toHtmlEscaped()));
+                           EngineRegistry::installed().describe(LibraryDatabasePath).toHtmlEscaped(),
+                           EngineRegistry::installed().describe(CentralDatabasePath).toHtmlEscaped()));
     layout->addWidget(text);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     QPushButton *info = buttons->addButton(QStringLiteral("System Info..."), QDialogButtonBox::ActionRole);

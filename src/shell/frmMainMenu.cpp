@@ -170,13 +170,7 @@ void frmMainMenu::Form_Load()
     Trap(Location, QStringLiteral("Form_Load"), [&] {
         // A first start (nothing chosen yet, or a chosen file gone) begins with the setup screen.
         auto missing = [](const QString &location) {
-            if (location.isEmpty())
-                return true;
-            try {
-                return !EngineRegistry::installed().forLocation(location).refusal(location).isEmpty();
-            } catch (const AppError &) {
-                return true;
-            }
+            return location.isEmpty() || !EngineRegistry::installed().refusal(location).isEmpty();
         };
         if (!setupShown_ && screens_.has(QStringLiteral("frmDatabases"))
             && (missing(settings_.value(QLatin1String(SettingsStore::LibraryDatabaseKey)))
@@ -310,6 +304,7 @@ void frmMainMenu::cmdDatabases_Click()
 
 void frmMainMenu::cmdCompact_Click()
 {
+    const QString work = QDir(ApplicationFolder()).filePath(QStringLiteral("library/compact"));
     Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
         const Engine &engine = EngineRegistry::installed().forLocation(LibraryDatabasePath);
         // A server database is not a file to copy: the server reclaims space and refreshes its statistics in place.
@@ -323,23 +318,20 @@ void frmMainMenu::cmdCompact_Click()
         if (!UserQuestion(QStringLiteral("Please make sure that you have backed up your database before performing this action. "
                                          "Are you sure you want to continue?")))
             return;
-        const QString work = QDir(ApplicationFolder()).filePath(QStringLiteral("library/compact"));
-        Trap(Location, QStringLiteral("cmdCompact_Click"), [&] {
-            data_.CloseCompact();
-            QDir(work).removeRecursively();
-            QDir().mkpath(work);
-            const QString copy = QDir(work).filePath(QStringLiteral("copy.mdb"));
-            const Engine::Compaction sizes = engine.compact(LibraryDatabasePath, copy);
-            const bool useCopy = UserQuestion(QStringLiteral("Your database has been compacted from ")
-                                              + NumberText(double(Engine::Compaction::kilobytes(sizes.before))) + QStringLiteral("kb to ")
-                                              + NumberText(double(Engine::Compaction::kilobytes(sizes.after))) + QStringLiteral("kb")
-                                              + QStringLiteral("\r\n") + QStringLiteral("Do you want to use the compacted database?"));
-            if (useCopy)
-                engine.replace(LibraryDatabasePath, copy);
-            QDir(work).removeRecursively();
-            UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
-        }, [&] { QDir(work).removeRecursively(); });
-    });
+        data_.CloseCompact();
+        QDir(work).removeRecursively();
+        QDir().mkpath(work);
+        const QString copy = QDir(work).filePath(QStringLiteral("copy.mdb"));
+        const Engine::Compaction sizes = engine.compact(LibraryDatabasePath, copy);
+        const bool useCopy = UserQuestion(QStringLiteral("Your database has been compacted from ")
+                                          + NumberText(double(Engine::Compaction::kilobytes(sizes.before))) + QStringLiteral("kb to ")
+                                          + NumberText(double(Engine::Compaction::kilobytes(sizes.after))) + QStringLiteral("kb")
+                                          + QStringLiteral("\r\n") + QStringLiteral("Do you want to use the compacted database?"));
+        if (useCopy)
+            engine.replace(LibraryDatabasePath, copy);
+        QDir(work).removeRecursively();
+        UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
+    }, [&] { QDir(work).removeRecursively(); });
 }
 
 void frmMainMenu::cmdissues_Click()
