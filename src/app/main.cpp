@@ -25,6 +25,8 @@
 
 #include <cstdio>
 
+#include <unistd.h>
+
 namespace {
 
 // Writes the demo school's databases and learner photos into folder. Throws AppError.
@@ -64,7 +66,13 @@ int makeDemo(const QString &folder)
 int copyLibrary(const QString &from, const QString &to)
 {
     try {
-        for (const LibraryCopy::TableFigures &t : LibraryCopy::copy(from, to))
+        // In a terminal each table is reported as it is done (on stderr: the figures on stdout stay the record).
+        LibraryCopy::TableCopied progress;
+        if (isatty(STDERR_FILENO))
+            progress = [](int done, int total, const LibraryCopy::TableFigures &t) {
+                std::fprintf(stderr, "  [%d/%d] %s: %lld rows\n", done, total, qPrintable(t.table), static_cast<long long>(t.rows));
+            };
+        for (const LibraryCopy::TableFigures &t : LibraryCopy::copy(from, to, progress))
             std::printf("%-24s %10lld rows   sums %s\n", qPrintable(t.table), static_cast<long long>(t.rows), qPrintable(t.sums));
     } catch (const AppError &e) {
         std::fprintf(stderr, "Not copied: %s\n", qPrintable(e.description()));

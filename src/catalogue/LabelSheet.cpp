@@ -1,6 +1,7 @@
 #include "LabelSheet.h"
 
 #include "AppError.h"
+#include "TaskProgress.h"
 
 #include <QFontMetricsF>
 #include <QPageSize>
@@ -47,6 +48,12 @@ int LabelSheet::sheets(int count, int startPosition) const
 
 void LabelSheet::print(QPrinter &printer, const QStringList &texts, int startPosition) const
 {
+    TaskProgress unwatched;
+    print(printer, texts, startPosition, unwatched);
+}
+
+void LabelSheet::print(QPrinter &printer, const QStringList &texts, int startPosition, TaskProgress &progress) const
+{
     printer.setFullPage(true);
     printer.setPageSize(QPageSize(stock_.page, QPageSize::Point, stock_.paper, QPageSize::ExactMatch));
     printer.setPageMargins(QMarginsF(0, 0, 0, 0), QPageLayout::Point);
@@ -55,7 +62,13 @@ void LabelSheet::print(QPrinter &printer, const QStringList &texts, int startPos
         throw AppError(482, QStringLiteral("Printer error"));
     const double scale = printer.resolution() / 72.0; // points to device units
     int position = std::clamp(startPosition, 1, stock_.perSheet()) - 1;
+    progress.setMaximum(int(texts.size()));
     for (const QString &text : texts) {
+        if (progress.cancelled()) {
+            printer.abort();
+            throw TaskCancelled{};
+        }
+        progress.advance();
         if (position == stock_.perSheet()) {
             printer.newPage();
             position = 0;

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 class QPainter;
+class TaskProgress;
 class QPrinter;
 
 /// Draws labels onto sheets of a label stock: barcode labels carry a Code 39 barcode of the
@@ -21,6 +22,8 @@ public:
     /// Sets the printer's paper to the stock's and prints every text, one label each.
     /// Throws AppError when the printer cannot be used or a barcode cannot be made.
     void print(QPrinter &printer, const QStringList &texts, int startPosition) const;
+    /// The same, label by label on progress; stops the print run (TaskCancelled) when it is cancelled.
+    void print(QPrinter &printer, const QStringList &texts, int startPosition, TaskProgress &progress) const;
     /// Draws one label into rect (device units) of painter.
     void drawLabel(QPainter &painter, const QRectF &rect, const QString &text) const;
 

@@ -6,6 +6,7 @@
 #include "Money.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
+#include "TaskRunner.h"
 #include "TypedFields.h"
 #include "ErrorReport.h"
 #include "clsTSQL.h"
@@ -153,16 +154,26 @@ void frmItemList::fill(const QString &sql)
     SpreadGrid &grid = *ui->fpSpreadStock;
     // A long list shows its first screenful while the rest is still being read.
     const int screenful = std::max(1, grid.view()->viewport()->height() / std::max(1, grid.view()->verticalHeader()->defaultSectionSize()) + 1);
-    const int rows = data_.GetData(sql + order_.clause(), screenful, [&grid](const Recordset &first) {
-        grid.beginFill();
-        grid.setMaxRows(0);
-        grid.setMaxRows(first.RecordCount());
-        writeRows(grid, first, ListFields(first));
-        grid.endFill();
-        if (grid.isVisible())
-            grid.view()->viewport()->repaint();
+    std::shared_ptr<Recordset> result;
+    TaskRunner(this, QStringLiteral("Reading the catalogue...")).run([&](TaskProgress &) {
+        clsDataObject reader;
+        reader.GetData(sql + order_.clause(), screenful, [&grid](const Recordset &first) {
+            TaskRunner::onGuiThread(&grid, [&] {
+                grid.beginFill();
+                grid.setMaxRows(0);
+                grid.setMaxRows(first.RecordCount());
+                writeRows(grid, first, ListFields(first));
+                grid.endFill();
+                if (grid.isVisible())
+                    grid.view()->viewport()->repaint();
+            });
+        });
+        result = reader.rst;
     });
-    const Recordset &rs = *data_.rst;
+    if (!result)
+        return;
+    const Recordset &rs = *result;
+    const int rows = rs.RecordCount();
     grid.beginFill();
     grid.setMaxRows(0);
     grid.setMaxRows(rows);
@@ -180,7 +191,6 @@ void frmItemList::fill(const QString &sql)
         }
     }
     grid.endFill();
-    data_.CloseCompact();
     ui->txtTotalItems->setText(QString::number(rows));
     ui->txtTotalCost->setText(total.toDisplayText());
 }

@@ -4,6 +4,7 @@
 #include "AppError.h"
 #include "ItemCriteria.h"
 #include "LabelSheet.h"
+#include "TaskRunner.h"
 #include "PrintJob.h"
 #include "SettingsStore.h"
 #include "SpreadGrid.h"
@@ -68,11 +69,18 @@ void frmLabelList::fill(const QString &sql)
 {
     listStatement_ = sql;
     SpreadGrid &grid = *ui->fpSpreadStock;
-    const int rows = data_.GetData(sql + order_.clause());
+    std::shared_ptr<Recordset> result;
+    TaskRunner(this, QStringLiteral("Reading the catalogue...")).run([&](TaskProgress &) {
+        clsDataObject reader;
+        reader.GetData(sql + order_.clause());
+        result = reader.rst;
+    });
+    if (!result)
+        return;
     grid.beginFill();
-    grid.setMaxRows(rows);
+    grid.setMaxRows(result->RecordCount());
     int row = 0;
-    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
+    for (Recordset &rs = *result; !rs.atEnd(); rs.MoveNext()) {
         ++row;
         QStringList authors;
         for (const char *field : {"Author1", "Author2"})
@@ -88,7 +96,6 @@ void frmLabelList::fill(const QString &sql)
         grid.setChecked(PrintColumn, row, false);
     }
     grid.endFill();
-    data_.CloseCompact();
     ui->chkAll->setChecked(false);
 }
 
@@ -188,8 +195,13 @@ void frmLabelList::cmdPrint_Click()
         settings_.setValue(QLatin1String(LabelStockKey), stock->name);
         list = CreateList();
         PrintJob job;
-        if (job.choose(this))
-            LabelSheet(*stock, barcodes ? LabelSheet::Barcode : LabelSheet::Spine).print(job.printer(), texts, ui->spnStartPosition->value());
+        if (job.choose(this)) {
+            const LabelSheet sheet(*stock, barcodes ? LabelSheet::Barcode : LabelSheet::Spine);
+            const int start = ui->spnStartPosition->value();
+            TaskRunner(this, QStringLiteral("Drawing the labels..."), TaskRunner::Cancel::Yes).run([&](TaskProgress &progress) {
+                sheet.print(job.printer(), texts, start, progress);
+            });
+        }
     } catch (const AppError &e) {
         ReportError(Location, list.isEmpty() ? QStringLiteral("Create List") : QStringLiteral("Create Labels"), e);
     }

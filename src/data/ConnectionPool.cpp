@@ -18,15 +18,19 @@ ConnectionPool &ConnectionPool::shared()
 std::shared_ptr<PhysicalConnection> ConnectionPool::acquire(const QString &location, bool readOnly)
 {
     const QString key = poolKey(location);
-    readOnly = readOnly || readOnly_.count(key) > 0;
     std::unique_ptr<PhysicalConnection> connection;
-    auto it = idle_.find({key, readOnly});
-    while (it != idle_.end() && !it->second.empty() && !connection) {
-        connection = std::move(it->second.back());
-        it->second.pop_back();
-        if (!connection->usable())
-            connection.reset(); // the server closed it while it lay idle
+    {
+        std::lock_guard lock(mutex_);
+        readOnly = readOnly || readOnly_.count(key) > 0;
+        auto it = idle_.find({key, readOnly});
+        while (it != idle_.end() && !it->second.empty() && !connection) {
+            connection = std::move(it->second.back());
+            it->second.pop_back();
+            if (!connection->usable())
+                connection.reset(); // the server closed it while it lay idle
+        }
     }
+    // Opening (a file, a server round trip) happens outside the lock.
     if (!connection) {
         connection = EngineRegistry::installed().open(location, readOnly);
     }
@@ -47,6 +51,7 @@ void ConnectionPool::giveBack(const QString &location, bool readOnly, PhysicalCo
             return; // a connection that cannot end its transaction is closed, not reused
         }
     }
+    std::lock_guard lock(mutex_);
     auto &list = idle_[{location, readOnly}];
     if (list.size() < MaxIdlePerDatabase)
         list.push_back(std::move(owned));
@@ -55,15 +60,21 @@ void ConnectionPool::giveBack(const QString &location, bool readOnly, PhysicalCo
 void ConnectionPool::closeIdle(const QString &location)
 {
     const QString key = poolKey(location);
+    std::lock_guard lock(mutex_);
     idle_.erase({key, false});
     idle_.erase({key, true});
 }
 
-void ConnectionPool::clear() { idle_.clear(); }
+void ConnectionPool::clear()
+{
+    std::lock_guard lock(mutex_);
+    idle_.clear();
+}
 
 void ConnectionPool::keepReadOnly(const QString &location, bool readOnly)
 {
     closeIdle(location);
+    std::lock_guard lock(mutex_);
     if (readOnly)
         readOnly_.insert(poolKey(location));
     else
@@ -72,6 +83,7 @@ void ConnectionPool::keepReadOnly(const QString &location, bool readOnly)
 
 size_t ConnectionPool::idleCount() const
 {
+    std::lock_guard lock(mutex_);
     size_t n = 0;
     for (const auto &entry : idle_)
         n += entry.second.size();

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <map>
+#include <mutex>
 #include <set>
 #include <memory>
 #include <utility>
@@ -13,7 +14,8 @@
 /// Keeps engine connections open between the short-lived logical connections
 /// of the data object and the shared connections, so that opening one does
 /// not cost a file open. A connection in use is never handed out twice;
-/// one given back inside a transaction is rolled back first.
+/// one given back inside a transaction is rolled back first. Long work on a
+/// worker thread takes its own connection from here, so the pool is locked.
 class ConnectionPool {
 public:
     /// The pool of this process (connections are an operating-system resource, like the files they hold).
@@ -35,4 +37,5 @@ private:
 
     std::map<std::pair<QString, bool>, std::vector<std::unique_ptr<PhysicalConnection>>> idle_;
     std::set<QString> readOnly_;
+    mutable std::mutex mutex_;
 };

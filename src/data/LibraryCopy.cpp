@@ -60,7 +60,7 @@ LibraryCopy::TableFigures figures(DbConnection &db, const QString &table, const 
 
 } // namespace
 
-QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QString &to)
+QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QString &to, const TableCopied &tableCopied)
 {
     const std::unique_ptr<DbConnection> source = open(from, true);
     // A school database is copied as one; anything else is a library database.
@@ -90,7 +90,8 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
             for (const QString &sql : statements)
                 if (!sql.startsWith(QLatin1String("Insert "), Qt::CaseInsensitive)) // rows come from the source, the structure version too
                     into->Execute(sql);
-            for (const QString &table : tablesOf(statements)) {
+            const QStringList tables = tablesOf(statements);
+            for (const QString &table : tables) {
                 std::shared_ptr<Recordset> rows;
                 try {
                     rows = source->Execute(QStringLiteral("select * from ") + table);
@@ -113,6 +114,8 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
                                                                            "nothing was kept.")
                                                                 .arg(table).arg(before.rows).arg(before.sums).arg(after.rows).arg(after.sums));
                 copied << after;
+                if (tableCopied)
+                    tableCopied(int(copied.size()), int(tables.size()), after);
             }
             into->CommitTrans();
         } catch (...) {

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /// Copies a whole Shelvora database (the library's, or a school database) from one location to
 /// another, between engines: an SQLite file and a PostgreSQL server database, either way. The
 /// target must be new (a file that does not exist) or empty (a server database without tables);
@@ -15,6 +17,8 @@ public:
         qint64 rows = 0;
         QString sums; // the sums of the number columns, as compared
     };
+    /// Told after each table: how many of how many are copied, and the table's figures.
+    using TableCopied = std::function<void(int done, int total, const TableFigures &table)>;
     /// Throws AppError (nothing kept on the target) when the copy cannot be made or does not check out.
-    static QList<TableFigures> copy(const QString &from, const QString &to);
+    static QList<TableFigures> copy(const QString &from, const QString &to, const TableCopied &tableCopied = {});
 };

@@ -34,6 +34,12 @@ std::vector<LibraryStatistics::Count> topOf(std::vector<LibraryStatistics::Count
 
 LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
 {
+    TaskProgress unwatched;
+    return compute(from, to, unwatched);
+}
+
+LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to, TaskProgress &progress)
+{
     LibraryStatistics s;
     s.from = from;
     s.to = to;
@@ -42,12 +48,15 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
         months[m.toString(QStringLiteral("yyyy-MM"))].month = m.toString(QStringLiteral("yyyy-MM"));
     const QString issued = QStringLiteral(" IssueDate >= ") + jetDate(from) + QStringLiteral(" and IssueDate < ") + jetDate(to.addDays(1));
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
+    progress.setMaximum(int(months.size()) + 4);
 
     // Month by month (a range of the issue-date index each, no grouping to sort): how many loans of each member
     // kind, and how many of them went overdue (returned late, or still out past their due date at the period's end).
     for (auto &entry : months) {
         const QDate first = QDate::fromString(entry.first + QStringLiteral("-01"), Qt::ISODate);
         const QDate start = std::max(first, from), end = std::min(first.addMonths(1), to.addDays(1));
+        progress.check();
+        progress.advance();
         auto rs = db->Execute(QStringLiteral("select sum(IIf(MemberType = 'L', 1, 0)) as l, sum(IIf(MemberType = 'E', 1, 0)) as e, "
                                              "sum(IIf(MemberType = 'S', 1, 0)) as s, sum(IIf((Returned = true and ReturnDate > DueDate) or "
                                              "(Returned = false and DueDate < ")
@@ -60,6 +69,8 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
         m.staff = number(2);
         m.overdue = number(3);
     }
+    progress.check();
+    progress.advance();
     // Fines by the month of their own date: fined (charged, and cancelled when cancelled) and paid.
     const QString range = QStringLiteral(" >= ") + jetDate(from) + QStringLiteral(" and %1 < ") + jetDate(to.addDays(1));
     auto f = db->Execute(QStringLiteral("select Year(DateFined) as y, Month(DateFined) as m, sum(FineAmount) as charged, "
@@ -78,6 +89,8 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
     for (auto &entry : months)
         s.months.push_back(entry.second);
 
+    progress.check();
+    progress.advance();
     // Learners' loans per learner (counted by the database), then to their grades and classes.
     QHash<int, int> perLearner;
     auto rs = db->Execute(QStringLiteral("select MemberID, count(*) as n from tblLibTransactions where MemberType = 'L' and") + issued
@@ -106,6 +119,8 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
     std::sort(s.loansByClass.begin(), s.loansByClass.end(), [](const Count &a, const Count &b) { return NaturalLess(a.name, b.name); });
     s.topClasses = topOf(s.loansByClass, 20);
 
+    progress.check();
+    progress.advance();
     // Every copy with its loans in the period, counted per copy by the database (one grouping of the period's
     // loans): the titles' totals and the copies never borrowed both come from this one reading of the catalogue.
     rs = db->Execute(QStringLiteral("select i.Title, i.AccessionID, c.Category, i.PhasedOut, g.n from (tblLibItems as i left join tblLibCategories as c "
@@ -126,6 +141,8 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to)
             s.unborrowed.push_back({rs->field(1).toString(), title, category});
         }
     }
+    progress.check();
+    progress.advance();
     // The weeding list by category and accession number (sorted here: only the unborrowed part of the catalogue needs an order).
     std::sort(s.unborrowed.begin(), s.unborrowed.end(), [](const Unborrowed &a, const Unborrowed &b) {
         const int byCategory = a.category.compare(b.category, Qt::CaseInsensitive);

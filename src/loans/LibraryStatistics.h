@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TaskProgress.h"
+
 #include "Money.h"
 
 #include <QDate>
@@ -33,6 +35,8 @@ public:
 
     /// Throws AppError when a database cannot be read.
     static LibraryStatistics compute(const QDate &from, const QDate &to);
+    /// The same, telling progress each step and stopping (TaskCancelled) when it is cancelled.
+    static LibraryStatistics compute(const QDate &from, const QDate &to, TaskProgress &progress);
 
     QDate from, to;
     std::vector<Month> months;             // every month of the period, in order

@@ -16,6 +16,8 @@ public:
     virtual int pageCount(const QRectF &page, double dpi) const = 0;
     /// Draws one page (1-based).
     virtual void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const = 0;
+    /// Whether the pages may be drawn on a worker thread (text and lines only; charts are widgets and may not).
+    virtual bool paintsOffThread() const { return true; }
 };
 
 /// The printed pages' lettering: plain text, bold headings, and the big bold title.

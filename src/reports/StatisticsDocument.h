@@ -14,6 +14,7 @@ public:
     StatisticsDocument(const LibraryStatistics &statistics, const QString &schoolName);
     QString title() const override { return QStringLiteral("Library Statistics"); }
     int pageCount(const QRectF &page, double dpi) const override;
+    bool paintsOffThread() const override { return false; } // its charts are drawn by chart widgets
     void paintPage(QPainter &painter, const QRectF &page, int pageNumber) const override;
 
     /// Where a chart or a piece of a table goes on a page.

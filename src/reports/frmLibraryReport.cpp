@@ -10,6 +10,7 @@
 #include "SqlText.h"
 #include "TypedFields.h"
 #include "ErrorReport.h"
+#include "TaskRunner.h"
 #include "DatabaseLocations.h"
 #include "clsTSQL.h"
 #include "frmReportViewer.h"
@@ -211,42 +212,51 @@ void frmLibraryReport::cmdView_Click()
             sql += QStringLiteral(" And tblLibItems.Title like '%") + Safesql(ui->txtTitle->text()) + QStringLiteral("%'");
 
         // The members the report may name: learners currently in a school grade (and the chosen grade and class).
-        QHash<int, std::pair<QString, QString>> members; // id -> name, class
-        if (learners) {
-            QString list = learnerStatement_;
-            if (!reserves && ui->cboGrade->currentIndex() >= 0)
-                list += QStringLiteral(" And (SchoolGrades.ID = ") + QString::number(ui->cboGrade->currentData().toInt()) + QStringLiteral(")");
-            if (!reserves && ui->cboClass->currentIndex() >= 0)
-                list += QStringLiteral(" And (Classes.ClassID = ") + QString::number(ui->cboClass->currentData().toInt()) + QStringLiteral(")");
-            const auto rs = SchoolQuery(list);
-            QStringList ids;
-            for (; !rs->atEnd(); rs->MoveNext()) {
-                const int id = rs->field(QStringLiteral("MemberID")).toInt();
-                ids << QString::number(id);
-                members.insert(id, {rs->field(QStringLiteral("mName")).toString(), rs->field(QStringLiteral("ClassName")).toString()});
+        QString list = learnerStatement_;
+        if (!reserves && ui->cboGrade->currentIndex() >= 0)
+            list += QStringLiteral(" And (SchoolGrades.ID = ") + QString::number(ui->cboGrade->currentData().toInt()) + QStringLiteral(")");
+        if (!reserves && ui->cboClass->currentIndex() >= 0)
+            list += QStringLiteral(" And (Classes.ClassID = ") + QString::number(ui->cboClass->currentData().toInt()) + QStringLiteral(")");
+        auto made = TaskRunner(this, QStringLiteral("Gathering the report..."), TaskRunner::Cancel::Yes).compute<LibraryReport>([&](TaskProgress &progress) {
+            QHash<int, std::pair<QString, QString>> members; // id -> name, class
+            if (learners) {
+                const auto rs = SchoolQuery(list);
+                QStringList ids;
+                for (; !rs->atEnd(); rs->MoveNext()) {
+                    const int id = rs->field(QStringLiteral("MemberID")).toInt();
+                    ids << QString::number(id);
+                    members.insert(id, {rs->field(QStringLiteral("mName")).toString(), rs->field(QStringLiteral("ClassName")).toString()});
+                }
+                // On the reservations' own member column for the reservations report (it has no loan to join).
+                // A grade or class without learners gives an empty report (no member has number 0).
+                sql += (reserves ? QStringLiteral(" and tblLibReserves.MemberID in (") : QStringLiteral(" and tblLibTransactions.MemberID in ("))
+                       + (ids.isEmpty() ? QStringLiteral("0") : ids.join(QLatin1Char(','))) + QStringLiteral(")");
             }
-            // On the reservations' own member column for the reservations report (it has no loan to join).
-            // A grade or class without learners gives an empty report (no member has number 0).
-            sql += (reserves ? QStringLiteral(" and tblLibReserves.MemberID in (") : QStringLiteral(" and tblLibTransactions.MemberID in ("))
-                   + (ids.isEmpty() ? QStringLiteral("0") : ids.join(QLatin1Char(','))) + QStringLiteral(")");
-        }
+            progress.check();
+            clsDataObject reader;
+            reader.GetData(sql);
+            const std::shared_ptr<Recordset> rows = reader.rst;
+            LibraryReport report(ReportDefinition::named(definition), SchoolName, QStringLiteral("Items Issued between ") + from + QStringLiteral(" and ") + to);
+            const clsTSQL catalogue;
+            progress.setMaximum(rows->RecordCount());
+            for (int n = 0; !rows->atEnd(); rows->MoveNext(), ++n) {
+                progress.setValue(n);
+                const int id = rows->field(QStringLiteral("MemberID")).toInt();
+                if (!members.contains(id) && !learners) {
+                    progress.check();
+                    const auto who = SchoolQuery(catalogue.getMemberNameES(rows->field(QStringLiteral("MemberType")).toString(), id));
+                    members.insert(id, {who->atEnd() ? QString() : who->field(QStringLiteral("mName")).toString(), QString()});
+                }
+                const auto member = members.value(id);
+                report.addRow(*rows, member.first, member.second);
+            }
+            report.finish();
+            return report;
+        });
+        if (!made)
+            return;
         reportSql_ = sql;
-        data_.GetData(sql);
-        const std::shared_ptr<Recordset> rows = data_.rst;
-        data_.CloseCompact();
-        report_ = LibraryReport(ReportDefinition::named(definition), SchoolName,
-                                QStringLiteral("Items Issued between ") + from + QStringLiteral(" and ") + to);
-        const clsTSQL catalogue;
-        for (; !rows->atEnd(); rows->MoveNext()) {
-            const int id = rows->field(QStringLiteral("MemberID")).toInt();
-            if (!members.contains(id) && !learners) {
-                const auto who = SchoolQuery(catalogue.getMemberNameES(rows->field(QStringLiteral("MemberType")).toString(), id));
-                members.insert(id, {who->atEnd() ? QString() : who->field(QStringLiteral("mName")).toString(), QString()});
-            }
-            const auto member = members.value(id);
-            report_.addRow(*rows, member.first, member.second);
-        }
-        report_.finish();
+        report_ = std::move(*made);
         frmReportViewer viewer(report_, this);
         viewer.exec();
     }, [&] { data_.CloseCompact(); });

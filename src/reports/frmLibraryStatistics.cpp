@@ -6,6 +6,7 @@
 #include "SpreadGrid.h"
 #include "StatisticsCharts.h"
 #include "StatisticsDocument.h"
+#include "TaskRunner.h"
 #include "ErrorReport.h"
 #include "DatabaseLocations.h"
 #include "frmReportViewer.h"
@@ -86,7 +87,12 @@ void frmLibraryStatistics::cmdShow_Click()
         return;
     }
     Trap(Location, QStringLiteral("cmdShow_Click"), [&] {
-        statistics_ = LibraryStatistics::compute(from, to);
+        // Reading only: Cancel keeps the figures on show.
+        auto computed = TaskRunner(this, QStringLiteral("Counting the loans and fines of the period..."), TaskRunner::Cancel::Yes)
+                            .compute<LibraryStatistics>([&](TaskProgress &progress) { return LibraryStatistics::compute(from, to, progress); });
+        if (!computed)
+            return;
+        statistics_ = std::move(*computed);
         fillGrids();
         fillCharts();
     });

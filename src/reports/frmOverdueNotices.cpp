@@ -11,6 +11,7 @@
 #include "TypedFields.h"
 #include "ErrorReport.h"
 #include "DatabaseLocations.h"
+#include "TaskRunner.h"
 #include "frmReportViewer.h"
 #include "mCombo.h"
 #include "mCommon.h"
@@ -119,7 +120,11 @@ std::optional<std::vector<OverdueRow>> frmOverdueNotices::overdue()
                 return;
             }
         }
-        std::vector<OverdueRow> rows = OverdueList::load(query);
+        auto loaded = TaskRunner(this, QStringLiteral("Finding the overdue books..."), TaskRunner::Cancel::Yes)
+                          .compute<std::vector<OverdueRow>>([&](TaskProgress &) { return OverdueList::load(query); });
+        if (!loaded)
+            return;
+        std::vector<OverdueRow> rows = std::move(*loaded);
         if (rows.empty()) {
             UserMessage(QStringLiteral("Nobody has an overdue book on %1.").arg(query.asAt.toString(Qt::ISODate)));
             return;

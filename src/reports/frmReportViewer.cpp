@@ -3,9 +3,11 @@
 
 #include "AppError.h"
 #include "PrintJob.h"
+#include "TaskRunner.h"
 #include "ErrorReport.h"
 #include "modExtendedMsgBox.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QPageLayout>
 #include <QPainter>
@@ -117,14 +119,21 @@ void frmReportViewer::showPageNumber()
     ui->lblPage->setText(QStringLiteral("Page %1 of %2").arg(CRViewer1->currentPage()).arg(CRViewer1->pageCount()));
 }
 
-void frmReportViewer::render(QPrinter &printer) const
+void frmReportViewer::renderPages(QPrinter &printer, TaskProgress &progress) const
 {
     QPainter painter;
     if (!painter.begin(&printer))
         throw AppError(482, QStringLiteral("Printer error"));
     const QRectF page = printer.pageLayout().paintRectPixels(printer.resolution()).translated(-printer.pageLayout().paintRectPixels(printer.resolution()).topLeft());
     const int pages = report_.pageCount(page, printer.resolution());
+    progress.setMaximum(pages);
     for (int p = 1; p <= pages; ++p) {
+        if (progress.cancelled()) {
+            printer.abort();
+            throw TaskCancelled{};
+        }
+        progress.setValue(p - 1);
+        progress.setText(QStringLiteral("Page %1 of %2").arg(p).arg(pages));
         if (p > 1)
             printer.newPage();
         report_.paintPage(painter, page, p);
@@ -132,7 +141,19 @@ void frmReportViewer::render(QPrinter &printer) const
     painter.end();
 }
 
-bool frmReportViewer::saveAsPdf(const QString &path) const
+bool frmReportViewer::render(QPrinter &printer)
+{
+    if (!report_.paintsOffThread()) {
+        TaskProgress unwatched;
+        renderPages(printer, unwatched);
+        return true;
+    }
+    return TaskRunner(this, QStringLiteral("Drawing the pages..."), TaskRunner::Cancel::Yes).run([&](TaskProgress &progress) {
+        renderPages(printer, progress);
+    });
+}
+
+frmReportViewer::Saved frmReportViewer::saveAsPdf(const QString &path)
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
@@ -140,11 +161,14 @@ bool frmReportViewer::saveAsPdf(const QString &path) const
     printer.setOutputFileName(path);
     setUp(printer);
     try {
-        render(printer);
+        if (!render(printer)) {
+            QFile::remove(path);
+            return Saved::Cancelled;
+        }
     } catch (const AppError &) {
-        return false;
+        return Saved::No;
     }
-    return QFileInfo(path).size() > 0;
+    return QFileInfo(path).size() > 0 ? Saved::Yes : Saved::No;
 }
 
 void frmReportViewer::cmdPrint_Click()
@@ -164,6 +188,6 @@ void frmReportViewer::cmdSavePdf_Click()
         return;
     if (!file.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive))
         file += QStringLiteral(".pdf");
-    if (!saveAsPdf(file))
+    if (saveAsPdf(file) == Saved::No)
         UserMessage(QStringLiteral("The report could not be saved to ") + file);
 }

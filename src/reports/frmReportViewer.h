@@ -10,6 +10,7 @@ namespace Ui {
 class frmReportViewer;
 }
 class QPrinter;
+class TaskProgress;
 class ReportPageView;
 
 /// The report viewer: the report's pages as they will print, drawn one at a time as they are
@@ -21,10 +22,11 @@ public:
     frmReportViewer(const PagedDocument &report, QWidget *parent = nullptr);
     ~frmReportViewer() override;
 
-    /// Writes the whole report as a PDF file; false when the file cannot be written.
-    bool saveAsPdf(const QString &path) const;
-    /// Draws every page onto printer.
-    void render(QPrinter &printer) const;
+    enum class Saved { Yes, No, Cancelled };
+    /// Writes the whole report as a PDF file, page by page with progress; a cancelled file is removed.
+    Saved saveAsPdf(const QString &path);
+    /// Draws every page onto printer (off the GUI thread where the document allows); false when cancelled.
+    bool render(QPrinter &printer);
     int pageCount() const;
 
 public Q_SLOTS:
@@ -33,6 +35,7 @@ public Q_SLOTS:
 
 private:
     void showPageNumber();
+    void renderPages(QPrinter &printer, TaskProgress &progress) const;
 
     std::unique_ptr<Ui::frmReportViewer> ui;
     const PagedDocument &report_;

@@ -10,6 +10,7 @@
 #include "StocktakeReport.h"
 #include "ErrorReport.h"
 #include "DatabaseLocations.h"
+#include "TaskRunner.h"
 #include "frmReportViewer.h"
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
@@ -239,7 +240,10 @@ void frmStocktake::cmdReturn_Click()
 std::optional<Stocktake::Result> frmStocktake::result()
 {
     std::optional<Stocktake::Result> r;
-    Trap(Location, QStringLiteral("Result"), [&] { r = stocktake_->result(); });
+    Trap(Location, QStringLiteral("Result"), [&] {
+        r = TaskRunner(this, QStringLiteral("Comparing the scans with the catalogue..."), TaskRunner::Cancel::Yes)
+                .compute<Stocktake::Result>([&](TaskProgress &) { return stocktake_->result(); });
+    });
     return r;
 }
 
@@ -302,7 +306,9 @@ void frmStocktake::cmdMarkLost_Click()
                           .arg(stocktake_->startDate().toString(Qt::ISODate))))
         return;
     int marked = 0;
-    if (Trap(Location, QStringLiteral("cmdMarkLost_Click"), [&] { marked = stocktake_->markMissingLost(); }))
+    if (Trap(Location, QStringLiteral("cmdMarkLost_Click"), [&] {
+            TaskRunner(this, QStringLiteral("Marking the missing copies as lost...")).run([&](TaskProgress &) { marked = stocktake_->markMissingLost(); });
+        }))
         UserMessage(QStringLiteral("%1 copies have been marked as lost.").arg(marked));
     showCounts();
 }

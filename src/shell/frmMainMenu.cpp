@@ -9,6 +9,7 @@
 #include "Recordset.h"
 #include "SchemaUpgrade.h"
 #include "ScreenRegistry.h"
+#include "TaskRunner.h"
 #include "SchoolDatabase.h"
 #include "SettingsStore.h"
 #include "ErrorReport.h"
@@ -310,7 +311,9 @@ void frmMainMenu::cmdCompact_Click()
         // A server database is not a file to copy: the server reclaims space and refreshes its statistics in place.
         if (!engine.isFile()) {
             data_.CloseCompact();
-            engine.compact(LibraryDatabasePath, QString());
+            TaskRunner(this, QStringLiteral("Compacting the library database...")).run([&](TaskProgress &) {
+                engine.compact(LibraryDatabasePath, QString());
+            });
             UserMessage(QStringLiteral("The library database on the server has been compacted (VACUUM ANALYZE): free space is reused "
                                        "and the server's statistics are up to date."));
             return;
@@ -322,7 +325,15 @@ void frmMainMenu::cmdCompact_Click()
         QDir(work).removeRecursively();
         QDir().mkpath(work);
         const QString copy = QDir(work).filePath(QStringLiteral("copy.mdb"));
-        const Engine::Compaction sizes = engine.compact(LibraryDatabasePath, copy);
+        // The copy is written beside the library; until the librarian says to use it nothing has changed.
+        Engine::Compaction sizes;
+        if (!TaskRunner(this, QStringLiteral("Compacting the library database..."), TaskRunner::Cancel::Yes).run([&](TaskProgress &progress) {
+                sizes = engine.compact(LibraryDatabasePath, copy);
+                progress.check();
+            })) {
+            QDir(work).removeRecursively();
+            return;
+        }
         const bool useCopy = UserQuestion(QStringLiteral("Your database has been compacted from ")
                                           + NumberText(double(Engine::Compaction::kilobytes(sizes.before))) + QStringLiteral("kb to ")
                                           + NumberText(double(Engine::Compaction::kilobytes(sizes.after))) + QStringLiteral("kb")

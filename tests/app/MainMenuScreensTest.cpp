@@ -1,5 +1,6 @@
 // Every button of the main menu opens a screen that is registered: a dropped registration would
 // otherwise fall back to "not part of this version" without anybody noticing.
+#include "ScreenDriver.h"
 #include "CatalogueScreens.h"
 #include "CirculationScreens.h"
 #include "MemberScreens.h"
@@ -9,6 +10,7 @@
 #include "TestDatabases.h"
 #include "frmMainMenu.h"
 
+#include <QDialog>
 #include <QApplication>
 #include <QGroupBox>
 #include <QPushButton>
@@ -39,11 +41,9 @@ TEST_F(MainMenuScreens, EveryMenuButtonOpensARegisteredScreen)
         for (QPushButton *button : box->findChildren<QPushButton *>()) {
             ++buttons;
             QString opened;
-            QTimer::singleShot(0, &menu, [&] {
-                if (QWidget *modal = QApplication::activeModalWidget()) {
-                    opened = QString::fromLatin1(modal->metaObject()->className());
-                    modal->close();
-                }
+            const auto watch = ScreenDriver::whenModal<QDialog>([&](QDialog *modal) {
+                opened = QString::fromLatin1(modal->metaObject()->className());
+                modal->close();
             });
             button->click();
             EXPECT_TRUE(opened.startsWith("frm") || opened.startsWith("Frm")) << button->text().toStdString() << " opened " << opened.toStdString();

@@ -77,15 +77,13 @@ protected:
     QStringList view(frmLibraryReport &screen, const QString &pdf = QString())
     {
         int pages = -1;
-        QObject scope; // when no viewer opens (an error), the pending check dies with this call
-        QTimer::singleShot(0, &scope, [&] {
-            if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
-                pages = viewer->pageCount();
-                if (!pdf.isEmpty()) {
-                    EXPECT_TRUE(viewer->saveAsPdf(pdf));
-                }
-                viewer->close();
+        // When no viewer opens (an error), the watch ends with this call.
+        const auto watch = ScreenDriver::whenModal<frmReportViewer>([&](frmReportViewer *viewer) {
+            pages = viewer->pageCount();
+            if (!pdf.isEmpty()) {
+                EXPECT_EQ(viewer->saveAsPdf(pdf), frmReportViewer::Saved::Yes);
             }
+            viewer->close();
         });
         click(screen, "cmdView");
         viewerPages_ = pages;

@@ -112,13 +112,10 @@ TEST_F(StocktakeScreen, ScansAreShownCountedAndKeptUntilTheStocktakeIsFinished)
               (QStringList{"S2|Lost", "S4|Lost"}));
 
     int pages = -1;
-    QObject scope;
-    QTimer::singleShot(0, &scope, [&] {
-        if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
-            pages = viewer->pageCount();
-            EXPECT_TRUE(viewer->saveAsPdf(path("stocktake.pdf")));
-            viewer->close();
-        }
+    const auto watch = whenModal<frmReportViewer>([&](frmReportViewer *viewer) {
+        pages = viewer->pageCount();
+        EXPECT_EQ(viewer->saveAsPdf(path("stocktake.pdf")), frmReportViewer::Saved::Yes);
+        viewer->close();
     });
     messages_->queueAnswer(MessageScript::Yes);
     click(screen, "cmdFinish");
@@ -162,11 +159,7 @@ TEST_F(StocktakeScreen, AResumedStocktakeKeepsEveryScanAndAFinishedOneItsResult)
     EXPECT_EQ(label(screen, "lblCount"), "Scanned 3 of 4");
     EXPECT_EQ(libraryValue("select count(*) from tblLibStocktakeScans where AccessionID in ('S1', 'S2')"), "2");
 
-    QObject scope;
-    QTimer::singleShot(0, &scope, [&] {
-        if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget()))
-            viewer->close();
-    });
+    const auto watch = whenModal<frmReportViewer>([](frmReportViewer *viewer) { viewer->close(); });
     messages_->queueAnswer(MessageScript::Yes);
     click(screen, "cmdFinish");
     EXPECT_TRUE(child<QPushButton>(screen, "cmdExport")->isEnabled());

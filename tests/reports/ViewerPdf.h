@@ -3,8 +3,6 @@
 #include "ScreenDriver.h"
 #include "frmReportViewer.h"
 
-#include <QApplication>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -13,13 +11,10 @@
 inline int ViewPdf(QWidget &screen, const char *button, const QString &pdf)
 {
     int pages = -1;
-    QObject scope;
-    QTimer::singleShot(0, &scope, [&] {
-        if (auto *viewer = qobject_cast<frmReportViewer *>(QApplication::activeModalWidget())) {
-            pages = viewer->pageCount();
-            EXPECT_TRUE(viewer->saveAsPdf(pdf));
-            viewer->close();
-        }
+    const auto watch = ScreenDriver::whenModal<frmReportViewer>([&](frmReportViewer *viewer) {
+        pages = viewer->pageCount();
+        EXPECT_EQ(viewer->saveAsPdf(pdf), frmReportViewer::Saved::Yes);
+        viewer->close();
     });
     ScreenDriver::click(screen, button);
     return pages;

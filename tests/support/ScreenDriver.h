@@ -3,15 +3,19 @@
 #include "SpreadGrid.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QFontMetricsF>
 #include <QHeaderView>
 #include <QTableView>
 #include <QLineEdit>
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -24,6 +28,24 @@ template <typename T> T *child(QWidget &screen, const char *name)
     T *widget = screen.findChild<T *>(QLatin1String(name));
     EXPECT_NE(widget, nullptr) << name;
     return widget;
+}
+
+/// Acts once on the first modal window of type T that is open while the returned watch lives
+/// (the report viewer a button opens, after any long work's progress dialog has come and gone).
+template <typename T> std::unique_ptr<QTimer> whenModal(std::function<void(T *)> act)
+{
+    auto watch = std::make_unique<QTimer>();
+    watch->setInterval(5);
+    QTimer *self = watch.get();
+    QObject::connect(self, &QTimer::timeout, [self, act = std::move(act)] {
+        auto *modal = qobject_cast<T *>(QApplication::activeModalWidget());
+        if (modal && modal->objectName() != QLatin1String("TaskProgressDialog")) {
+            self->stop();
+            act(modal);
+        }
+    });
+    watch->start();
+    return watch;
 }
 
 inline void type(QWidget &screen, const char *box, const QString &text) { child<QLineEdit>(screen, box)->setText(text); }
