@@ -100,8 +100,8 @@ bool TaskRunner::run(const std::function<void(TaskProgress &)> &work)
     clock.start();
     QTimer poll;
     poll.setInterval(40);
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (!dialog && clock.elapsed() >= DialogDelayMs) {
+    const auto showProgress = [&] {
+        if (!dialog && clock.elapsed() >= dialogDelayMs) {
             dialog = new QProgressDialog(label_, cancel_ == Cancel::Yes ? QApplication::translate("TaskRunner", "Cancel") : QString(), 0, 0,
                                          owner_);
             dialog->setObjectName(QStringLiteral("TaskProgressDialog"));
@@ -122,9 +122,11 @@ bool TaskRunner::run(const std::function<void(TaskProgress &)> &work)
             if (progress.maximum() > 0)
                 dialog->setValue(qMin(progress.value(), progress.maximum()));
         }
-    });
+    };
+    QObject::connect(&poll, &QTimer::timeout, showProgress);
     poll.start();
     worker->start();
+    showProgress();
     loop.exec();
     worker->wait();
     poll.stop();

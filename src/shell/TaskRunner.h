@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -14,7 +15,7 @@ class QWidget;
 /// Runs a screen's long work on a worker thread. The call waits for the result, but the
 /// event loop turns meanwhile: the window repaints, timers fire, a wait cursor shows at
 /// once and a progress dialog (with Cancel where stopping is safe) once the work has
-/// taken longer than DialogDelayMs. The librarian's clicks and keys meant for any other
+/// taken longer than dialogDelayMs (half a second). The librarian's clicks and keys meant for any other
 /// window are held back while it runs, so a second click on the same button does nothing.
 ///
 /// The work must not touch widgets or this thread's open recordsets; it opens its own
@@ -23,7 +24,8 @@ class QWidget;
 class TaskRunner {
 public:
     enum class Cancel { No, Yes };
-    static constexpr int DialogDelayMs = 500;
+    /// How long work runs before the progress dialog shows (tests shorten it to see the dialog at once).
+    static inline std::atomic<int> dialogDelayMs{500};
 
     TaskRunner(QWidget *owner, QString label, Cancel cancel = Cancel::No);
 
