@@ -1,6 +1,8 @@
 #include "NoticesBench.h"
 
 #include "BenchTimer.h"
+#include "GuiStall.h"
+#include "TaskRunner.h"
 #include "Clock.h"
 #include "NoticeDocument.h"
 #include "OverdueList.h"
@@ -48,29 +50,34 @@ void benchOverdueNotices()
     QTemporaryDir dir;
     frmReportViewer viewer(letters);
     Samples pdf;
+    GuiStall pdfStall;
     for (int run = 0; run < 3; ++run)
-        pdf.time([&] { viewer.saveAsPdf(dir.filePath(QStringLiteral("letters.pdf"))); });
+        pdf.time([&] { pdfStall.time([&] { viewer.saveAsPdf(dir.filePath(QStringLiteral("letters.pdf"))); }); });
     std::printf("  %zu letters (%d pages)\n", taken.size(), viewer.pageCount());
     pdf.report("letters to parents to PDF");
+    pdfStall.report("Letters to PDF");
 }
 
 void benchLibraryStatistics()
 {
     std::printf("Library statistics (the last twelve months, every chart and table filled)\n");
     Samples open, show;
+    GuiStall openStall, showStall;
     for (int run = 0; run < 5; ++run) {
         std::unique_ptr<frmLibraryStatistics> screen;
-        open.time([&] { screen = std::make_unique<frmLibraryStatistics>(); });
+        open.time([&] { openStall.time([&] { screen = std::make_unique<frmLibraryStatistics>(); }); });
         screen->show();
         QApplication::processEvents();
         auto *button = screen->findChild<QAbstractButton *>(QStringLiteral("cmdShow"));
         show.time([&] {
-            button->click();
+            showStall.time([&] { button->click(); });
             QApplication::processEvents();
         });
     }
     open.report("screen opened with its figures and charts");
     show.report("\"Show\" pressed to charts drawn");
+    openStall.report("Library Statistics opened");
+    showStall.report("Library Statistics Show");
 }
 
 void benchStocktake()
@@ -94,10 +101,15 @@ void benchStocktake()
     std::printf("  %d of %d copies scanned\n", scanned, expected);
     scans.report("scan recorded, counts updated");
     Samples result;
+    GuiStall resultStall;
     Stocktake::Result r;
     for (int run = 0; run < 5; ++run)
-        result.time([&] { r = take.result(); });
+        result.time([&] {
+            // As the stocktake screen asks for it: on the worker thread.
+            resultStall.time([&] { r = *TaskRunner(nullptr, QStringLiteral("Result")).compute<Stocktake::Result>([&](TaskProgress &) { return take.result(); }); });
+        });
     std::printf("  missing %zu, on loan %zu, removed %zu\n", r.missing.size(), r.onLoan.size(), r.phasedOut.size());
     result.report("the result (every list)");
+    resultStall.report("Stocktake result");
     take.finish();
 }

@@ -7,6 +7,7 @@
 #include "frmLabelList.h"
 #include "frmQuickFind.h"
 #include "frmReferenceList.h"
+#include "frmStocktake.h"
 
 namespace {
 template <typename Screen> void add(ScreenRegistry &screens, const char *name)
@@ -23,6 +24,7 @@ void registerCatalogueScreens(ScreenRegistry &screens, SettingsStore &settings)
     });
     screens.add(QStringLiteral("frmLabelList"), [&settings](QWidget *parent) { return new frmLabelList(settings, parent); });
     add<frmCategories>(screens, "frmCategories");
+    add<frmStocktake>(screens, "frmStocktake");
     add<frmQuickFind>(screens, "frmQuickFind");
     add<frmSeries>(screens, "frmSeries");
     add<frmPublisher>(screens, "frmPublisher");

@@ -9,7 +9,7 @@
 namespace {
 
 // Opens the location read-only; the reason in plain words when it cannot.
-QString openFor(DbConnection &db, const QString &location)
+QString openingRefusal(DbConnection &db, const QString &location)
 {
     if (location.trimmed().isEmpty())
         return QStringLiteral("No database is chosen.");
@@ -42,7 +42,7 @@ QString DatabaseCheck::notALibraryText() { return QStringLiteral("The database y
 QString DatabaseCheck::library(const QString &location)
 {
     DbConnection db;
-    QString refusal = openFor(db, location);
+    QString refusal = openingRefusal(db, location);
     if (refusal.isEmpty()) {
         if (holds(db, "Learner_Info"))
             refusal = QStringLiteral("%1 is the school administration database; choose the library database here.").arg(location);
@@ -58,7 +58,7 @@ QString DatabaseCheck::library(const QString &location)
 QString DatabaseCheck::school(const QString &location)
 {
     DbConnection db;
-    QString refusal = openFor(db, location);
+    QString refusal = openingRefusal(db, location);
     if (refusal.isEmpty() && !holds(db, "Learner_Info"))
         refusal = holds(db, "tblLibItems") ? QStringLiteral("%1 is the library database; choose the school administration database here.").arg(location)
                                            : QStringLiteral("%1 is not a school administration database (it has no learners).").arg(location);
