@@ -7,7 +7,6 @@ namespace {
 
 QString n(qint64 v) { return QString::number(v); }
 QString n(double v) { return QString::number(v, 'g', 15); }
-QString jetDate(const QDate &d) { return QLatin1Char('#') + d.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char('#'); }
 QString jetBool(bool b) { return b ? QStringLiteral("True") : QStringLiteral("False"); }
 
 // A classification number goes in bare when it is a number (the column converts it),
@@ -81,7 +80,7 @@ QString itemColumnValues(const ItemDetails &it)
            + QLatin1Char(',') + n(qint64(it.itemLanguageID)) + QStringLiteral(",'") + Safesql(it.isbn) + QStringLiteral("','")
            + Safesql(it.barcode) + QStringLiteral("',") + n(qint64(it.seriesID)) + QLatin1Char(',') + n(it.cost) + QLatin1Char(',')
            + jetBool(it.referenceItem) + QLatin1Char(',')
-           + (it.datePurchased.isValid() ? jetDate(it.datePurchased) : QStringLiteral("Null"));
+           + (it.datePurchased.isValid() ? JetDate(it.datePurchased) : QStringLiteral("Null"));
 }
 
 } // namespace
@@ -278,7 +277,7 @@ QString clsTSQL::spItemsInsert(const ItemDetails &item) const
     return QStringLiteral(" Insert into tblLibItems (AccessionID, CategoryID, SubCategoryID, ClassificationNo, Mainsubject, Title, ByLine, "
                           "Author1, Author2, Author3, Publisher, YearPublished, ItemLanguageID, ISBN, Barcode, SeriesID, Cost, ReferenceItem, "
                           "DatePurchased, DateAdded, Restricted, LoanType, shelfnumber, Edition)")
-           + QStringLiteral(" Values (") + itemColumnValues(item) + QLatin1Char(',') + jetDate(Clock::today())
+           + QStringLiteral(" Values (") + itemColumnValues(item) + QLatin1Char(',') + JetDate(Clock::today())
            + QStringLiteral(",false,'N','") + Safesql(item.shelfNumber) + QStringLiteral("',") + n(qint64(item.edition))
            + QStringLiteral(")");
 }
@@ -313,7 +312,7 @@ QString clsTSQL::spItemsUpdate(int itemID, const ItemDetails &it) const
            + QStringLiteral(", ItemLanguageID = ") + n(qint64(it.itemLanguageID)) + QStringLiteral(", ISBN = '") + Safesql(it.isbn)
            + QStringLiteral("', Barcode = '") + Safesql(it.barcode) + QStringLiteral("', SeriesID = ") + n(qint64(it.seriesID))
            + QStringLiteral(", Cost = ") + n(it.cost) + QStringLiteral(", ReferenceItem = ") + jetBool(it.referenceItem)
-           + QStringLiteral(", DatePurchased = ") + (it.datePurchased.isValid() ? jetDate(it.datePurchased) : QStringLiteral("Null"))
+           + QStringLiteral(", DatePurchased = ") + (it.datePurchased.isValid() ? JetDate(it.datePurchased) : QStringLiteral("Null"))
            + QStringLiteral(", ShelfNumber = '") + Safesql(it.shelfNumber) + QStringLiteral("', Edition = ") + n(qint64(it.edition))
            + QStringLiteral(", PhasedOut = False, PhasedOutDate = Null, PhasedOutReason = Null") + QStringLiteral(" Where ItemID = ")
            + n(qint64(itemID));
@@ -328,7 +327,7 @@ QString clsTSQL::spItemsUpdateRole(int itemID, bool restricted, const QString &l
 QString clsTSQL::spItemsPhasedOut(int itemID, const QDate &date, const QString &reason) const
 {
     return QStringLiteral(" Update tblLibItems") + QStringLiteral(" Set PhasedOut = true") + QStringLiteral(" ,PhasedOutDate = ")
-           + jetDate(date) + QStringLiteral(" ,PhasedOutReason = '") + reason + QStringLiteral("'") + QStringLiteral(" Where ItemID = ")
+           + JetDate(date) + QStringLiteral(" ,PhasedOutReason = '") + reason + QStringLiteral("'") + QStringLiteral(" Where ItemID = ")
            + n(qint64(itemID));
 }
 
@@ -432,7 +431,7 @@ QString clsTSQL::spTransactionInsert(int memberTypeID, int memberID, int itemID,
 {
     return QStringLiteral(" Insert into tblLibTransactions (MemberTypeID, MemberID, ItemID, IssueDate, ReturnDate, Returned)")
            + QStringLiteral(" Values (") + n(qint64(memberTypeID)) + QLatin1Char(',') + n(qint64(memberID)) + QLatin1Char(',')
-           + n(qint64(itemID)) + QLatin1Char(',') + jetDate(issueDate) + QLatin1Char(',') + jetDate(returnDate) + QStringLiteral(",false)");
+           + n(qint64(itemID)) + QLatin1Char(',') + JetDate(issueDate) + QLatin1Char(',') + JetDate(returnDate) + QStringLiteral(",false)");
 }
 
 QString clsTSQL::spTransactionUpdate(const QString &accessionID, const QDate &returnedDate) const
@@ -445,7 +444,7 @@ QString clsTSQL::spTransactionUpdate(const QString &accessionID, const QDate &re
 
 QString clsTSQL::spTransactionReturn(int transactionID, const QDate &returnedDate, double fine) const
 {
-    return QStringLiteral(" Update tblLibTransactions Set ActualReturnedDate = ") + jetDate(returnedDate) + QStringLiteral(", Fine = ")
+    return QStringLiteral(" Update tblLibTransactions Set ActualReturnedDate = ") + JetDate(returnedDate) + QStringLiteral(", Fine = ")
            + n(fine) + QStringLiteral(", Returned = true Where TransactionID = ") + n(qint64(transactionID));
 }
 
@@ -485,7 +484,7 @@ QString clsTSQL::spReservedInsert(int memberTypeID, int memberID, int itemID, co
 {
     return QStringLiteral(" Insert into tblLibReserves (MemberTypeID, MemberID, ItemID, ReserveDate, FromDate, ToDate, Collected, Canceled)")
            + QStringLiteral(" Values (") + n(qint64(memberTypeID)) + QLatin1Char(',') + n(qint64(memberID)) + QLatin1Char(',')
-           + n(qint64(itemID)) + QStringLiteral(",Date(),") + jetDate(fromDate) + QLatin1Char(',') + jetDate(toDate)
+           + n(qint64(itemID)) + QStringLiteral(",Date(),") + JetDate(fromDate) + QLatin1Char(',') + JetDate(toDate)
            + QStringLiteral(",false,false)");
 }
 
@@ -509,20 +508,20 @@ QString clsTSQL::spFinesGetRecord(int fineID) const { return FineColumns + QStri
 
 QString clsTSQL::spFinesSearch(const QDate &effectiveDate) const
 {
-    return FineColumns + QStringLiteral(" where PhasedOut = false and EffectiveDate >= ") + jetDate(effectiveDate)
+    return FineColumns + QStringLiteral(" where PhasedOut = false and EffectiveDate >= ") + JetDate(effectiveDate)
            + QStringLiteral(" order by EffectiveDate desc");
 }
 
 QString clsTSQL::spFinesInsert(double amount, int interval, const QDate &effectiveDate) const
 {
     return QStringLiteral(" Insert into tblLibFines (FineAmount, FineInterval, FineDate, EffectiveDate, PhasedOut) Values (") + n(amount)
-           + QLatin1Char(',') + n(qint64(interval)) + QStringLiteral(",Date(),") + jetDate(effectiveDate) + QStringLiteral(",false)");
+           + QLatin1Char(',') + n(qint64(interval)) + QStringLiteral(",Date(),") + JetDate(effectiveDate) + QStringLiteral(",false)");
 }
 
 QString clsTSQL::spFinesUpdate(int fineID, double amount, int interval, const QDate &effectiveDate) const
 {
     return QStringLiteral(" Update tblLibFines Set FineAmount = ") + n(amount) + QStringLiteral(", FineInterval = ") + n(qint64(interval))
-           + QStringLiteral(", EffectiveDate = ") + jetDate(effectiveDate) + QStringLiteral(" Where FineID = ") + n(qint64(fineID));
+           + QStringLiteral(", EffectiveDate = ") + JetDate(effectiveDate) + QStringLiteral(" Where FineID = ") + n(qint64(fineID));
 }
 
 QString clsTSQL::spFinesPhaseOut(int fineID) const

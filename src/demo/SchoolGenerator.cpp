@@ -66,7 +66,6 @@ const char *const Series[] = {"Young Explorers", "Jong Lesers", "Science Today",
 const char *const Languages[] = {"English", "Afrikaans", "isiZulu", "Sesotho"};
 
 QString q(const QString &text) { return QLatin1Char('\'') + Safesql(text) + QLatin1Char('\''); }
-QString d(const QDate &date) { return QLatin1Char('#') + date.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char('#'); }
 QString money(double v) { return QString::number(v, 'f', 2); }
 
 // Runs many statements in transactions of bounded size, so a large school is written quickly.
@@ -163,7 +162,7 @@ void SchoolGenerator::writeCentral(const QString &path, const QString &photoFold
                      q(isArchived ? QStringLiteral("A") : QStringLiteral("C")))
                 .arg(isFlagged ? 0 : 1)
                 .arg(isArchived ? QString::number(1 + pick(3)) : QStringLiteral("Null"))
-                .arg(q(QStringLiteral("%1").arg(100000000 + i)), d(admitted)));
+                .arg(q(QStringLiteral("%1").arg(100000000 + i)), JetDate(admitted)));
         if (hasPhoto) {
             QImage image(96, 120, QImage::Format_RGB32);
             image.fill(QColor::fromHsv(int((i * 47) % 360), 90, 200));
@@ -209,7 +208,7 @@ void SchoolGenerator::writeLibrary(const QString &path)
                                     QStringLiteral("Periodicals"), QStringLiteral("Audio-Visual"), QStringLiteral("Slides")};
     for (const QString &c : categories)
         run(QStringLiteral("Insert into tblLibCategories(Category) values (%1)").arg(q(c)));
-    run(QStringLiteral("Update tblLibCategories set PhasedOut = true, PhasedOutDate = %1 where Category = 'Slides'").arg(d(today.addYears(-3))));
+    run(QStringLiteral("Update tblLibCategories set PhasedOut = true, PhasedOutDate = %1 where Category = 'Slides'").arg(JetDate(today.addYears(-3))));
     const std::vector<std::pair<int, QString>> subCategories = {
         {1, QStringLiteral("Fiction")},          {1, QStringLiteral("Teen Fiction")},  {1, QStringLiteral("Afrikaanse Fiksie")},
         {1, QStringLiteral("Picture Books")},    {2, QStringLiteral("Science")},       {2, QStringLiteral("History")},
@@ -218,7 +217,7 @@ void SchoolGenerator::writeLibrary(const QString &path)
         {5, QStringLiteral("DVDs")},             {5, QStringLiteral("Audio Books")},   {6, QStringLiteral("Film Slides")}};
     for (const auto &[category, name] : subCategories)
         run(QStringLiteral("Insert into tblLibSubCategories(CategoryID, SubCategory) values (%1, %2)").arg(category).arg(q(name)));
-    run(QStringLiteral("Update tblLibSubCategories set PhasedOut = true, PhasedOutDate = %1 where CategoryID = 6").arg(d(today.addYears(-3))));
+    run(QStringLiteral("Update tblLibSubCategories set PhasedOut = true, PhasedOutDate = %1 where CategoryID = 6").arg(JetDate(today.addYears(-3))));
 
     for (const Subject &s : Subjects)
         run(QStringLiteral("Insert into tblLibSubjectCodes(SubjectDescription, ClassificationNo, strSubject) values (%1, %2, %1)")
@@ -302,12 +301,12 @@ void SchoolGenerator::writeLibrary(const QString &path)
                     .arg(q(isbn), q(accession))
                     .arg(series)
                     .arg(money(60 + pick(400) + pick(100) / 100.0))
-                    .arg(reference ? QStringLiteral("true") : QStringLiteral("false"), d(purchased), d(purchased.addDays(pick(20))),
+                    .arg(reference ? QStringLiteral("true") : QStringLiteral("false"), JetDate(purchased), JetDate(purchased.addDays(pick(20))),
                          restricted ? QStringLiteral("true") : QStringLiteral("false"), q(loanType),
                          q(QStringLiteral("%1 %2").arg(QString::fromUtf8(subject.classification), titleText.mid(4, 3).toUpper())))
                     .arg(1 + (title % 13 == 0 ? 1 : 0))
                     .arg(phasedOut ? QStringLiteral("true") : QStringLiteral("false"),
-                         phasedOut ? d(today.addDays(-pick(700))) : QStringLiteral("Null"),
+                         phasedOut ? JetDate(today.addDays(-pick(700))) : QStringLiteral("Null"),
                          phasedOut ? q(QStringList{QStringLiteral("Lost"), QStringLiteral("Damaged"), QStringLiteral("Weed")}[pick(3)]) : QStringLiteral("Null")));
             run(QStringLiteral("Insert into tblLibItemSubjects(subjectid, itemid) values (%1, %2)").arg(int(&subject - Subjects) + 1).arg(itemID));
             if (itemID % 3 != 0) {
@@ -361,17 +360,17 @@ void SchoolGenerator::writeLibrary(const QString &path)
         const int extensions = pick(10) == 0 ? 1 : 0;
         run(QStringLiteral("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate, ReturnDate, Returned, Extensions) "
                            "values (%1, %2, %3, %4, %5, %6, %7, true, %8)")
-                .arg(q(c.accession), q(m.type)).arg(m.id).arg(c.itemID).arg(d(issued), d(due), d(returned)).arg(extensions));
+                .arg(q(c.accession), q(m.type)).arg(m.id).arg(c.itemID).arg(JetDate(issued), JetDate(due), JetDate(returned)).arg(extensions));
         ++transaction;
         if (lateness > 0) {
             const double fine = 0.50 * ((lateness + 6) / 7);
             const int state = pick(10);
-            const QString payment = state < 6 ? QStringLiteral("%1, %2, false").arg(money(fine), d(std::min(today, returned.addDays(pick(30)))))
+            const QString payment = state < 6 ? QStringLiteral("%1, %2, false").arg(money(fine), JetDate(std::min(today, returned.addDays(pick(30)))))
                                     : state < 7 ? QStringLiteral("0, Null, true")
                                                 : QStringLiteral("0, Null, false");
             run(QStringLiteral("Insert into tblLibTransactionFines(TransactionID, MemberID, MemberType, FineAmount, DateFined, PaymentAmount, PaymentDate, FineCancelled) "
                                "values (%1, %2, %3, %4, %5, %6)")
-                    .arg(transaction).arg(m.id).arg(q(m.type)).arg(money(fine), d(returned), payment));
+                    .arg(transaction).arg(m.id).arg(q(m.type)).arg(money(fine), JetDate(returned), payment));
         }
     }
     // Open loans on distinct copies, a quarter of them overdue; some reserved by someone else.
@@ -385,14 +384,14 @@ void SchoolGenerator::writeLibrary(const QString &path)
         const QDate issued = today.addDays(overdue ? -20 - pick(40) : -pick(12));
         run(QStringLiteral("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate, Returned, Extensions) "
                            "values (%1, %2, %3, %4, %5, %6, false, %7)")
-                .arg(q(c.accession), q(m.type)).arg(m.id).arg(c.itemID).arg(d(issued), d(issued.addDays(14))).arg(pick(6) == 0 ? 1 : 0));
+                .arg(q(c.accession), q(m.type)).arg(m.id).arg(c.itemID).arg(JetDate(issued), JetDate(issued.addDays(14))).arg(pick(6) == 0 ? 1 : 0));
         onLoan.push_back(&c);
     }
     for (int r = 0; r < size_.reservations && !onLoan.empty(); ++r) {
         const Copy &c = *onLoan[size_t(pick(int(onLoan.size())))];
         const Member m = member();
         run(QStringLiteral("Insert into tblLibReserves(MemberType, MemberID, ItemID, ReserveDate, Canceled) values (%1, %2, %3, %4, %5)")
-                .arg(q(m.type)).arg(m.id).arg(c.itemID).arg(d(today.addDays(-pick(20))), r % 5 == 0 ? QStringLiteral("true") : QStringLiteral("false")));
+                .arg(q(m.type)).arg(m.id).arg(c.itemID).arg(JetDate(today.addDays(-pick(20))), r % 5 == 0 ? QStringLiteral("true") : QStringLiteral("false")));
     }
     run.finish();
 }

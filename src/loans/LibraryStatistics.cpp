@@ -1,4 +1,5 @@
 #include "LibraryStatistics.h"
+#include "SqlText.h"
 
 #include "DbConnection.h"
 #include "NaturalOrder.h"
@@ -12,7 +13,6 @@
 
 namespace {
 
-QString jetDate(const QDate &d) { return QLatin1Char('#') + d.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char('#'); }
 
 QString monthOf(const Field &year, const Field &month)
 {
@@ -46,7 +46,7 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to,
     std::map<QString, Month> months;
     for (QDate m(from.year(), from.month(), 1); m <= to; m = m.addMonths(1))
         months[m.toString(QStringLiteral("yyyy-MM"))].month = m.toString(QStringLiteral("yyyy-MM"));
-    const QString issued = QStringLiteral(" IssueDate >= ") + jetDate(from) + QStringLiteral(" and IssueDate < ") + jetDate(to.addDays(1));
+    const QString issued = QStringLiteral(" IssueDate >= ") + JetDate(from) + QStringLiteral(" and IssueDate < ") + JetDate(to.addDays(1));
     const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
     progress.setMaximum(int(months.size()) + 4);
 
@@ -60,8 +60,8 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to,
         auto rs = db->Execute(QStringLiteral("select sum(IIf(MemberType = 'L', 1, 0)) as l, sum(IIf(MemberType = 'E', 1, 0)) as e, "
                                              "sum(IIf(MemberType = 'S', 1, 0)) as s, sum(IIf((Returned = true and ReturnDate > DueDate) or "
                                              "(Returned = false and DueDate < ")
-                              + jetDate(to) + QStringLiteral("), 1, 0)) as late from tblLibTransactions where IssueDate >= ") + jetDate(start)
-                              + QStringLiteral(" and IssueDate < ") + jetDate(end));
+                              + JetDate(to) + QStringLiteral("), 1, 0)) as late from tblLibTransactions where IssueDate >= ") + JetDate(start)
+                              + QStringLiteral(" and IssueDate < ") + JetDate(end));
         Month &m = entry.second;
         const auto number = [&](int f) { return rs->atEnd() || rs->field(f).isNull() ? 0 : rs->field(f).toInt(); };
         m.learners = number(0);
@@ -72,7 +72,7 @@ LibraryStatistics LibraryStatistics::compute(const QDate &from, const QDate &to,
     progress.check();
     progress.advance();
     // Fines by the month of their own date: fined (charged, and cancelled when cancelled) and paid.
-    const QString range = QStringLiteral(" >= ") + jetDate(from) + QStringLiteral(" and %1 < ") + jetDate(to.addDays(1));
+    const QString range = QStringLiteral(" >= ") + JetDate(from) + QStringLiteral(" and %1 < ") + JetDate(to.addDays(1));
     auto f = db->Execute(QStringLiteral("select Year(DateFined) as y, Month(DateFined) as m, sum(FineAmount) as charged, "
                                         "sum(IIf(FineCancelled = true, FineAmount, 0)) as cancelled from tblLibTransactionFines where DateFined")
                          + range.arg(QStringLiteral("DateFined")) + QStringLiteral(" group by Year(DateFined), Month(DateFined)"));

@@ -12,8 +12,6 @@
 
 namespace {
 
-QString jetDate(const QDate &d) { return QLatin1Char('#') + d.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char('#'); }
-
 QString numberList(const std::vector<int> &numbers)
 {
     QStringList list;
@@ -73,7 +71,7 @@ Stocktake Stocktake::start(const QString &name, const QDate &startDate, const st
         if (!db->Execute(QStringLiteral("select StocktakeID from tblLibStocktakes where Finished = false"))->atEnd())
             throw AppError(AppError::ProviderError, QStringLiteral("Another stocktake is still open: finish it first."));
         s.id_ = int(db->ExecuteInsert(QStringLiteral("Insert into tblLibStocktakes (StocktakeName, StartDate, Categories, SubCategories) Values ('")
-                                          + Safesql(s.name_) + QStringLiteral("', ") + jetDate(startDate) + QStringLiteral(", '") + s.categories_
+                                          + Safesql(s.name_) + QStringLiteral("', ") + JetDate(startDate) + QStringLiteral(", '") + s.categories_
                                           + QStringLiteral("', '") + s.subCategories_ + QStringLiteral("')"),
                                       QStringLiteral("StocktakeID")));
         return true;
@@ -167,7 +165,7 @@ Stocktake::Scan Stocktake::scan(const QString &typed)
     try {
         db->Execute(QStringLiteral("Insert into tblLibStocktakeScans (StocktakeID, AccessionID, ItemID, ScannedAt, Outcome) Values (")
                     + QString::number(id_) + QStringLiteral(", '") + Safesql(accession.left(50)) + QStringLiteral("', ") + itemID
-                    + QStringLiteral(", ") + jetDate(Clock::today()) + QStringLiteral(", '") + QLatin1Char(codes[int(outcome)])
+                    + QStringLiteral(", ") + JetDate(Clock::today()) + QStringLiteral(", '") + QLatin1Char(codes[int(outcome)])
                     + QStringLiteral("')"));
     } catch (const AppError &e) {
         if (e.cause() == AppError::Cause::Duplicate)
@@ -242,7 +240,7 @@ void Stocktake::finish()
     // The result is kept as it stands: the missing copies as rows of their own, and the counts.
     db->RunTransaction([&] {
         db->Execute(QStringLiteral("Insert into tblLibStocktakeScans (StocktakeID, AccessionID, ItemID, ScannedAt, Outcome) select ") + id
-                    + QStringLiteral(", i.AccessionID, min(i.ItemID), ") + jetDate(Clock::today())
+                    + QStringLiteral(", i.AccessionID, min(i.ItemID), ") + JetDate(Clock::today())
                     + QStringLiteral(", 'M' from tblLibItems as i where ") + missingCondition(QStringLiteral("i"))
                     + QStringLiteral(" group by i.AccessionID"));
         db->Execute(QStringLiteral("Update tblLibStocktakes set Finished = true, ScannedCount = ") + QString::number(scanned_)
@@ -266,7 +264,7 @@ int Stocktake::markMissingLost()
     // One statement decides, inside the transaction, which copies are still missing: a copy lent,
     // scanned or removed by another desk since the result was shown is left as it is. A finished
     // stocktake marks only what its kept result lists.
-    QString lost = QStringLiteral(" Update tblLibItems Set PhasedOut = true ,PhasedOutDate = ") + jetDate(startDate_)
+    QString lost = QStringLiteral(" Update tblLibItems Set PhasedOut = true ,PhasedOutDate = ") + JetDate(startDate_)
                    + QStringLiteral(" ,PhasedOutReason = 'Lost' Where ") + missingCondition(QStringLiteral("tblLibItems"));
     if (finished_)
         lost += QStringLiteral(" and ItemID in (select ItemID from tblLibStocktakeScans where StocktakeID = ") + QString::number(id_)
