@@ -123,8 +123,9 @@ struct ListFields {
     int author1, author2, reference, restricted, cost;
 };
 
-// Writes every row of the result into the grid (result row r into grid row r + 1).
-void writeRows(SpreadGrid &grid, const Recordset &rs, const ListFields &f)
+// Writes every row of the result (result row r as grid row r + 1) through put(column, row, text).
+template <typename Put>
+void writeRows(const Recordset &rs, const ListFields &f, Put &&put)
 {
     std::string text;
     for (int r = 0; r < rs.RecordCount(); ++r) {
@@ -132,7 +133,7 @@ void writeRows(SpreadGrid &grid, const Recordset &rs, const ListFields &f)
         for (const auto &[column, field] : f.plain) {
             text.clear();
             rs.fieldAt(r, field).appendUtf8(&text);
-            grid.setCellUtf8(column, row, text);
+            put(column, row, text);
         }
         text.clear();
         rs.fieldAt(r, f.author1).appendUtf8(&text);
@@ -140,9 +141,9 @@ void writeRows(SpreadGrid &grid, const Recordset &rs, const ListFields &f)
             text += "; ";
             rs.fieldAt(r, f.author2).appendUtf8(&text);
         }
-        grid.setCellUtf8(4, row, text);
-        grid.setCellUtf8(6, row, rs.fieldAt(r, f.reference).toBool() ? "R" : "");
-        grid.setChecked(RestrictedColumn, row, rs.fieldAt(r, f.restricted).toBool());
+        put(4, row, text);
+        put(6, row, rs.fieldAt(r, f.reference).toBool() ? "R" : "");
+        put(RestrictedColumn, row, rs.fieldAt(r, f.restricted).toBool() ? "1" : "0");
     }
 }
 
@@ -152,47 +153,52 @@ void frmItemList::fill(const QString &sql)
 {
     listStatement_ = sql;
     SpreadGrid &grid = *ui->fpSpreadStock;
-    // A long list shows its first screenful while the rest is still being read.
+    // A long list shows its first screenful while the rest is still being read; the rest is laid out
+    // on the worker too, so the window only takes the finished columns.
     const int screenful = std::max(1, grid.view()->viewport()->height() / std::max(1, grid.view()->verticalHeader()->defaultSectionSize()) + 1);
-    std::shared_ptr<Recordset> result;
-    TaskRunner(this, QStringLiteral("Reading the catalogue...")).run([&](TaskProgress &) {
+    const int columns = grid.maxCols() + 1;
+    struct Read {
+        std::vector<std::vector<std::string>> cells;
+        int rows = 0;
+        Money total;
+        std::vector<Marks> marks;
+    };
+    auto read = TaskRunner(this, QStringLiteral("Reading the catalogue...")).compute<Read>([&](TaskProgress &) {
         clsDataObject reader;
         reader.GetData(sql + order_.clause(), screenful, [&grid](const Recordset &first) {
             TaskRunner::onGuiThread(&grid, [&] {
                 grid.beginFill();
                 grid.setMaxRows(0);
                 grid.setMaxRows(first.RecordCount());
-                writeRows(grid, first, ListFields(first));
+                writeRows(first, ListFields(first), [&grid](int col, int row, std::string_view text) { grid.setCellUtf8(col, row, text); });
                 grid.endFill();
                 if (grid.isVisible())
                     grid.view()->viewport()->repaint();
             });
         });
-        result = reader.rst;
-    });
-    if (!result)
-        return;
-    const Recordset &rs = *result;
-    const int rows = rs.RecordCount();
-    grid.beginFill();
-    grid.setMaxRows(0);
-    grid.setMaxRows(rows);
-    Money total;
-    shown_.clear();
-    if (rows > 0) {
+        const Recordset &rs = *reader.rst;
+        Read out;
+        out.rows = rs.RecordCount();
+        out.cells.assign(size_t(columns), std::vector<std::string>(size_t(out.rows) + 1));
+        if (out.rows == 0)
+            return out;
         const ListFields fields(rs);
-        writeRows(grid, rs, fields);
+        writeRows(rs, fields, [&out](int col, int row, std::string_view text) { out.cells[size_t(col)][size_t(row)] = std::string(text); });
         const int itemID = rs.fieldIndex(QStringLiteral("ItemID")), loanType = rs.fieldIndex(QStringLiteral("LoanType"));
-        shown_.reserve(size_t(rows));
-        for (int r = 0; r < rows; ++r) {
+        out.marks.reserve(size_t(out.rows));
+        for (int r = 0; r < out.rows; ++r) {
             if (!rs.fieldAt(r, fields.cost).isNull())
-                total += rs.fieldAt(r, fields.cost).toMoney();
-            shown_.push_back({rs.fieldAt(r, itemID).toInt(), rs.fieldAt(r, fields.restricted).toBool(), rs.fieldAt(r, loanType).toString()});
+                out.total += rs.fieldAt(r, fields.cost).toMoney();
+            out.marks.push_back({rs.fieldAt(r, itemID).toInt(), rs.fieldAt(r, fields.restricted).toBool(), rs.fieldAt(r, loanType).toString()});
         }
-    }
-    grid.endFill();
-    ui->txtTotalItems->setText(QString::number(rows));
-    ui->txtTotalCost->setText(total.toDisplayText());
+        return out;
+    });
+    if (!read)
+        return;
+    grid.takeRows(std::move(read->cells), read->rows);
+    shown_ = std::move(read->marks);
+    ui->txtTotalItems->setText(QString::number(read->rows));
+    ui->txtTotalCost->setText(read->total.toDisplayText());
 }
 
 void frmItemList::cmdSearch_Click()

@@ -413,6 +413,13 @@ void SpreadGrid::beginFill()
     model_->beginBulk();
 }
 
+void SpreadGrid::takeRows(std::vector<std::vector<std::string>> &&cells, int rows)
+{
+    beginFill();
+    model_->takeRows(std::move(cells), rows);
+    endFill();
+}
+
 void SpreadGrid::endFill()
 {
     model_->endBulk();

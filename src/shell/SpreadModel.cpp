@@ -61,6 +61,26 @@ void SpreadModel::setMaxRows(int rows)
     }
 }
 
+void SpreadModel::takeRows(std::vector<std::vector<std::string>> &&cells, int rows)
+{
+    rows = std::max(0, rows);
+    beginBulk();
+    for (size_t c = 0; c < columns_.size(); ++c) {
+        Column &column = columns_[c];
+        std::vector<std::string> taken;
+        if (c < cells.size())
+            taken.swap(cells[c]);
+        taken.resize(size_t(rows) + 1);
+        taken[0] = column.cells.empty() ? std::string() : std::move(column.cells[0]);
+        if (column.type == CellType::CheckBox)
+            for (size_t r = 1; r < taken.size(); ++r)
+                taken[r].assign(1, ticked(taken[r]) ? '1' : '0');
+        column.cells.swap(taken);
+    }
+    maxRows_ = rows;
+    endBulk();
+}
+
 void SpreadModel::setCellUtf8(int col, int row, std::string_view text)
 {
     if (col < 0 || col > maxCols_ || row < 0)

@@ -30,6 +30,9 @@ public:
 
     /// Rows past maxRows may be written; they are kept but not shown.
     void setCellUtf8(int col, int row, std::string_view text);
+    /// Takes whole columns written elsewhere (a long list prepared on a worker thread) as the grid's
+    /// rows 1..rows: cells[col][row], row 0 unused. Captions stay; ticks are read as setCellUtf8 reads them.
+    void takeRows(std::vector<std::vector<std::string>> &&cells, int rows);
     QString cellText(int col, int row) const;
     const std::string &cellUtf8(int col, int row) const;
 
