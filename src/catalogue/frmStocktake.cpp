@@ -185,12 +185,7 @@ void frmStocktake::cmdStart_Click()
 
 void frmStocktake::addScanRow(const QString &kind, const QString &accession, const QString &title)
 {
-    SpreadGrid &grid = *ui->gridScans;
-    const int row = grid.maxRows() + 1;
-    grid.setMaxRows(row);
-    grid.setCellText(1, row, kind);
-    grid.setCellText(2, row, accession);
-    grid.setCellText(3, row, title);
+    ui->gridScans->appendRow({kind, accession, title});
 }
 
 void frmStocktake::txtScan_Enter()
@@ -282,13 +277,8 @@ void frmStocktake::cmdExport_Click()
         {"Missing", &r->missing}, {"Scanned although removed", &r->phasedOut}, {"On loan", &r->onLoan},
         {"Unknown number", &r->unknown}, {"Outside the scope", &r->outside}};
     for (const auto &[kind, copies] : lists)
-        for (const Stocktake::Copy &c : *copies) {
-            const int row = sheet.maxRows() + 1;
-            sheet.setMaxRows(row);
-            sheet.setCellText(1, row, QString::fromLatin1(kind));
-            sheet.setCellText(2, row, c.accession);
-            sheet.setCellText(3, row, c.title);
-        }
+        for (const Stocktake::Copy &c : *copies)
+            sheet.appendRow({QString::fromLatin1(kind), c.accession, c.title});
     ExportGridToWorkbook(this, sheet, QStringLiteral("Stocktake"));
 }
 

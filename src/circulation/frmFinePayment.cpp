@@ -120,14 +120,7 @@ void frmFinePayment::GetTicked(int col, int row)
 
 void frmFinePayment::AddToProcessList(const QString &transactionID, const QString &accession, const QString &amount, bool cancel)
 {
-    SpreadGrid &grid = *ui->fpSpreadPayCancel;
-    const int row = grid.maxRows() + 1;
-    grid.setMaxRows(row);
-    grid.setCellText(0, row, transactionID);
-    grid.setCellText(1, row, accession);
-    grid.setCellText(2, row, amount);
-    grid.setCellText(3, row, SqlDate(Clock::today()));
-    grid.setCellText(4, row, cancel ? QStringLiteral("1") : QStringLiteral("0"));
+    ui->fpSpreadPayCancel->appendRow({transactionID, accession, amount, SqlDate(Clock::today()), cancel ? QStringLiteral("1") : QStringLiteral("0")}, 0);
     GetTotal();
 }
 

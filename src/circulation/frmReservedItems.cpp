@@ -103,16 +103,8 @@ void frmReservedItems::FindReservedItems(const QString &sql)
 void frmReservedItems::PopulateSpread(const QString &reserveID, const QString &accession, const QString &title, const QString &date,
                                       const QString &name, const QString &type)
 {
-    SpreadGrid &grid = *ui->fpSpreadReserves;
-    const int row = grid.maxRows() + 1;
-    grid.setMaxRows(row);
-    grid.setCellText(0, row, reserveID);
-    grid.setCellText(1, row, accession);
-    grid.setCellText(2, row, title);
-    grid.setCellText(3, row, date);
-    grid.setCellText(4, row, name);
-    grid.setCellText(5, row, type);
-    grid.setChecked(CancelColumn, row, false);
+    const int row = ui->fpSpreadReserves->appendRow({reserveID, accession, title, date, name, type}, 0);
+    ui->fpSpreadReserves->setChecked(CancelColumn, row, false);
 }
 
 void frmReservedItems::chCancelAll_Click()

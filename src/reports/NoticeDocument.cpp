@@ -84,18 +84,29 @@ std::vector<NoticeDocument::Page> NoticeDocument::layout(const QRectF &page, dou
     return pages;
 }
 
-int NoticeDocument::pageCount(const QRectF &page, double dpi) const { return int(layout(page, dpi).size()); }
+std::shared_ptr<const std::vector<NoticeDocument::Page>> NoticeDocument::pages(const QRectF &page, double dpi) const
+{
+    std::lock_guard lock(layoutMutex_);
+    if (!laidOut_ || laidOutPage_ != page || laidOutDpi_ != dpi) {
+        laidOut_ = std::make_shared<const std::vector<Page>>(layout(page, dpi));
+        laidOutPage_ = page;
+        laidOutDpi_ = dpi;
+    }
+    return laidOut_;
+}
+
+int NoticeDocument::pageCount(const QRectF &page, double dpi) const { return int(pages(page, dpi)->size()); }
 
 void NoticeDocument::paintPage(QPainter &painter, const QRectF &page, int pageNumber) const
 {
-    const std::vector<Page> pages = layout(page, painter.device()->logicalDpiY());
-    if (pageNumber < 1 || size_t(pageNumber) > pages.size())
+    const auto laidOut = pages(page, painter.device()->logicalDpiY());
+    if (pageNumber < 1 || size_t(pageNumber) > laidOut->size())
         return;
     painter.save();
     if (kind_ == ClassLists)
-        paintClassPage(painter, page, pages[size_t(pageNumber - 1)]);
+        paintClassPage(painter, page, (*laidOut)[size_t(pageNumber - 1)]);
     else
-        paintLetter(painter, page, pages[size_t(pageNumber - 1)]);
+        paintLetter(painter, page, (*laidOut)[size_t(pageNumber - 1)]);
     painter.restore();
 }
 

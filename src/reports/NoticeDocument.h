@@ -4,8 +4,11 @@
 #include "PagedDocument.h"
 
 #include <QDate>
+#include <QRectF>
 #include <QString>
 
+#include <memory>
+#include <mutex>
 #include <vector>
 
 /// The overdue notices drawn by Qt for the report viewer: class lists for the class teachers (one
@@ -39,6 +42,8 @@ private:
         int lastLine = 0;
     };
     std::vector<Page> layout(const QRectF &page, double dpi) const;
+    /// The layout for a page size and resolution, worked out once (every letter is measured for it).
+    std::shared_ptr<const std::vector<Page>> pages(const QRectF &page, double dpi) const;
     void paintClassPage(QPainter &painter, const QRectF &page, const Page &p) const;
     void paintLetter(QPainter &painter, const QRectF &page, const Page &p) const;
     /// A letter's text broken into the lines it is printed in, at the page's width and resolution.
@@ -51,4 +56,9 @@ private:
     QString wording_;
     std::vector<Group> classes_;
     std::vector<Group> learners_;
+    // The last layout asked for: the viewer and the PDF writer ask page by page, perhaps from two threads.
+    mutable std::mutex layoutMutex_;
+    mutable QRectF laidOutPage_;
+    mutable double laidOutDpi_ = 0;
+    mutable std::shared_ptr<const std::vector<Page>> laidOut_;
 };

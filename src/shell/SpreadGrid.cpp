@@ -413,6 +413,15 @@ void SpreadGrid::beginFill()
     model_->beginBulk();
 }
 
+int SpreadGrid::appendRow(const QStringList &cells, int firstColumn)
+{
+    const int row = maxRows() + 1;
+    setMaxRows(row);
+    for (int i = 0; i < cells.size(); ++i)
+        setCellText(firstColumn + i, row, cells[i]);
+    return row;
+}
+
 void SpreadGrid::takeRows(std::vector<std::vector<std::string>> &&cells, int rows)
 {
     beginFill();

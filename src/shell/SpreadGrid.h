@@ -44,6 +44,8 @@ public:
     /// Check-box cells: ticked when the text is "1".
     bool isChecked(int col, int row) const { return model_->cellUtf8(col, row) == "1"; }
     void setChecked(int col, int row, bool checked) { setCellUtf8(col, row, checked ? "1" : "0"); }
+    /// Adds one row at the end, its cells from firstColumn on; returns its number.
+    int appendRow(const QStringList &cells, int firstColumn = 1);
     /// Replaces every row at once with columns prepared off the GUI thread (cells[col][row], row 0
     /// unused), then fits the columns to them: a long list costs the GUI thread a swap and a measure.
     void takeRows(std::vector<std::vector<std::string>> &&cells, int rows);
