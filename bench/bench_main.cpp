@@ -2,6 +2,7 @@
 #include "PostgresEngine.h"
 #include "SqliteEngine.h"
 #include "AppError.h"
+#include "BackupBench.h"
 #include "BenchSql.h"
 #include "BenchTimer.h"
 #include "CatalogueBench.h"
@@ -284,6 +285,7 @@ int main(int argc, char *argv[])
             {"references", benchCatalogueScreens},      {"labels", benchLabels},     {"items", benchItemScreens},
             {"members", benchMembersAndReports},        {"overdue", benchOverdueNotices}, {"statistics", benchLibraryStatistics}, {"stocktake", benchStocktake},        {"startup", [&work] { benchStartUp(work.path()); }},
             {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
+            {"backups", [&library] { benchBackups(library, QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }},
             {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
         // An optional third argument runs only the groups whose names contain it (several, separated by commas).
         const QStringList only = argc > 2 ? QString::fromLocal8Bit(argv[2]).split(QLatin1Char(','), Qt::SkipEmptyParts) : QStringList();

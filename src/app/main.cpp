@@ -1,6 +1,9 @@
 #include "PostgresEngine.h"
 #include "SqliteEngine.h"
 #include "AppError.h"
+#include "BackupSchedule.h"
+#include "Clock.h"
+#include "TaskProgress.h"
 #include "CatalogueScreens.h"
 #include "MemberScreens.h"
 #include "ReportScreens.h"
@@ -83,6 +86,58 @@ int copyLibrary(const QString &from, const QString &to)
     return 0;
 }
 
+// The library named for this run (--library) or in the settings.
+QString libraryOf(const SettingsStore &settings) { return settings.value(QLatin1String(SettingsStore::LibraryDatabaseKey)); }
+
+QString figuresText(const LibraryFigures &f)
+{
+    return QStringLiteral("%1 items, %2 open loans, %3 members with fines").arg(f.items).arg(f.openLoans).arg(f.membersWithFines);
+}
+
+// Backs the library up into folder (the settings' folders when empty). 0, or 1 with a one-line reason.
+int backupLibrary(SettingsStore &settings, const QString &folder)
+{
+    const QString library = libraryOf(settings);
+    if (library.isEmpty())
+        return std::fprintf(stderr, "Backup failed: no library database is chosen (use --library or the settings).\n"), 1;
+    if (!folder.isEmpty()) {
+        settings.overrideForThisRun(QLatin1String(SettingsStore::BackupFolderKey), folder);
+        settings.overrideForThisRun(QLatin1String(SettingsStore::SecondBackupFolderKey), QString());
+    }
+    TaskProgress progress;
+    try {
+        const LibraryBackup::Taken taken = BackupSchedule(settings, library).run(Clock::now(), progress);
+        std::printf("Backed up %s to %s: %s.\n", qPrintable(library), qPrintable(taken.file), qPrintable(figuresText(taken.figures)));
+        if (!taken.secondFile.isEmpty())
+            std::printf("Copied to %s.\n", qPrintable(taken.secondFile));
+        if (!taken.secondProblem.isEmpty())
+            return std::fprintf(stderr, "Backup not copied to the second folder: %s\n", qPrintable(taken.secondProblem)), 1;
+    } catch (const AppError &e) {
+        return std::fprintf(stderr, "Backup failed: %s\n", qPrintable(e.description())), 1;
+    }
+    ConnectionPool::shared().clear();
+    return 0;
+}
+
+// Restores the library from file, the library as it was kept in the backup folder. 0, or 1 with a one-line reason.
+int restoreLibrary(SettingsStore &settings, const QString &file)
+{
+    const QString library = libraryOf(settings);
+    if (library.isEmpty())
+        return std::fprintf(stderr, "Restore failed: no library database is chosen (use --library or the settings).\n"), 1;
+    TaskProgress progress;
+    try {
+        const LibraryFigures figures = LibraryBackup::check(file);
+        const QString aside = LibraryBackup::restore(library, file, BackupSchedule(settings, library).folder(), Clock::now(), progress);
+        std::printf("Restored %s from %s (%s); the library as it was is kept in %s.\n", qPrintable(library), qPrintable(file),
+                    qPrintable(figuresText(figures)), qPrintable(aside));
+    } catch (const AppError &e) {
+        return std::fprintf(stderr, "Restore failed: %s Nothing was changed.\n", qPrintable(e.description())), 1;
+    }
+    ConnectionPool::shared().clear();
+    return 0;
+}
+
 // Command-line modes that write files and need no window run without a display.
 bool runsWithoutWindow(int argc, char *argv[])
 {
@@ -90,7 +145,7 @@ bool runsWithoutWindow(int argc, char *argv[])
         const QByteArray arg(argv[i]);
         if (arg == "--make-demo" || arg.startsWith("--make-demo=") || arg == "-make-demo" || arg.startsWith("-make-demo="))
             return true;
-        if (arg == "--copy-library" || arg.startsWith("--copy-library="))
+        if (arg == "--copy-library" || arg.startsWith("--copy-library=") || arg == "--backup" || arg == "--restore" || arg.startsWith("--restore="))
             return true;
         if (arg == "--help" || arg == "-h" || arg == "-?" || arg == "--help-all" || arg == "--version" || arg == "-v")
             return true; // printed and done
@@ -108,15 +163,23 @@ struct Options {
                                    QStringLiteral("Copy a whole library database FROM (a file or a postgresql:// address) to TO (a new file or an "
                                                   "empty server database) and exit."),
                                    QStringLiteral("FROM")};
+    QCommandLineOption backup{QStringLiteral("backup"),
+                              QStringLiteral("Back the library database up into FOLDER (else the backup folders of the settings), check the "
+                                             "backup and exit.")};
+    QCommandLineOption restore{QStringLiteral("restore"),
+                               QStringLiteral("Restore the library database from a backup FILE (the library as it was is kept in the backup "
+                                              "folder) and exit."),
+                               QStringLiteral("FILE")};
     QCommandLineOption quitAfterStart{QStringLiteral("quit-after-start"), QStringLiteral("Quit as soon as the main menu is shown (start-up timing).")};
 
     void process(QCommandLineParser &parser, const QCoreApplication &app)
     {
         parser.setApplicationDescription(QStringLiteral("Shelvora school library"));
-        parser.addPositionalArgument(QStringLiteral("TO"), QStringLiteral("With --copy-library: where the copy goes."), QStringLiteral("[TO]"));
+        parser.addPositionalArgument(QStringLiteral("TO"), QStringLiteral("With --copy-library: where the copy goes. With --backup: the folder."),
+                                     QStringLiteral("[TO|FOLDER]"));
         parser.addHelpOption();
         parser.addVersionOption();
-        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &copyLibrary, &appFolder, &library, &central, &quitAfterStart})
+        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &copyLibrary, &backup, &restore, &appFolder, &library, &central, &quitAfterStart})
             parser.addOption(*o);
         parser.process(app);
     }
@@ -147,6 +210,16 @@ int main(int argc, char *argv[])
             if (parser.positionalArguments().size() != 1)
                 return std::fprintf(stderr, "Usage: shelvora --copy-library FROM TO\n"), 2;
             return copyLibrary(parser.value(options.copyLibrary), parser.positionalArguments().first());
+        }
+        if (parser.isSet(options.backup) || parser.isSet(options.restore)) {
+            SettingsStore settings(parser.value(options.settingsFile));
+            if (parser.isSet(options.library))
+                settings.overrideForThisRun(QLatin1String(SettingsStore::LibraryDatabaseKey), parser.value(options.library));
+            if (parser.isSet(options.restore))
+                return restoreLibrary(settings, parser.value(options.restore));
+            if (parser.positionalArguments().size() > 1)
+                return std::fprintf(stderr, "Usage: shelvora --backup [FOLDER]\n"), 2;
+            return backupLibrary(settings, parser.positionalArguments().value(0));
         }
         return makeDemo(parser.value(options.makeDemo));
     }

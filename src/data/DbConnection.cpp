@@ -38,6 +38,8 @@ PhysicalConnection &DbConnection::physical()
     return *physical_;
 }
 
+bool DbConnection::HoldsTable(const QString &table) { return physical().holdsTable(table); }
+
 std::shared_ptr<Recordset> DbConnection::Execute(const QString &sql, int *recordsAffected)
 {
     auto rows = std::make_shared<Recordset>();

@@ -42,6 +42,8 @@ public:
     qint64 ExecuteInsert(const QString &sql, const QString &keyColumn);
     /// Writes every row of rows into table through the engine's bulk path (copying a library).
     void BulkInsert(const QString &table, const Recordset &rows);
+    /// Whether the database holds a table of that name.
+    bool HoldsTable(const QString &table);
     void BeginTrans();
     void CommitTrans();
     void RollbackTrans();

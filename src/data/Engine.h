@@ -8,6 +8,8 @@
 #include <map>
 #include <memory>
 
+class TaskProgress;
+
 /// One database engine as the front doors see it: all that differs between a library in a file
 /// and one on a server. The registry picks the engine by the location's scheme.
 class Engine {
@@ -43,6 +45,25 @@ public:
     virtual Compaction compact(const QString &location, const QString &destination) const = 0;
     /// Puts a compacted copy in place of the database, so that a crash leaves either one whole (files only).
     virtual void replace(const QString &location, const QString &replacement) const = 0;
+
+    // Backups. A backup of any library is an SQLite file, so it restores anywhere.
+    /// Writes the database as of one moment into file (new), while desks keep working. Throws
+    /// AppError; nothing is left at file when it fails or is cancelled.
+    virtual void backup(const QString &location, const QString &file, TaskProgress &progress) const = 0;
+    /// Puts the contents of a backup file in place of the database in one step (a rename, or one
+    /// transaction on a server). Throws AppError and leaves the database as it was.
+    virtual void restore(const QString &location, const QString &file, TaskProgress &progress) const = 0;
+    /// Leaves a database file standing alone, with no log beside it, so that it can be copied,
+    /// renamed and read anywhere (a backup). Nothing for a server database.
+    virtual void standAlone(const QString &location) const = 0;
+    /// What the engine's own check finds wrong with the database, or empty.
+    virtual QString integrityProblem(const QString &location) const = 0;
+    /// How many connections other than this program's are open on the database (0 or more);
+    /// a restore waits until there are none.
+    virtual int otherConnections(const QString &location) const = 0;
+    /// A text that changes whenever a write has been committed: a backup is due when it differs
+    /// from the one seen at the last backup.
+    virtual QString changeMark(const QString &location) const = 0;
 };
 
 /// The engines this program can open, keyed by the scheme a location starts with ("postgresql"

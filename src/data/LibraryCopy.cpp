@@ -58,6 +58,45 @@ LibraryCopy::TableFigures figures(DbConnection &db, const QString &table, const 
     return f;
 }
 
+// Gives into the structure of statements and every row of the source's tables, checking each
+// table's figures against the source's; the caller's transaction holds it all.
+QList<LibraryCopy::TableFigures> copyTables(DbConnection &source, DbConnection &into, const QStringList &statements, const QString &from,
+                                            const LibraryCopy::TableCopied &tableCopied)
+{
+    for (const QString &sql : statements)
+        if (!sql.startsWith(QLatin1String("Insert "), Qt::CaseInsensitive)) // rows come from the source, the structure version too
+            into.Execute(sql);
+    const QStringList tables = tablesOf(statements);
+    QList<LibraryCopy::TableFigures> copied;
+    for (const QString &table : tables) {
+        std::shared_ptr<Recordset> rows;
+        try {
+            rows = source.Execute(QStringLiteral("select * from ") + table);
+        } catch (const AppError &e) {
+            throw AppError(e.number(), QStringLiteral("%1 lacks the table %2 of this release: open it in Shelvora once (its structure is "
+                                                      "brought up to date), then copy it.").arg(from, table));
+        }
+        QStringList numbers;
+        for (int c = 0; c < rows->fieldCount(); ++c) {
+            const Recordset::FieldType type = rows->fieldType(c);
+            if (type == Recordset::FieldType::Integer || type == Recordset::FieldType::Double || type == Recordset::FieldType::Currency
+                || type == Recordset::FieldType::Bool)
+                numbers << QLatin1Char('[') + rows->fieldName(c) + QLatin1Char(']');
+        }
+        into.BulkInsert(table, *rows);
+        const LibraryCopy::TableFigures before = figures(source, table, numbers);
+        const LibraryCopy::TableFigures after = figures(into, table, numbers);
+        if (before.rows != after.rows || before.sums != after.sums)
+            throw AppError(AppError::ProviderError, QStringLiteral("The copy of %1 does not match the original (%2 rows, sums %3; copied %4 rows, sums %5); "
+                                                                   "nothing was kept.")
+                                                        .arg(table).arg(before.rows).arg(before.sums).arg(after.rows).arg(after.sums));
+        copied << after;
+        if (tableCopied)
+            tableCopied(int(copied.size()), int(tables.size()), after);
+    }
+    return copied;
+}
+
 } // namespace
 
 QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QString &to, const TableCopied &tableCopied)
@@ -71,6 +110,8 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
         school = false;
     }
     const QStringList statements = school ? DatabaseSchema::centralStatements() : DatabaseSchema::libraryStatements();
+    // Every table as of one moment, while desks go on working on the source.
+    source->BeginTrans();
     // A file is written under a name of its own and takes its real name only once it checks out:
     // a copy that fails leaves nothing behind to block the next try. A server database is refused
     // when it holds tables; what is put in to prepare it goes again when the copy does not go through.
@@ -87,36 +128,7 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
         const std::unique_ptr<DbConnection> into = open(target, false);
         into->BeginTrans();
         try {
-            for (const QString &sql : statements)
-                if (!sql.startsWith(QLatin1String("Insert "), Qt::CaseInsensitive)) // rows come from the source, the structure version too
-                    into->Execute(sql);
-            const QStringList tables = tablesOf(statements);
-            for (const QString &table : tables) {
-                std::shared_ptr<Recordset> rows;
-                try {
-                    rows = source->Execute(QStringLiteral("select * from ") + table);
-                } catch (const AppError &e) {
-                    throw AppError(e.number(), QStringLiteral("%1 lacks the table %2 of this release: open it in Shelvora once (its structure is "
-                                                              "brought up to date), then copy it.").arg(from, table));
-                }
-                QStringList numbers;
-                for (int c = 0; c < rows->fieldCount(); ++c) {
-                    const Recordset::FieldType type = rows->fieldType(c);
-                    if (type == Recordset::FieldType::Integer || type == Recordset::FieldType::Double || type == Recordset::FieldType::Currency
-                        || type == Recordset::FieldType::Bool)
-                        numbers << QLatin1Char('[') + rows->fieldName(c) + QLatin1Char(']');
-                }
-                into->BulkInsert(table, *rows);
-                const TableFigures before = figures(*source, table, numbers);
-                const TableFigures after = figures(*into, table, numbers);
-                if (before.rows != after.rows || before.sums != after.sums)
-                    throw AppError(AppError::ProviderError, QStringLiteral("The copy of %1 does not match the original (%2 rows, sums %3; copied %4 rows, sums %5); "
-                                                                           "nothing was kept.")
-                                                                .arg(table).arg(before.rows).arg(before.sums).arg(after.rows).arg(after.sums));
-                copied << after;
-                if (tableCopied)
-                    tableCopied(int(copied.size()), int(tables.size()), after);
-            }
+            copied = copyTables(*source, *into, statements, from, tableCopied);
             into->CommitTrans();
         } catch (...) {
             into->RollbackTrans();
@@ -133,5 +145,29 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
         undoCreation();
         throw;
     }
+    return copied;
+}
+
+QList<LibraryCopy::TableFigures> LibraryCopy::replaceContents(const QString &from, const QString &to, const TableCopied &tableCopied)
+{
+    const std::unique_ptr<DbConnection> source = open(from, true);
+    source->BeginTrans();
+    const QStringList statements = DatabaseSchema::libraryStatements();
+    const std::unique_ptr<DbConnection> into = open(to, false);
+    QList<TableFigures> copied;
+    into->BeginTrans();
+    try {
+        // The old tables go and the copy's come in one transaction: a failure leaves the old ones.
+        for (const QString &table : tablesOf(statements))
+            if (into->HoldsTable(table))
+                into->Execute(QStringLiteral("DROP TABLE ") + table);
+        copied = copyTables(*source, *into, statements, from, tableCopied);
+        into->CommitTrans();
+    } catch (...) {
+        into->RollbackTrans();
+        throw;
+    }
+    into->Close();
+    ConnectionPool::shared().closeIdle(to);
     return copied;
 }

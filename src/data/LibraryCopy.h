@@ -21,4 +21,7 @@ public:
     using TableCopied = std::function<void(int done, int total, const TableFigures &table)>;
     /// Throws AppError (nothing kept on the target) when the copy cannot be made or does not check out.
     static QList<TableFigures> copy(const QString &from, const QString &to, const TableCopied &tableCopied = {});
+    /// Puts the tables and rows of the library database from in place of those of the library at to
+    /// (a server database), in one transaction on to. Throws AppError and leaves to as it was.
+    static QList<TableFigures> replaceContents(const QString &from, const QString &to, const TableCopied &tableCopied = {});
 };

@@ -23,6 +23,9 @@ public:
     static constexpr const char *CentralDatabaseKey = "Database";
     /// The program folder the school chose (learner photos, work files); the per-user data folder when empty.
     static constexpr const char *ProgramFolderKey = "ProgramFolder";
+    /// Where backups go (the per-user data folder's "Backups" when empty), and a second folder for a copy.
+    static constexpr const char *BackupFolderKey = "BackupFolder";
+    static constexpr const char *SecondBackupFolderKey = "SecondBackupFolder";
 
     /// The value, or an empty text.
     QString value(const QString &key) const;

@@ -1,6 +1,8 @@
 #include "frmMainMenu.h"
 
 #include "AppError.h"
+#include "BackupSchedule.h"
+#include "Clock.h"
 #include "ConnectionPool.h"
 #include "DatabaseCheck.h"
 #include "Engine.h"
@@ -15,8 +17,10 @@
 #include "ErrorReport.h"
 #include "DatabaseLocations.h"
 #include "frmAbout.h"
+#include "frmBackups.h"
 #include "modExtendedMsgBox.h"
 
+#include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -30,6 +34,7 @@
 #include <QVBoxLayout>
 
 #include <memory>
+#include <optional>
 
 
 namespace {
@@ -125,6 +130,24 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     connect(cmdDatabases, &QPushButton::clicked, this, &frmMainMenu::cmdDatabases_Click);
     connect(cmdCompact, &QPushButton::clicked, this, &frmMainMenu::cmdCompact_Click);
 
+    Frame8 = frame("Frame8", QStringLiteral("Backups"), this);
+    lblBackup = new QLabel(Frame8);
+    lblBackup->setObjectName(QStringLiteral("lblBackup"));
+    lblBackup->setWordWrap(true);
+    Frame8->layout()->addWidget(lblBackup);
+    auto *backupRow = new QHBoxLayout;
+    cmdBackup = new QPushButton(QStringLiteral("Back Up Now"), Frame8);
+    cmdBackup->setObjectName(QStringLiteral("cmdBackup"));
+    cmdRestore = new QPushButton(QStringLiteral("Restore from Backup..."), Frame8);
+    cmdRestore->setObjectName(QStringLiteral("cmdRestore"));
+    backupRow->addWidget(cmdBackup);
+    backupRow->addWidget(cmdRestore);
+    backupRow->addStretch(1);
+    static_cast<QVBoxLayout *>(Frame8->layout())->addLayout(backupRow);
+    Frame8->setEnabled(false);
+    connect(cmdBackup, &QPushButton::clicked, this, &frmMainMenu::cmdBackup_Click);
+    connect(cmdRestore, &QPushButton::clicked, this, &frmMainMenu::cmdRestore_Click);
+
     cmdAbout = new QPushButton(QStringLiteral("About Form"), this);
     cmdAbout->setObjectName(QStringLiteral("cmdAbout"));
     cmdDone = new QPushButton(QStringLiteral("Done"), this);
@@ -143,6 +166,7 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     grid->addWidget(Frame6, 2, 2);
     root->addLayout(grid);
     root->addWidget(Frame1);
+    root->addWidget(Frame8);
     auto *footer = new QHBoxLayout;
     footer->addStretch(1);
     footer->addWidget(cmdAbout);
@@ -212,6 +236,12 @@ void frmMainMenu::Form_Load()
         }
         enableMenu(true);
         upgradeStructure();
+        libraryOpen_ = true;
+        Frame8->setEnabled(true);
+        // A library not backed up for a day is backed up before the day's work starts.
+        if (BackupSchedule(settings_, LibraryDatabasePath).dueAtStart(Clock::now()))
+            backUp(true);
+        showBackupStatus();
     });
 }
 
@@ -232,6 +262,8 @@ void frmMainMenu::readSchoolName()
 
 void frmMainMenu::enableMenu(bool enabled, bool askToBrowse)
 {
+    libraryOpen_ = libraryOpen_ && enabled;
+    Frame8->setEnabled(libraryOpen_);
     for (QGroupBox *box : {Frame3, Frame7, Frame6, Frame2, Frame5})
         box->setEnabled(enabled);
     if (!enabled && askToBrowse)
@@ -356,4 +388,71 @@ void frmMainMenu::cmdissues_Click()
         }
         screens_.open(QStringLiteral("frmIssueSystem"), cmdissues->text(), this, ScreenOptions{optLong->isChecked()});
     });
+}
+
+bool frmMainMenu::backUp(bool automatic)
+{
+    BackupSchedule schedule(settings_, LibraryDatabasePath);
+    data_.CloseCompact();
+    std::optional<LibraryBackup::Taken> taken;
+    try {
+        taken = TaskRunner(this, QStringLiteral("Backing up the library..."), TaskRunner::Cancel::Yes)
+                    .compute<LibraryBackup::Taken>([&](TaskProgress &progress) { return schedule.run(Clock::now(), progress); });
+    } catch (const AppError &) {
+        // Recorded by the schedule: the status line warns, and the next backup tries again.
+    }
+    showBackupStatus();
+    // An automatic backup's failure is told once; the librarian's own is always answered.
+    const QString failure = schedule.untoldFailure();
+    if (!taken || !taken->secondProblem.isEmpty()) {
+        const QString status = lblBackup->text();
+        if (!automatic)
+            UserMessage(taken ? QStringLiteral("The library is backed up, but not into the second folder: ") + taken->secondProblem : status);
+        else if (!failure.isEmpty())
+            UserMessage(QStringLiteral("The library could not be backed up: ") + failure
+                        + QStringLiteral("\n\nThe next backup will try again; \"Restore from Backup...\" lets you choose the folders."));
+        return false;
+    }
+    if (!automatic)
+        UserMessage(QStringLiteral("The library is backed up: %1 (%2 items, %3 open loans, %4 members with fines).")
+                        .arg(QDir::toNativeSeparators(taken->file))
+                        .arg(taken->figures.items)
+                        .arg(taken->figures.openLoans)
+                        .arg(taken->figures.membersWithFines));
+    return true;
+}
+
+void frmMainMenu::showBackupStatus()
+{
+    const BackupSchedule::Status status = BackupSchedule(settings_, LibraryDatabasePath).status(Clock::now());
+    lblBackup->setText(status.text);
+    lblBackup->setProperty("warning", status.warning);
+    lblBackup->setStyleSheet(status.warning ? QStringLiteral("color: #a00000; font-weight: bold;") : QString());
+}
+
+void frmMainMenu::cmdBackup_Click()
+{
+    if (libraryOpen_)
+        backUp(false);
+}
+
+void frmMainMenu::cmdRestore_Click()
+{
+    if (!libraryOpen_)
+        return;
+    data_.CloseCompact();
+    frmBackups backups(settings_, LibraryDatabasePath, this);
+    backups.Form_Load();
+    backups.exec();
+    if (backups.restored())
+        Form_Load(); // the restored library is checked (and its structure brought up to date) as at start-up
+    else
+        showBackupStatus(); // the folders may have changed
+}
+
+void frmMainMenu::closeEvent(QCloseEvent *event)
+{
+    if (libraryOpen_ && !TaskRunner::busy() && BackupSchedule(settings_, LibraryDatabasePath).dueAtClose())
+        backUp(true);
+    QWidget::closeEvent(event);
 }

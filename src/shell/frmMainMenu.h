@@ -28,6 +28,10 @@ public:
     void cmdDatabases_Click();
     void cmdCompact_Click();
     void cmdissues_Click();
+    /// "Back Up Now": a backup into the backup folder(s), with progress.
+    void cmdBackup_Click();
+    /// "Restore from Backup...": the backups screen; a restore opens the library afresh.
+    void cmdRestore_Click();
 
     // Users
     QGroupBox *Frame2;
@@ -52,6 +56,10 @@ public:
     QLineEdit *txtDatabase;
     QLabel *Label1;
     QLabel *lblSchool;
+    // Backups
+    QGroupBox *Frame8;
+    QLabel *lblBackup;
+    QPushButton *cmdBackup, *cmdRestore;
     QPushButton *cmdAbout, *cmdDone;
 
 Q_SIGNALS:
@@ -60,6 +68,8 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    /// A day's changes are backed up as the menu closes.
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     QPushButton *menuButton(QGroupBox *frame, const char *name, const QString &caption, const QString &screen);
@@ -69,9 +79,13 @@ private:
     void enableMenu(bool enabled, bool askToBrowse = true);
     void showLibraryLocation(const QString &location);
     void upgradeStructure();
+    /// Takes a backup through the task runner; false when it failed (said once when automatic).
+    bool backUp(bool automatic);
+    void showBackupStatus();
 
     clsDataObject data_;
     SettingsStore &settings_;
     const ScreenRegistry &screens_;
     bool setupShown_ = false; // the first-start setup screen is offered once a run
+    bool libraryOpen_ = false; // the library checked and open for work: backups may run
 };

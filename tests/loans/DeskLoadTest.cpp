@@ -3,11 +3,15 @@
 // committed action in the desks' logs must be in the database exactly once, no copy lent twice,
 // no fine charged twice, and the reservation limits held.
 #include "ConnectionPool.h"
+#include "LibraryBackup.h"
+#include "TaskProgress.h"
 #include "TestDatabases.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QSet>
+#include <QThread>
 
 #include <cstdio>
 #include <map>
@@ -105,4 +109,44 @@ TEST_F(DeskLoad, FourDesksKeepEveryLoanFineAndReservationConsistent)
     EXPECT_EQ(libraryValue("select count(*) from tblLibReserves"), QString::number(reservations));
     EXPECT_TRUE(libraryRows("select ItemID from tblLibReserves group by ItemID having count(*) > 2").isEmpty());
     EXPECT_TRUE(libraryRows("select MemberID from tblLibReserves group by MemberID having count(*) > 3").isEmpty());
+}
+
+// Backups taken while two desks issue and return: each is whole and one moment of the library
+// (no fine without its loan, no copy lent twice), and every loan in it was committed by a desk.
+TEST_F(DeskLoad, ABackupTakenWhileDesksWorkIsOneMoment)
+{
+    QProcess desks[2];
+    for (int d = 0; d < 2; ++d)
+        desks[d].start(DESK_LOAD_HELPER, {libraryPath_, centralPath_, QString::number(2000 + d), QString::number(400)});
+    for (QProcess &desk : desks)
+        ASSERT_TRUE(desk.waitForStarted());
+    const QString folder = path("backups");
+    QDir().mkpath(folder);
+    QStringList backups;
+    const QDateTime start(QDate(2026, 11, 2), QTime(9, 0));
+    for (int n = 0; n < 4; ++n) {
+        QThread::msleep(150);
+        TaskProgress progress;
+        backups << LibraryBackup::take(libraryPath_, folder, QString(), start.addDays(n), progress).file; // a day apart: all are kept
+    }
+    QSet<int> issued;
+    for (QProcess &desk : desks) {
+        ASSERT_TRUE(desk.waitForFinished(300000));
+        ASSERT_EQ(desk.exitCode(), 0) << desk.readAllStandardError().toStdString();
+        for (const QString &line : QString::fromLatin1(desk.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts))
+            if (line.startsWith("I "))
+                issued.insert(line.mid(2).toInt());
+    }
+    int loansSeen = 0;
+    for (const QString &backup : backups) {
+        EXPECT_NO_THROW(LibraryBackup::check(backup)) << backup.toStdString();
+        EXPECT_TRUE(rowsIn(backup, "select f.TransactionID from tblLibTransactionFines f left join tblLibTransactions t "
+                                   "on f.TransactionID = t.TransactionID where t.TransactionID is null").isEmpty()) << "a fine without its loan";
+        EXPECT_TRUE(rowsIn(backup, "select ItemID from tblLibTransactions where Returned = false group by ItemID having count(*) > 1").isEmpty());
+        for (const QString &id : rowsIn(backup, "select TransactionID from tblLibTransactions where ItemID <= 30")) {
+            EXPECT_TRUE(issued.contains(id.toInt())) << "loan " << id.toStdString() << " in a backup was never committed";
+            ++loansSeen;
+        }
+    }
+    EXPECT_GT(loansSeen, 0) << "the backups were all taken before the desks began";
 }

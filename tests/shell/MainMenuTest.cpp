@@ -12,6 +12,10 @@
 #include "DatabaseLocations.h"
 #include "clsDataObject.h"
 #include "frmAbout.h"
+#include "frmBackups.h"
+#include "Clock.h"
+#include "LibraryBackup.h"
+#include "ScreenDriver.h"
 #include "frmDatabases.h"
 #include "frmMainMenu.h"
 
@@ -50,6 +54,9 @@ protected:
             SettingsStore(settingsFile_).setValue("LibraryDatabase", libraryPath_);
             SettingsStore(settingsFile_).setValue("Database", centralPath_);
         }
+        // Backups go into the test's own folder.
+        QDir().mkpath(path("backups"));
+        SettingsStore(settingsFile_).setValue(SettingsStore::BackupFolderKey, path("backups"));
         settings_ = std::make_unique<SettingsStore>(settingsFile_);
         auto menu = std::make_unique<frmMainMenu>(*settings_, screens_);
         menu->Form_Load();
@@ -607,4 +614,81 @@ TEST_F(MainMenuTest, AFreshInstallStartsWithTheSetupScreen)
     EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
     EXPECT_TRUE(menuEnabled(*menu));
     EXPECT_EQ(SettingsStore(settingsFile_).value("LibraryDatabase"), libraryPath_);
+}
+
+// The menu backs the library up at start when no backup is a day old, shows when the last one was
+// taken, backs up on request and when it closes after changes, and warns when a backup failed.
+TEST_F(MainMenuTest, TheMenuBacksTheLibraryUpAndSaysWhen)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 11, 23), QTime(16, 5)));
+    const QString folder = path("backups");
+    auto menu = start();
+    const auto status = [&] { return child<QLabel>(*menu, "lblBackup"); };
+    ASSERT_EQ(LibraryBackup::list(folder).size(), 1) << "no backup at start";
+    EXPECT_EQ(status()->text(), "Last backup: 2026-11-23 16:05 (" + QDir::toNativeSeparators(folder) + ")");
+    EXPECT_FALSE(status()->property("warning").toBool());
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join(" | ").toStdString();
+
+    // Started again within the day, unchanged: no new backup, and none as it closes.
+    Clock::setFixed(QDateTime(QDate(2026, 11, 23), QTime(17, 0)));
+    menu = start();
+    menu->close();
+    EXPECT_EQ(LibraryBackup::list(folder).size(), 1);
+
+    // "Back Up Now" answers with what was backed up.
+    menu = start();
+    child<QPushButton>(*menu, "cmdBackup")->click();
+    ASSERT_EQ(messages_->prompts().size(), 1);
+    EXPECT_EQ(messages_->prompts()[0], "The library is backed up: " + QDir::toNativeSeparators(folder + "/shelvora-library-2026-11-23-1700.db")
+                                           + " (0 items, 0 open loans, 0 members with fines).");
+    EXPECT_TRUE(status()->text().startsWith("Last backup: 2026-11-23 17:00"));
+
+    // A second folder that is not there: said at once, and the status line warns until a backup works.
+    messages_->clear();
+    settings_->setValue(SettingsStore::SecondBackupFolderKey, path("usb"));
+    Clock::setFixed(QDateTime(QDate(2026, 11, 23), QTime(17, 30)));
+    child<QPushButton>(*menu, "cmdBackup")->click();
+    ASSERT_EQ(messages_->prompts().size(), 1);
+    EXPECT_EQ(messages_->prompts()[0], "The library is backed up, but not into the second folder: The backup folder " + path("usb")
+                                           + " is not there (is the disk or the USB stick attached?).");
+    EXPECT_TRUE(status()->property("warning").toBool());
+    EXPECT_TRUE(status()->text().startsWith("The backup of 2026-11-23 17:30 failed: ")) << status()->text().toStdString();
+    settings_->setValue(SettingsStore::SecondBackupFolderKey, QString());
+
+    // A day's work is backed up as the menu closes.
+    library("Insert into tblLibItems(AccessionID, Title) values ('A1', 'Issued today')");
+    Clock::setFixed(QDateTime(QDate(2026, 11, 23), QTime(18, 0)));
+    menu->close();
+    // (the day's earlier backups are thinned out: the newest of a day is kept)
+    ASSERT_EQ(LibraryBackup::list(folder).size(), 1);
+    EXPECT_EQ(LibraryBackup::list(folder).first().taken, QDateTime(QDate(2026, 11, 23), QTime(18, 0)));
+    EXPECT_EQ(rowsIn(LibraryBackup::list(folder).first().path, "select Title from tblLibItems"), QStringList{"Issued today"});
+    Clock::setFixed(QDateTime());
+}
+
+// "Restore from Backup..." lists the backups with what they hold; restoring one puts the library
+// back as it was, keeps the library as it was aside, and opens the restored library.
+TEST_F(MainMenuTest, RestoreFromTheMenuPutsTheLibraryBack)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 11, 23), QTime(16, 5)));
+    library("Insert into tblLibItems(AccessionID, Title) values ('A1', 'Kept')");
+    auto menu = start();
+    library("Insert into tblLibItems(AccessionID, Title) values ('A2', 'Added after the backup')");
+    Clock::setFixed(QDateTime(QDate(2026, 11, 24), QTime(8, 0)));
+    QStringList listed;
+    auto watch = ScreenDriver::whenModal<frmBackups>([&](frmBackups *screen) {
+        listed = ScreenDriver::rows(*screen, "gridBackups");
+        ScreenDriver::click(*screen, "cmdRestore");
+    });
+    child<QPushButton>(*menu, "cmdRestore")->click();
+    EXPECT_EQ(listed, QStringList{"2026-11-23 16:05|1|0|0|shelvora-library-2026-11-23-1605.db"});
+    const QStringList prompts = messages_->prompts();
+    ASSERT_EQ(prompts.size(), 2) << prompts.join(" | ").toStdString();
+    EXPECT_TRUE(prompts[0].startsWith("Put the library back as it was in the backup of 2026-11-23 16:05 (1 items, 0 open loans, 0 members with fines)?"));
+    EXPECT_EQ(prompts[1], "The library is back as it was in the backup of 2026-11-23 16:05. The library as it was before the restore is kept in "
+                              + QDir::toNativeSeparators(path("backups/before-restore-2026-11-24-0800.db")) + ".");
+    EXPECT_EQ(libraryRows("select Title from tblLibItems"), QStringList{"Kept"});
+    EXPECT_EQ(rowsIn(path("backups/before-restore-2026-11-24-0800.db"), "select count(*) from tblLibItems"), QStringList{"2"});
+    EXPECT_TRUE(menuEnabled(*menu));
+    Clock::setFixed(QDateTime());
 }

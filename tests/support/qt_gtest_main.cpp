@@ -2,6 +2,7 @@
 #include "SqliteEngine.h"
 
 #include <QApplication>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -24,6 +25,8 @@ int main(int argc, char **argv)
     SqliteEngine::install(EngineRegistry::installed());
     PostgresEngine::install(EngineRegistry::installed());
     QApplication app(argc, argv);
+    // The per-user folders (the default backup folder among them) are the test's own, never the user's.
+    QStandardPaths::setTestModeEnabled(true);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

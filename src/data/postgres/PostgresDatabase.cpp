@@ -119,6 +119,27 @@ QStringList PostgresDatabase::vacuum(const QString &uri)
     return warnings;
 }
 
+int PostgresDatabase::otherSessions(const QString &uri)
+{
+    PostgresDatabase db(uri, true);
+    return db.value("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND pid <> pg_backend_pid() "
+                    "AND backend_type = 'client backend'").toInt();
+}
+
+QString PostgresDatabase::changeMark(const QString &uri)
+{
+    PostgresDatabase db(uri, true);
+    // The counters the server keeps of rows written, table by table; they only grow.
+    return db.value("SELECT coalesce(sum(n_tup_ins + n_tup_upd + n_tup_del), 0)::text FROM pg_stat_user_tables "
+                    "WHERE schemaname = current_schema()");
+}
+
+QString PostgresDatabase::value(const std::string &sql)
+{
+    Result answer(run(sql, QString()), PQclear);
+    return PQntuples(answer.get()) > 0 && !PQgetisnull(answer.get(), 0, 0) ? QString::fromUtf8(PQgetvalue(answer.get(), 0, 0)) : QString();
+}
+
 bool PostgresDatabase::holdsPassword(const QString &uri) { return !QUrl(uri).password().isEmpty() || uri.contains(QLatin1String("password=")); }
 
 PostgresDatabase::PostgresDatabase(const QString &uri, bool readOnly) : readOnly_(readOnly)
@@ -550,7 +571,7 @@ void PostgresDatabase::readRows(PGresult *result, Recordset *rows, const Transla
 void PostgresDatabase::beginTransaction()
 {
     // Two desks changing the same loan: the second is told to run its work again, never both kept.
-    exec(readOnly_ ? "BEGIN READ ONLY" : "BEGIN ISOLATION LEVEL SERIALIZABLE");
+    exec(readOnly_ ? "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY" : "BEGIN ISOLATION LEVEL SERIALIZABLE");
 }
 
 void PostgresDatabase::commitTransaction() { exec("COMMIT"); }

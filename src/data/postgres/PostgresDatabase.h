@@ -42,6 +42,10 @@ public:
     /// Reclaims space and refreshes the planner's statistics of a server database's own tables
     /// (VACUUM (ANALYZE)); returns what the server warned of (nothing, as it should be).
     static QStringList vacuum(const QString &uri);
+    /// How many other sessions are connected to the server database (other desks, other programs).
+    static int otherSessions(const QString &uri);
+    /// Changes whenever rows of the database's own tables have been written (the server's counters).
+    static QString changeMark(const QString &uri);
     /// Whether an address carries a password (which belongs in ~/.pgpass or PGPASSWORD, never in the settings).
     static bool holdsPassword(const QString &uri);
     /// The server's version ("PostgreSQL 15.18").
@@ -68,6 +72,8 @@ private:
     /// An open libpq connection, or null with the plain reason why not.
     static pg_conn *connectTo(const QString &uri, QString &reason);
     pg_result *run(const std::string &sql, const QString &jetSql);
+    /// The first value of a native query's answer.
+    QString value(const std::string &sql);
     [[noreturn]] void raise(pg_result *result, const QString &jetSql);
     void readRows(pg_result *result, Recordset *rows, const TranslatedStatement &ts);
     void installSupport();

@@ -1,6 +1,9 @@
 #include "PostgresEngine.h"
 
 #include "AppError.h"
+#include "ConnectionPool.h"
+#include "LibraryCopy.h"
+#include "TaskProgress.h"
 #include "PostgresDatabase.h"
 
 #include <libpq-fe.h>
@@ -55,3 +58,37 @@ void PostgresEngine::replace(const QString &location, const QString &) const
 {
     throw AppError(AppError::ProviderError, QStringLiteral("%1 is on a server; it is compacted in place.").arg(location));
 }
+
+namespace {
+// The copy's table-by-table progress as the runner's bar.
+LibraryCopy::TableCopied reportTo(TaskProgress &progress)
+{
+    return [&progress](int done, int total, const LibraryCopy::TableFigures &) {
+        progress.setMaximum(total);
+        progress.setValue(done);
+        progress.check();
+    };
+}
+} // namespace
+
+void PostgresEngine::backup(const QString &location, const QString &file, TaskProgress &progress) const
+{
+    LibraryCopy::copy(location, file, reportTo(progress));
+}
+
+void PostgresEngine::restore(const QString &location, const QString &file, TaskProgress &progress) const
+{
+    LibraryCopy::replaceContents(file, location, reportTo(progress));
+}
+
+QString PostgresEngine::integrityProblem(const QString &) const { return QString(); }
+
+int PostgresEngine::otherConnections(const QString &location) const
+{
+    ConnectionPool::shared().closeIdle(location);
+    return PostgresDatabase::otherSessions(location);
+}
+
+QString PostgresEngine::changeMark(const QString &location) const { return PostgresDatabase::changeMark(location); }
+
+void PostgresEngine::standAlone(const QString &) const {}

@@ -17,4 +17,10 @@ public:
     bool isFile() const override { return false; }
     Compaction compact(const QString &location, const QString &destination) const override;
     void replace(const QString &location, const QString &replacement) const override;
+    void backup(const QString &location, const QString &file, TaskProgress &progress) const override;
+    void restore(const QString &location, const QString &file, TaskProgress &progress) const override;
+    void standAlone(const QString &location) const override;
+    QString integrityProblem(const QString &location) const override;
+    int otherConnections(const QString &location) const override;
+    QString changeMark(const QString &location) const override;
 };

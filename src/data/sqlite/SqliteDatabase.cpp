@@ -315,7 +315,12 @@ int SqliteDatabase::run(const TranslatedStatement &ts, Recordset *rows, const QS
     return columns > 0 ? 0 : sqlite3_changes(db_);
 }
 
-void SqliteDatabase::beginTransaction() { exec("BEGIN IMMEDIATE"); }
+void SqliteDatabase::beginTransaction()
+{
+    // A reader's transaction is one snapshot of the database (a whole copy reads every table as of
+    // one moment); a writer's takes the write lock at once, so it never fails half way for a lock.
+    exec(sqlite3_db_readonly(db_, "main") == 1 ? "BEGIN" : "BEGIN IMMEDIATE");
+}
 void SqliteDatabase::commitTransaction() { exec("COMMIT"); }
 void SqliteDatabase::rollbackTransaction() { exec("ROLLBACK"); }
 bool SqliteDatabase::inTransaction() const { return db_ && !sqlite3_get_autocommit(db_); }

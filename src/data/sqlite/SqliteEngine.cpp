@@ -1,5 +1,6 @@
 #include "SqliteEngine.h"
 
+#include "ConnectionPool.h"
 #include "DatabaseFile.h"
 #include "SqliteDatabase.h"
 
@@ -45,3 +46,23 @@ Engine::Compaction SqliteEngine::compact(const QString &location, const QString 
 }
 
 void SqliteEngine::replace(const QString &location, const QString &replacement) const { DatabaseFile::replace(location, replacement); }
+
+void SqliteEngine::backup(const QString &location, const QString &file, TaskProgress &progress) const
+{
+    DatabaseFile::backup(location, file, progress);
+}
+
+void SqliteEngine::restore(const QString &location, const QString &file, TaskProgress &) const { DatabaseFile::replace(location, file); }
+
+QString SqliteEngine::integrityProblem(const QString &location) const { return DatabaseFile::integrityProblem(location); }
+
+int SqliteEngine::otherConnections(const QString &location) const
+{
+    // This program's idle connections are its own to close; any lock left is another program's.
+    ConnectionPool::shared().closeIdle(location);
+    return DatabaseFile::inUseElsewhere(location) ? 1 : 0;
+}
+
+QString SqliteEngine::changeMark(const QString &location) const { return DatabaseFile::changeMark(location); }
+
+void SqliteEngine::standAlone(const QString &location) const { DatabaseFile::useRollbackJournal(location); }
