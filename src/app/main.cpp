@@ -10,6 +10,8 @@
 #include "CirculationScreens.h"
 #include "ConnectionPool.h"
 #include "LibraryCopy.h"
+#include "MarcImport.h"
+#include "DatabaseLocations.h"
 #include "SchoolGenerator.h"
 
 #include "ScreenRegistry.h"
@@ -138,6 +140,60 @@ int restoreLibrary(SettingsStore &settings, const QString &file)
     return 0;
 }
 
+// Imports a supplier's file of MARC records: one line per record, then the total. 1 when nothing could be taken.
+int importMarc(const QString &file, const MarcImport::Options &options)
+{
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly))
+        return std::fprintf(stderr, "Import failed: cannot read %s.\n", qPrintable(file)), 1;
+    try {
+        QList<MarcImport::Row> rows = MarcImport::preview(in.readAll());
+        // Titles the catalogue holds already are left for the librarian to decide on the screen.
+        for (MarcImport::Row &r : rows)
+            if (r.problem.isEmpty() && !r.duplicate.isEmpty())
+                r.problem = QStringLiteral("already in the catalogue (%1)").arg(r.duplicate);
+        TaskProgress progress;
+        const MarcImport::Result result = MarcImport::take(rows, options, progress);
+        qsizetype copy = 0;
+        for (const MarcImport::Row &r : rows) {
+            if (!r.canBeTaken()) {
+                std::printf("record %d: skipped: %s\n", r.number, qPrintable(r.problem));
+                continue;
+            }
+            const qsizetype copies = r.record.copies.isEmpty() ? options.copies : r.record.copies.size();
+            const QStringList accessions = result.accessions.mid(copy, copies);
+            copy += copies;
+            std::printf("record %d: taken: %s (%s)\n", r.number, qPrintable(r.record.title), qPrintable(accessions.join(QStringLiteral(", "))));
+        }
+        std::printf("%d of %lld records taken, %lld copies.\n", result.titles, static_cast<long long>(rows.size()),
+                    static_cast<long long>(result.accessions.size()));
+        return result.titles > 0 ? 0 : 1;
+    } catch (const AppError &e) {
+        return std::fprintf(stderr, "Import failed: %s Nothing was written.\n", qPrintable(e.description())), 1;
+    }
+}
+
+// Writes the whole catalogue as MARC records (MARCXML when the file ends in .xml).
+int exportMarc(const QString &file)
+{
+    try {
+        TaskProgress progress;
+        const QList<MarcRecord> records = MarcImport::exportCatalogue(progress);
+        const bool xml = file.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
+        QFile out(file);
+        if (!out.open(QIODevice::WriteOnly) || out.write(MarcFile::write(records, xml ? MarcFile::Format::MarcXml : MarcFile::Format::Iso2709)) < 0)
+            return std::fprintf(stderr, "Export failed: cannot write %s.\n", qPrintable(file)), 1;
+        qsizetype copies = 0;
+        for (const MarcRecord &r : records)
+            copies += r.all(QStringLiteral("852")).size();
+        std::printf("Wrote %lld titles (%lld copies) to %s as %s.\n", static_cast<long long>(records.size()), static_cast<long long>(copies),
+                    qPrintable(file), xml ? "MARCXML" : "MARC 21 (UTF-8)");
+        return 0;
+    } catch (const AppError &e) {
+        return std::fprintf(stderr, "Export failed: %s\n", qPrintable(e.description())), 1;
+    }
+}
+
 // Command-line modes that write files and need no window run without a display.
 bool runsWithoutWindow(int argc, char *argv[])
 {
@@ -145,7 +201,8 @@ bool runsWithoutWindow(int argc, char *argv[])
         const QByteArray arg(argv[i]);
         if (arg == "--make-demo" || arg.startsWith("--make-demo=") || arg == "-make-demo" || arg.startsWith("-make-demo="))
             return true;
-        if (arg == "--copy-library" || arg.startsWith("--copy-library=") || arg == "--backup" || arg == "--restore" || arg.startsWith("--restore="))
+        if (arg == "--copy-library" || arg.startsWith("--copy-library=") || arg == "--backup" || arg == "--restore" || arg.startsWith("--restore=")
+            || arg == "--import-marc" || arg.startsWith("--import-marc=") || arg == "--export-marc" || arg.startsWith("--export-marc="))
             return true;
         if (arg == "--help" || arg == "-h" || arg == "-?" || arg == "--help-all" || arg == "--version" || arg == "-v")
             return true; // printed and done
@@ -170,6 +227,15 @@ struct Options {
                                QStringLiteral("Restore the library database from a backup FILE (the library as it was is kept in the backup "
                                               "folder) and exit."),
                                QStringLiteral("FILE")};
+    QCommandLineOption importMarc{QStringLiteral("import-marc"),
+                                  QStringLiteral("Import the MARC records of FILE (ISO 2709 or MARCXML) into the catalogue in one transaction and exit."),
+                                  QStringLiteral("FILE")};
+    QCommandLineOption category{QStringLiteral("category"), QStringLiteral("With --import-marc: the category of the new copies."), QStringLiteral("NAME")};
+    QCommandLineOption loanType{QStringLiteral("loan-type"), QStringLiteral("With --import-marc: S, N (the default) or L."), QStringLiteral("TYPE")};
+    QCommandLineOption copies{QStringLiteral("copies"), QStringLiteral("With --import-marc: copies of each title (1 to 20, default 1)."), QStringLiteral("N")};
+    QCommandLineOption exportMarc{QStringLiteral("export-marc"),
+                                  QStringLiteral("Write the catalogue as MARC records to FILE (MARCXML when it ends in .xml) and exit."),
+                                  QStringLiteral("FILE")};
     QCommandLineOption quitAfterStart{QStringLiteral("quit-after-start"), QStringLiteral("Quit as soon as the main menu is shown (start-up timing).")};
 
     void process(QCommandLineParser &parser, const QCoreApplication &app)
@@ -179,7 +245,8 @@ struct Options {
                                      QStringLiteral("[TO|FOLDER]"));
         parser.addHelpOption();
         parser.addVersionOption();
-        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &copyLibrary, &backup, &restore, &appFolder, &library, &central, &quitAfterStart})
+        for (const QCommandLineOption *o : {&settingsFile, &makeDemo, &copyLibrary, &backup, &restore, &importMarc, &category, &loanType, &copies, &exportMarc, &appFolder, &library,
+                                        &central, &quitAfterStart})
             parser.addOption(*o);
         parser.process(app);
     }
@@ -211,10 +278,25 @@ int main(int argc, char *argv[])
                 return std::fprintf(stderr, "Usage: shelvora --copy-library FROM TO\n"), 2;
             return copyLibrary(parser.value(options.copyLibrary), parser.positionalArguments().first());
         }
-        if (parser.isSet(options.backup) || parser.isSet(options.restore)) {
+        if (parser.isSet(options.backup) || parser.isSet(options.restore) || parser.isSet(options.importMarc) || parser.isSet(options.exportMarc)) {
             SettingsStore settings(parser.value(options.settingsFile));
             if (parser.isSet(options.library))
                 settings.overrideForThisRun(QLatin1String(SettingsStore::LibraryDatabaseKey), parser.value(options.library));
+            LibraryDatabasePath = libraryOf(settings);
+            if (parser.isSet(options.importMarc)) {
+                bool number = true;
+                MarcImport::Options o;
+                o.category = parser.value(options.category);
+                if (parser.isSet(options.loanType))
+                    o.loanType = parser.value(options.loanType);
+                if (parser.isSet(options.copies))
+                    o.copies = parser.value(options.copies).toInt(&number);
+                if (!number)
+                    return std::fprintf(stderr, "Import failed: --copies takes a number from 1 to 20.\n"), 2;
+                return importMarc(parser.value(options.importMarc), o);
+            }
+            if (parser.isSet(options.exportMarc))
+                return exportMarc(parser.value(options.exportMarc));
             if (parser.isSet(options.restore))
                 return restoreLibrary(settings, parser.value(options.restore));
             if (parser.positionalArguments().size() > 1)

@@ -101,7 +101,8 @@ bool DbConnection::RunTransaction(const std::function<bool()> &work)
             RollbackTrans();
             throw;
         }
-        // A short, uneven pause so the desks do not meet again at once.
-        QThread::usleep(QRandomGenerator::global()->bounded(500u, 3000u) * unsigned(attempt < 5 ? attempt : 5));
+        // An uneven pause, longer each time, so the desks do not meet again at once; a busy server
+        // (several desks and a backup) gets about a second before the librarian is told.
+        QThread::usleep(QRandomGenerator::global()->bounded(500u, 3000u) * unsigned(attempt < 10 ? attempt : 10));
     }
 }
