@@ -9,6 +9,7 @@
 #include "modExtendedMsgBox.h"
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -296,4 +297,112 @@ QString NextAccessionAfter(const QString &last)
         throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
     // The leading zeros are kept even when the increment adds a digit (A0099 gives A00100).
     return last.left(start) + QString(firstSignificant, QLatin1Char('0')) + QString::number(significant.toInt() + 1);
+}
+
+namespace {
+// A list's name as compared with a found one: "Surname, " (no first names) is "Surname".
+QString comparable(QString name)
+{
+    name = name.simplified();
+    while (name.endsWith(u',') || name.endsWith(u' '))
+        name.chop(1);
+    return name.toCaseFolded();
+}
+} // namespace
+
+int ItemSheet::shownIndex(const NameList &list, const QString &name) const
+{
+    const QString wanted = comparable(name);
+    for (qsizetype i = 0; i < list.names.size(); ++i)
+        if (comparable(list.names[i]) == wanted)
+            return int(i);
+    return -1;
+}
+
+QStringList ItemSheet::namesMissing(const CatalogueRecord &found) const
+{
+    QStringList missing;
+    for (const QString &a : found.authors.mid(0, 3))
+        if (shownIndex(authors_, a) < 0)
+            missing << a;
+    if (!found.publisher.isEmpty() && shownIndex(publishers_, found.publisher) < 0)
+        missing << found.publisher;
+    if (!found.series.isEmpty() && shownIndex(series_, found.series) < 0)
+        missing << found.series;
+    return missing;
+}
+
+void ItemSheet::showFound(const CatalogueRecord &found, bool addMissing)
+{
+    // A name on its list is shown as the list has it; a missing one is proposed, or left out.
+    const auto place = [&](NameList &list, QStringList &proposed, int col, int row, const QString &name, int cellList) {
+        if (name.isEmpty()) {
+            setValue(col, row, QString());
+            return;
+        }
+        int at = shownIndex(list, name);
+        if (at < 0 && addMissing) {
+            list.names << name;
+            list.ids << 0;
+            proposed << name;
+            at = int(list.names.size()) - 1;
+            for (int r : cellList == 0 ? QList<int>{4, 5, 6} : QList<int>{row})
+                grid_.setCellList(col, r, list.names);
+        }
+        setValue(col, row, at < 0 ? QString() : list.names[at]);
+    };
+    setValue(2, 7, found.title.left(255));
+    setValue(2, 8, found.subtitle.left(255));
+    for (int i = 0; i < 3; ++i)
+        place(authors_, proposedAuthors_, 2, 4 + i, found.authors.value(i), 0);
+    place(publishers_, proposedPublishers_, 5, 3, found.publisher, 1);
+    place(series_, proposedSeries_, 2, SeriesRow, found.series, 1);
+    setValue(5, 4, found.year);
+    if (const int language = shownIndex(languages_, found.language); language >= 0)
+        setValue(5, 5, languages_.names[language]);
+    setValue(5, 11, found.edition);
+    setValue(5, 2, found.isbns.value(0));
+    // The classification number is kept with a subject: the first heading stands as the subject.
+    setValue(2, 9, found.subjects.value(0).left(255));
+    setValue(2, 10, found.classification.left(50));
+}
+
+void ItemSheet::writeProposedNames(clsDataObject &data, ItemDetails *item)
+{
+    const auto quoted = [](const QString &t) { return QLatin1Char('\'') + Safesql(t) + QLatin1Char('\''); };
+    const auto write = [&](NameList &list, QStringList &proposed, const QString &name, const std::function<QString()> &insert, const QString &key) {
+        const qsizetype at = list.names.indexOf(name);
+        if (!proposed.contains(name) || at < 0)
+            return list.idOf(name);
+        int id = 0;
+        data.RunTransaction([&] {
+            id = int(data.InsertReturningKey(insert(), key));
+            return true;
+        });
+        list.ids[at] = id;
+        proposed.removeAll(name);
+        return id;
+    };
+    const auto author = [&](int row, int *id) {
+        const QString name = value(2, row);
+        const QString surname = name.section(u',', 0, 0).trimmed(), first = name.section(u',', 1).trimmed();
+        const int written = write(authors_, proposedAuthors_, name, [&] {
+            return QStringLiteral("insert into tblLibAuthors(AuthorSurname, AuthorFirstName) values(") + quoted(surname.left(100)) + QLatin1Char(',')
+                   + quoted(first.left(100)) + QLatin1Char(')');
+        }, QStringLiteral("AuthorID"));
+        if (written > 0)
+            *id = written;
+    };
+    author(4, &item->author1);
+    author(5, &item->author2);
+    author(6, &item->author3);
+    const QString publisher = value(5, 3), series = value(2, SeriesRow);
+    if (const int id = write(publishers_, proposedPublishers_, publisher, [&] {
+            return QStringLiteral("insert into tblLibPublishers(Publisher) values(") + quoted(publisher.left(100)) + QLatin1Char(')');
+        }, QStringLiteral("PublisherID")); id > 0)
+        item->publisher = id;
+    if (const int id = write(series_, proposedSeries_, series, [&] {
+            return QStringLiteral("insert into tblLibSeries(Series) values(") + quoted(series.left(100)) + QLatin1Char(')');
+        }, QStringLiteral("SeriesID")); id > 0)
+        item->seriesID = id;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MarcMapping.h"
 #include "clsTSQL.h"
 
 #include <QPoint>
@@ -52,9 +53,20 @@ public:
     QString value(int col, int row) const;
     void setValue(int col, int row, const QString &text);
 
+    /// The author, publisher and series names of a found record that their lists lack.
+    QStringList namesMissing(const CatalogueRecord &found) const;
+    /// Fills the value cells from a found record for the librarian to check. Names the lists lack
+    /// are shown when addMissing, and written to their lists only when the item is saved
+    /// (writeProposedNames); otherwise their cells stay empty. Accession cells are left alone.
+    void showFound(const CatalogueRecord &found, bool addMissing);
+    /// Writes the proposed names the sheet still shows into their lists and gives the item their ids.
+    void writeProposedNames(clsDataObject &data, ItemDetails *item);
+
 private:
+    int shownIndex(const NameList &list, const QString &name) const;
     SpreadGrid &grid_;
     NameList categories_, subCategories_, authors_, publishers_, series_, languages_;
+    QStringList proposedAuthors_, proposedPublishers_, proposedSeries_; // shown, not yet in their tables
 };
 
 /// The accession number proposed after last (the accession rule): the digits at its end

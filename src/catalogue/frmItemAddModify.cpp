@@ -3,7 +3,11 @@
 
 #include "AppError.h"
 #include "Clock.h"
+#include "Isbn.h"
 #include "LoanRoutines.h"
+#include "RecordSources.h"
+#include "TaskRunner.h"
+#include "frmRecordChoice.h"
 #include "ScreenRegistry.h"
 #include "SearchTerms.h"
 #include "SpreadGrid.h"
@@ -44,6 +48,8 @@ frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, const ScreenOp
     ui->dt1->setDate(Clock::today());
 
     connect(ui->cmdSave, &QPushButton::clicked, this, &frmItemAddModify::cmdSave_Click);
+    connect(ui->cmdFindIsbn, &QPushButton::clicked, this, &frmItemAddModify::cmdFindIsbn_Click);
+    connect(ui->txtFindIsbn, &QLineEdit::returnPressed, this, &frmItemAddModify::cmdFindIsbn_Click);
     connect(ui->cmdNext, &QPushButton::clicked, this, &frmItemAddModify::cmdNext_Click);
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemAddModify::cmdPrint_Click);
     connect(ui->cmdCancel, &QPushButton::clicked, this, &QDialog::accept);
@@ -198,6 +204,7 @@ void frmItemAddModify::addItems()
             return;
         }
     }
+    sheet_->writeProposedNames(data_, &item); // names a found record brought, agreed to when it was taken
     // No transaction: a copy that fails leaves the ones written before it, as the librarian saw them saved.
     const clsTSQL sql;
     savedItems_.clear();
@@ -243,6 +250,7 @@ void frmItemAddModify::editItem()
         return;
     }
     // Saving also clears a phase-out: this is how a removed item is put back into stock.
+    sheet_->writeProposedNames(data_, &item);
     data_.ExecuteNonQuery(clsTSQL().spItemsUpdate(itemID_, item));
     ownAccession_ = item.accessionID;
     UserMessage(QStringLiteral("Saved Successfully"));
@@ -394,4 +402,57 @@ void frmItemAddModify::openList(const char *screen, const QString &caption)
     cmdFillcombo_Click();
     cmdGo_Click();
     cmdGoK_Click();
+}
+
+void frmItemAddModify::cmdFindIsbn_Click()
+{
+    const QString typed = ui->txtFindIsbn->text().trimmed();
+    const auto backToTheBox = [this] {
+        ui->txtFindIsbn->setFocus();
+        ui->txtFindIsbn->selectAll();
+    };
+    if (Isbn::normalised(typed).isEmpty()) {
+        UserMessage(QStringLiteral("\"%1\" is not an ISBN: please scan the barcode on the back of the book, or type its 10 or 13 digits.")
+                        .arg(typed.left(40)));
+        backToTheBox();
+        return;
+    }
+    Trap(Location, QStringLiteral("Find by ISBN"), [&] {
+        const QList<RecordSource> sources = RecordSources::enabled(data_);
+        if (sources.isEmpty()) {
+            UserMessage(QStringLiteral("No record source is switched on: the catalogues to search are kept in the library's record sources."));
+            return;
+        }
+        const auto outcome = TaskRunner(this, QStringLiteral("Looking up ISBN %1...").arg(typed), TaskRunner::Cancel::Yes)
+                                 .compute<Z3950Search::Outcome>([&](TaskProgress &progress) { return Z3950Search::byIsbn(sources, typed, progress); });
+        if (!outcome) {
+            backToTheBox();
+            return;
+        }
+        QList<frmRecordChoice::Choice> choices;
+        for (const Z3950Search::Found &f : outcome->found) {
+            QString problem;
+            const CatalogueRecord r = MarcMapping::fromMarc(f.record, &problem);
+            if (problem.isEmpty())
+                choices << frmRecordChoice::Choice{f.source, r};
+        }
+        if (choices.isEmpty()) {
+            UserMessage(QStringLiteral("No record source has a record for ISBN %1.").arg(typed)
+                        + (outcome->problems.isEmpty() ? QString() : QStringLiteral("\n") + outcome->problems.join(QLatin1Char('\n'))));
+            backToTheBox();
+            return;
+        }
+        frmRecordChoice choice(choices, outcome->problems, this);
+        if (choice.exec() != QDialog::Accepted) {
+            backToTheBox();
+            return;
+        }
+        const CatalogueRecord &found = choice.chosen();
+        const QStringList missing = sheet_->namesMissing(found);
+        const bool add = missing.isEmpty()
+                         || UserQuestion(QStringLiteral("These names are not in their lists yet:\n") + missing.join(QLatin1Char('\n'))
+                                         + QStringLiteral("\n\nAdd them when the item is saved?"));
+        sheet_->showFound(found, add);
+        ui->griditems->setFocus();
+    });
 }

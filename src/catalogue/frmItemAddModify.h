@@ -45,6 +45,8 @@ public Q_SLOTS:
     void cmdSaveterms_Click();
     void cmdSaveKterms_Click();
     void griditems_Change(int col, int row);
+    /// "Find by ISBN...": the record of the scanned ISBN from the record sources, onto the sheet.
+    void cmdFindIsbn_Click();
 
 private:
     void Form_Load();

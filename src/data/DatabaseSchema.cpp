@@ -60,6 +60,8 @@ QStringList libraryTables(int version)
         s << DatabaseSchema::noticeTemplateTable();
     if (version >= V::Stocktake)
         s << DatabaseSchema::stocktakeTables(version);
+    if (version >= V::RecordSources)
+        s << DatabaseSchema::recordSourceTable();
     s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
                         "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
                         "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
@@ -118,6 +120,18 @@ QStringList DatabaseSchema::stocktakeTables(int version)
 QStringList DatabaseSchema::stocktakeResultColumns()
 {
     return {QStringLiteral("ALTER TABLE tblLibStocktakes ADD ScannedCount INT"), QStringLiteral("ALTER TABLE tblLibStocktakes ADD ExpectedCount INT")};
+}
+
+QStringList DatabaseSchema::recordSourceTable()
+{
+    // The Library of Congress answers anyone, by Z39.50 and by SRU; a school adds its national library's.
+    return {QStringLiteral("CREATE TABLE tblLibRecordSources (SourceID COUNTER PRIMARY KEY, SourceName TEXT(100) NOT NULL, "
+                           "Address TEXT(255) NOT NULL, Protocol TEXT(6) DEFAULT 'Z39.50', RecordSyntax TEXT(20) DEFAULT 'usmarc', "
+                           "CharacterSet TEXT(20), TimeoutSeconds SMALLINT DEFAULT 10, Enabled BIT DEFAULT true)"),
+            QStringLiteral("Insert into tblLibRecordSources (SourceName, Address, Protocol, Enabled) values "
+                           "('Library of Congress', 'lx2.loc.gov:210/LCDB', 'Z39.50', true)"),
+            QStringLiteral("Insert into tblLibRecordSources (SourceName, Address, Protocol, Enabled) values "
+                           "('Library of Congress (SRU)', 'http://lx2.loc.gov:210/LCDB', 'SRU', false)")};
 }
 
 QString DatabaseSchema::noticeTemplateTable()

@@ -23,7 +23,8 @@ public:
         Notices,   // the letters' wording and the period indexes of the statistics
         Stocktake,        // the stocktake tables
         StocktakeResults, // a finished stocktake keeps its counts
-        Current = StocktakeResults
+        RecordSources,    // the catalogues a book's record is looked up in
+        Current = RecordSources
     };
     /// The library database of the current release, with its indexes.
     static QStringList libraryStatements();
@@ -44,6 +45,9 @@ public:
     static QStringList stocktakeTables(int version = Current);
     /// The counts a finished stocktake keeps (added by a structure upgrade to older stocktake tables).
     static QStringList stocktakeResultColumns();
+    /// The catalogues searched for a book's record by its ISBN (Z39.50 or SRU), with the public ones
+    /// a new library starts with (made with the database, or by a structure upgrade).
+    static QStringList recordSourceTable();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
     /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the

@@ -71,6 +71,8 @@ const std::vector<Step> &steps()
         {V::Stocktake, "stocktake", probe("select StocktakeID from tblLibStocktakeScans"), DatabaseSchema::stocktakeTables(V::Stocktake)},
         {V::StocktakeResults, "the counts of finished stocktakes", probe("select ScannedCount, ExpectedCount from tblLibStocktakes"),
          DatabaseSchema::stocktakeResultColumns()},
+        {V::RecordSources, "finding a book's record by its ISBN", probe("select SourceID from tblLibRecordSources"),
+         DatabaseSchema::recordSourceTable()},
     };
     return list;
 }

@@ -24,7 +24,8 @@ public:
     /// file (rollback journal), flushed to disk. Throws AppError; a failed or cancelled copy
     /// leaves no destination behind.
     static void backup(const QString &source, const QString &destination, TaskProgress &progress);
-    /// What SQLite's integrity check finds wrong with the file (its first lines), or empty.
+    /// What SQLite's quick check finds wrong with the file (its first lines), or empty: every page
+    /// and record read back (a truncated, torn or overwritten file is found).
     static QString integrityProblem(const QString &path);
     /// Whether a connection of another program (another desk) has the file open.
     static bool inUseElsewhere(const QString &path);
