@@ -243,6 +243,9 @@ void SqliteDatabase::bulkInsert(const QString &table, const Recordset &rows)
     }
     const std::string sql = "INSERT INTO " + quoteName(table.toStdString()) + " (" + names + ") VALUES (" + marks + ")";
     const QString reported = QStringLiteral("Insert into %1").arg(table);
+    // A whole library in one transaction: with the default page cache SQLite spills and re-reads
+    // every page (half a million small writes and reads for a large school); 256 MB holds it.
+    exec("PRAGMA cache_size=-262144");
     sqlite3_stmt *stmt = nullptr;
     if (sqlite3_prepare_v2(db_, sql.c_str(), int(sql.size()), &stmt, nullptr) != SQLITE_OK)
         raise(0, reported);
