@@ -5,6 +5,8 @@
 #include "frmItemAddModify.h"
 #include "frmItemList.h"
 #include "frmLabelList.h"
+#include "frmMarcImport.h"
+#include "frmRecordSources.h"
 #include "frmQuickFind.h"
 #include "frmReferenceList.h"
 #include "frmStocktake.h"
@@ -25,6 +27,8 @@ void registerCatalogueScreens(ScreenRegistry &screens, SettingsStore &settings)
     screens.add(QStringLiteral("frmLabelList"), [&settings](QWidget *parent) { return new frmLabelList(settings, parent); });
     add<frmCategories>(screens, "frmCategories");
     add<frmStocktake>(screens, "frmStocktake");
+    add<frmMarcImport>(screens, "frmMarcImport");
+    add<frmRecordSources>(screens, "frmRecordSources");
     add<frmQuickFind>(screens, "frmQuickFind");
     add<frmSeries>(screens, "frmSeries");
     add<frmPublisher>(screens, "frmPublisher");

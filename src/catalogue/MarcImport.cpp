@@ -45,9 +45,11 @@ QList<MarcImport::Row> MarcImport::preview(const QByteArray &file)
                                 "left join tblLibAuthors a on i.Author1 = a.AuthorID where i.PhasedOut = false order by i.ItemID"));
     for (; !data.rst->atEnd(); data.rst->MoveNext()) {
         const QString held = data.rst->field(0).toString() + QLatin1Char(' ') + data.rst->field(1).toString();
-        if (const QString isbn = Isbn::normalised(data.rst->field(2).toString()); !isbn.isEmpty())
+        // The first copy of a title names it.
+        if (const QString isbn = Isbn::normalised(data.rst->field(2).toString()); !isbn.isEmpty() && !byIsbn.contains(isbn))
             byIsbn.insert(isbn, held);
-        byTitle.insert(titleKey(data.rst->field(1).toString(), data.rst->field(3).toString()), held);
+        if (const QString key = titleKey(data.rst->field(1).toString(), data.rst->field(3).toString()); !byTitle.contains(key))
+            byTitle.insert(key, held);
     }
     data.CloseCompact();
     QList<Row> rows;

@@ -70,6 +70,7 @@ frmItemAddModify::frmItemAddModify(const ScreenRegistry &screens, const ScreenOp
     connect(ui->cmdClear, &QPushButton::clicked, this, [this] { ui->cboWeed->setCurrentIndex(-1); });
     connect(ui->ccmdSubject, &QPushButton::clicked, this, [this] { openList("frmSubjectsList", ui->ccmdSubject->text()); });
     connect(ui->cmdKeywords, &QPushButton::clicked, this, [this] { openList("frmKeywordList", ui->cmdKeywords->text()); });
+    connect(ui->cmdRecordSources, &QPushButton::clicked, this, [this] { openList("frmRecordSources", ui->cmdRecordSources->text()); });
     connect(ui->griditems, &SpreadGrid::cellEdited, this, &frmItemAddModify::griditems_Change);
     connect(ui->griditems, &SpreadGrid::cellClicked, this, [this](int col, int row) {
         if (col == 2 && row == 3)

@@ -107,6 +107,7 @@ frmMainMenu::frmMainMenu(SettingsStore &settings, const ScreenRegistry &screens,
     cmdOverdueNotices = menuButton(Frame5, "cmdOverdueNotices", QStringLiteral("Overdue Notices"), QStringLiteral("frmOverdueNotices"));
     cmdStatistics = menuButton(Frame5, "cmdStatistics", QStringLiteral("Library Statistics"), QStringLiteral("frmLibraryStatistics"));
     cmdStocktake = menuButton(Frame3, "cmdStocktake", QStringLiteral("Stocktake"), QStringLiteral("frmStocktake"));
+    cmdMarc = menuButton(Frame3, "cmdMarc", QStringLiteral("MARC Records"), QStringLiteral("frmMarcImport"));
     Frame6 = frame("Frame6", QStringLiteral("System Settings"), this);
     cmdSettings = menuButton(Frame6, "cmdSettings", QStringLiteral("General Settings"), QStringLiteral("frmSystemSettings"));
 

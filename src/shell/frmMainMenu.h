@@ -49,7 +49,7 @@ public:
     QPushButton *cmdLabels, *Command2, *cmdOverdueNotices, *cmdStatistics, *cmdStocktake;
     // Library Catalogue
     QGroupBox *Frame3;
-    QPushButton *cmdKeywordList, *cmdLanguage, *cmdItems, *cmdSubjectcodes, *cmdCategories, *cmdSeries, *cmdPublisher, *cmdAuthors;
+    QPushButton *cmdKeywordList, *cmdLanguage, *cmdItems, *cmdSubjectcodes, *cmdCategories, *cmdSeries, *cmdPublisher, *cmdAuthors, *cmdMarc;
     // The library database
     QGroupBox *Frame1;
     QPushButton *cmdCompact, *cmdBrowse, *cmdDatabases;

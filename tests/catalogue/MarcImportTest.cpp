@@ -7,6 +7,12 @@
 #include "TaskProgress.h"
 #include "TestDatabases.h"
 #include "TestEngine.h"
+#include "ScreenDriver.h"
+#include "frmMarcImport.h"
+#include "frmRecordSources.h"
+#include "SpreadGrid.h"
+
+#include <QFile>
 
 namespace {
 
@@ -125,4 +131,54 @@ TEST_F(MarcImportTest, AnExportImportsIntoAnEmptyLibraryAsTheSameCatalogue)
         LibraryDatabasePath = libraryPath_;
         TestEngine::dropLibrary(empty);
     }
+}
+
+// The screen: a file chosen is previewed with what is held ticked off and what cannot be taken
+// locked; the copies box takes numbers only; the ticked records go in and show as held.
+TEST_F(MarcImportTest, TheScreenPreviewsAndImportsTheTickedRecords)
+{
+    const QString file = path("delivery.mrc");
+    QFile out(file);
+    out.open(QIODevice::WriteOnly);
+    out.write(MarcFile::write({record("New Book", "Dlamini, Zola", "9780804429573"), record("Other", "X", "9780198526636"), record("", "Nobody")},
+                              MarcFile::Format::Iso2709));
+    out.close();
+    frmMarcImport screen;
+    messages_->queueFileName(file);
+    ScreenDriver::click(screen, "cmdChooseFile");
+    EXPECT_EQ(ScreenDriver::rows(screen, "gridRecords"),
+              (QStringList{"1|New Book|Dlamini, Zola|9780804429573|||1", "2|Other|X|9780198526636||Held already: A0099 Held by ISBN|0",
+                           "3||Nobody|||Cannot be taken: no title (245 $a)|0"}));
+    ScreenDriver::type(screen, "txtCopies", "x");
+    ScreenDriver::click(screen, "cmdImport");
+    EXPECT_EQ(messages_->prompts().value(0), "Copies of each title must be a number from 1 to 20.");
+    messages_->clear();
+    ScreenDriver::type(screen, "txtCopies", "2");
+    ScreenDriver::click(screen, "cmdImport");
+    EXPECT_EQ(messages_->prompts().value(0), "1 titles imported: 2 copies, accession numbers A0101 to A0102.");
+    EXPECT_EQ(libraryRows("select AccessionID from tblLibItems where Title = 'New Book' order by AccessionID"), (QStringList{"A0101", "A0102"}));
+    EXPECT_TRUE(ScreenDriver::rows(screen, "gridRecords").value(0).endsWith("|Held already: A0101 New Book|0"));
+}
+
+// The record sources are edited in one grid: a line with a bad field is named and nothing is
+// saved; a good grid replaces the list.
+TEST_F(MarcImportTest, RecordSourcesAreSavedTogetherOrNotAtAll)
+{
+    frmRecordSources screen;
+    EXPECT_EQ(ScreenDriver::rows(screen, "gridSources"),
+              (QStringList{"Library of Congress|lx2.loc.gov:210/LCDB|Z39.50|usmarc|10|1", "Library of Congress (SRU)|http://lx2.loc.gov:210/LCDB|SRU|usmarc|10|0"}));
+    ScreenDriver::click(screen, "cmdAddSource");
+    SpreadGrid &g = *ScreenDriver::child<SpreadGrid>(screen, "gridSources");
+    g.setCellText(1, 3, "Provincial 'union' catalogue");
+    g.setCellText(2, 3, "z3950.example.org:210/books");
+    g.setCellText(5, 3, "ten");
+    ScreenDriver::click(screen, "cmdSave");
+    EXPECT_EQ(messages_->prompts().value(0), "The timeout must be a number of seconds from 1 to 120 (line 3). Nothing was saved.");
+    EXPECT_EQ(libraryValue("select count(*) from tblLibRecordSources"), "2");
+    messages_->clear();
+    g.setCellText(5, 3, "5");
+    ScreenDriver::click(screen, "cmdSave");
+    EXPECT_EQ(messages_->prompts().value(0), "The record sources are saved.");
+    EXPECT_EQ(libraryRows("select SourceName, Address, TimeoutSeconds, Enabled from tblLibRecordSources order by SourceID").value(2),
+              "Provincial 'union' catalogue|z3950.example.org:210/books|5|True");
 }
