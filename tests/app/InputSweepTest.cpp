@@ -105,7 +105,8 @@ const QStringList LibraryTables = {
     "tblLibItems",           "tblLibCategories", "tblLibSubCategories",  "tblLibSubjectCodes", "tblLibItemSubjects",
     "tblLibKeywords",        "tblLibItemKeywords", "tblLibAuthors",       "tblLibPublishers",   "tblLibSeries",
     "tblLibItemLanguages",   "tblLibMasterCatalogue", "tblLibBook",       "tblLibTransactions", "tblLibTransactionFines",
-    "tblLibReserves",        "tblLibNoticeTemplate", "tblLibSettings", "tblLibStocktakes", "tblLibStocktakeScans"};
+    "tblLibReserves",        "tblLibNoticeTemplate", "tblLibSettings", "tblLibStocktakes", "tblLibStocktakeScans",
+    "tblLibRecordSources"};
 
 const QStringList Loans = {"tblLibTransactions", "tblLibTransactionFines", "tblLibReserves"};
 const QStringList ItemEditing = {"tblLibItems",        "tblLibItemSubjects", "tblLibItemKeywords", "tblLibSubjectCodes",
@@ -136,7 +137,10 @@ const std::map<QString, QStringList> &ownedTables()
         {"frmLibraryReport", {}},
         {"frmOverdueNotices", {"tblLibNoticeTemplate"}},
         {"frmLibraryStatistics", {}},
-        {"frmStocktake", {"tblLibStocktakes", "tblLibStocktakeScans", "tblLibItems", "tblLibTransactions", "tblLibTransactionFines"}}};
+        {"frmStocktake", {"tblLibStocktakes", "tblLibStocktakeScans", "tblLibItems", "tblLibTransactions", "tblLibTransactionFines"}},
+        // The import writes items with their authors, publishers and series only from a file chosen.
+        {"frmMarcImport", {"tblLibItems", "tblLibAuthors", "tblLibPublishers", "tblLibSeries"}},
+        {"frmRecordSources", {"tblLibRecordSources"}}};
     return owned;
 }
 
@@ -388,7 +392,7 @@ INSTANTIATE_TEST_SUITE_P(Registered, EveryScreen,
                                            "frmItemList", "frmItemAddModify", "frmCategories", "frmQuickFind", "frmSeries",
                                            "frmPublisher", "frmAuthor", "frmLanguages", "frmSubjectsList", "frmKeywordList",
                                            "frmLabelList", "frmLibraryUsers", "frmLibraryReport", "frmOverdueNotices",
-                                           "frmLibraryStatistics", "frmStocktake"),
+                                           "frmLibraryStatistics", "frmStocktake", "frmMarcImport", "frmRecordSources"),
                          [](const auto &info) { return std::string(info.param); });
 
 TEST_F(InputSweep, TheListAboveIsEveryRegisteredScreen)
