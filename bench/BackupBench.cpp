@@ -1,5 +1,6 @@
 #include "BackupBench.h"
 
+#include "BenchSql.h"
 #include "BenchTimer.h"
 #include "Clock.h"
 #include "ConnectionPool.h"
@@ -103,15 +104,6 @@ void measure(const QString &location, const char *engine, const QString &folder)
     std::printf("  desk issue during a backup: %.2fx its usual time (%d backups meanwhile)\n", busy / usual, taken.load());
 }
 
-bool admin(const QString &server, const QString &sql)
-{
-    PGconn *conn = PQconnectdb(server.toUtf8().constData());
-    PGresult *r = PQexec(conn, sql.toUtf8().constData());
-    const bool ok = PQresultStatus(r) == PGRES_COMMAND_OK;
-    PQclear(r);
-    PQfinish(conn);
-    return ok;
-}
 
 } // namespace
 
@@ -127,7 +119,7 @@ void benchBackups(const QString &library, const QString &serverAdmin)
         return;
     }
     const QString name = QStringLiteral("shelvora_backup_bench_%1").arg(QCoreApplication::applicationPid());
-    if (!admin(serverAdmin, QStringLiteral("CREATE DATABASE %1").arg(name)))
+    if (!serverCommand(serverAdmin, QStringLiteral("CREATE DATABASE %1").arg(name)))
         return;
     QUrl url(serverAdmin);
     url.setPath(QLatin1Char('/') + name);
@@ -135,5 +127,5 @@ void benchBackups(const QString &library, const QString &serverAdmin)
     QTemporaryDir serverFolder;
     measure(url.toString(), "server", serverFolder.path());
     ConnectionPool::shared().clear();
-    admin(serverAdmin, QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(name));
+    serverCommand(serverAdmin, QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(name));
 }

@@ -1,5 +1,9 @@
 #include "BenchSql.h"
 
+#include <libpq-fe.h>
+
+#include <cstdio>
+
 #include "BenchTimer.h"
 #include "SqliteDatabase.h"
 
@@ -45,3 +49,15 @@ const QString ShowAll = QStringLiteral(
     " Left join tblLibAuthors as a1 on (a1.AuthorID = i.Author1)) Left join tblLibAuthors as a2 on (a2.AuthorID = i.Author2) )"
     " where i.PhasedOut=False   Order By Title, AccessionID");
 
+
+bool serverCommand(const QString &server, const QString &sql)
+{
+    PGconn *conn = PQconnectdb(server.toUtf8().constData());
+    PGresult *r = PQexec(conn, sql.toUtf8().constData());
+    const bool ok = PQresultStatus(r) == PGRES_COMMAND_OK;
+    if (!ok)
+        std::fprintf(stderr, "%s", PQerrorMessage(conn));
+    PQclear(r);
+    PQfinish(conn);
+    return ok;
+}

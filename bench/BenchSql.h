@@ -10,3 +10,7 @@ double stepThroughCApi(sqlite3 *db, const QString &jet, int *rows);
 
 /// The stock list's "Show All" statement, as the screen writes it.
 extern const QString ShowAll;
+
+/// Runs one command on a PostgreSQL server as its administrator (creating and dropping the
+/// benchmarks' databases); false, with the server's words on stderr, when it is refused.
+bool serverCommand(const QString &server, const QString &sql);

@@ -28,17 +28,6 @@
 
 namespace {
 
-bool admin(const QString &server, const QString &sql)
-{
-    PGconn *conn = PQconnectdb(server.toUtf8().constData());
-    PGresult *r = PQexec(conn, sql.toUtf8().constData());
-    const bool ok = PQresultStatus(r) == PGRES_COMMAND_OK;
-    if (!ok)
-        std::fprintf(stderr, "%s", PQerrorMessage(conn));
-    PQclear(r);
-    PQfinish(conn);
-    return ok;
-}
 
 // The same translated statement read with libpq alone, every value touched as a reader must.
 double readWithLibpq(const QString &uri, const QString &jet, int *rows)
@@ -166,7 +155,7 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
         return;
     }
     const QString name = QStringLiteral("shelvora_bench_%1").arg(QCoreApplication::applicationPid());
-    if (!admin(serverAdmin, QStringLiteral("CREATE DATABASE %1").arg(name)))
+    if (!serverCommand(serverAdmin, QStringLiteral("CREATE DATABASE %1").arg(name)))
         return;
     QUrl url(serverAdmin);
     url.setPath(QLatin1Char('/') + name);
@@ -196,5 +185,5 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
     benchDesks(schoolFolder, uri);
     LibraryDatabasePath = sqlite;
     ConnectionPool::shared().clear();
-    admin(serverAdmin, QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(name));
+    serverCommand(serverAdmin, QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(name));
 }

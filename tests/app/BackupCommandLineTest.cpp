@@ -1,9 +1,8 @@
 // The program's --backup and --restore, as a school's IT person runs them from a script: one line
 // on success, a non-zero exit with a one-line reason on failure, and a backup killed half way
 // leaves nothing under a backup's name.
-#include "ConnectionPool.h"
 #include "LibraryBackup.h"
-#include "SchoolGenerator.h"
+#include "GeneratedSchoolSuite.h"
 #include "TestDatabases.h"
 
 #include <QDir>
@@ -16,18 +15,8 @@
 
 namespace {
 
-class BackupCommandLine : public ::testing::Test {
+class BackupCommandLine : public GeneratedSchoolSuite {
 protected:
-    static void SetUpTestSuite()
-    {
-        school_ = new QTemporaryDir;
-        SchoolGenerator({20000, 800, 40, 15, 20000, 600, 40, false}).write(school_->filePath("library.db"), school_->filePath("central.db"));
-    }
-    static void TearDownTestSuite()
-    {
-        ConnectionPool::shared().clear();
-        delete school_;
-    }
     void SetUp() override { QDir().mkpath(folder_); }
 
     struct Run {
@@ -37,18 +26,15 @@ protected:
     Run shelvora(const QStringList &arguments)
     {
         QProcess p;
-        p.start(SHELVORA_PROGRAM, QStringList{"--settings", dir_.filePath("none.ini"), "--library", school_->filePath("library.db")} + arguments);
+        p.start(SHELVORA_PROGRAM, QStringList{"--settings", dir_.filePath("none.ini"), "--library", library()} + arguments);
         p.waitForFinished(120000);
         return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()).trimmed(), QString::fromUtf8(p.readAllStandardError()).trimmed()};
     }
     QStringList backupNames() { return QDir(folder_).entryList({"shelvora-library-*"}, QDir::Files | QDir::Hidden); }
 
-    static QTemporaryDir *school_;
     QTemporaryDir dir_;
     QString folder_ = dir_.filePath("backups");
 };
-
-QTemporaryDir *BackupCommandLine::school_ = nullptr;
 
 } // namespace
 
@@ -58,7 +44,7 @@ TEST_F(BackupCommandLine, BackUpAndRestoreSayWhatTheyDidInOneLine)
     EXPECT_EQ(backup.exitCode, 0) << backup.err.toStdString();
     ASSERT_EQ(backupNames().size(), 1);
     const QString file = QDir(folder_).filePath(backupNames().first());
-    EXPECT_EQ(backup.out, "Backed up " + school_->filePath("library.db") + " to " + file + ": 20000 items, "
+    EXPECT_EQ(backup.out, "Backed up " + library() + " to " + file + ": 20000 items, "
                               + QString::number(LibraryBackup::check(file).openLoans) + " open loans, "
                               + QString::number(LibraryBackup::check(file).membersWithFines) + " members with fines.");
 
@@ -82,7 +68,7 @@ TEST_F(BackupCommandLine, AKilledBackupLeavesNoBackupBehind)
     int killedHalfWay = 0;
     for (int attempt = 0; attempt < 10 && killedHalfWay < 2; ++attempt) {
         QProcess p;
-        p.start(SHELVORA_PROGRAM, {"--settings", dir_.filePath("none.ini"), "--library", school_->filePath("library.db"), "--backup", folder_});
+        p.start(SHELVORA_PROGRAM, {"--settings", dir_.filePath("none.ini"), "--library", library(), "--backup", folder_});
         ASSERT_TRUE(p.waitForStarted());
         // The moment its work file appears, the power goes.
         while (p.state() == QProcess::Running && QDir(folder_).entryList({"*.partial*"}, QDir::Files | QDir::Hidden).isEmpty())

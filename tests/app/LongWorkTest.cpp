@@ -6,7 +6,7 @@
 #include "DatabaseLocations.h"
 #include "LibraryStatistics.h"
 #include "MessageScript.h"
-#include "SchoolGenerator.h"
+#include "GeneratedSchoolSuite.h"
 #include "ScreenDriver.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
@@ -19,6 +19,8 @@
 
 #include <QDateEdit>
 #include <QFile>
+#include <QFileInfo>
+#include <QDir>
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -32,22 +34,12 @@ using namespace ScreenDriver;
 
 namespace {
 
-class LongWork : public ::testing::Test {
+class LongWork : public GeneratedSchoolSuite {
 protected:
-    static void SetUpTestSuite()
-    {
-        school_ = new QTemporaryDir;
-        SchoolGenerator({20000, 800, 40, 15, 20000, 600, 40, false}).write(school_->filePath("library.db"), school_->filePath("central.db"));
-    }
-    static void TearDownTestSuite()
-    {
-        ConnectionPool::shared().clear();
-        delete school_;
-    }
     void SetUp() override
     {
-        LibraryDatabasePath = school_->filePath("library.db");
-        CentralDatabasePath = school_->filePath("central.db");
+        LibraryDatabasePath = library();
+        CentralDatabasePath = central();
         messages_ = std::make_unique<MessageScript>();
         beat_.setInterval(1);
         QObject::connect(&beat_, &QTimer::timeout, [this] { ++ticks_; });
@@ -67,13 +59,10 @@ protected:
         return n;
     }
 
-    static QTemporaryDir *school_;
     std::unique_ptr<MessageScript> messages_;
     QTimer beat_;
     int ticks_ = 0;
 };
-QTemporaryDir *LongWork::school_ = nullptr;
-
 TEST_F(LongWork, StatisticsFromTheWorkerEqualTheRoutinesOwn)
 {
     ticks();
@@ -111,7 +100,7 @@ TEST_F(LongWork, ACancelledPdfLeavesNoFile)
 {
     frmOverdueNotices screen;
     click(screen, "cmdDefaultTemplate");
-    const QString pdf = school_->filePath("letters.pdf");
+    const QString pdf = QFileInfo(library()).dir().filePath("letters.pdf");
     frmReportViewer::Saved saved = frmReportViewer::Saved::Yes;
     int pages = 0;
     const auto watch = whenModal<frmReportViewer>([&](frmReportViewer *viewer) {
