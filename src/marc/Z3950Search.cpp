@@ -60,8 +60,10 @@ Z3950Search::Outcome Z3950Search::byIsbn(const QList<RecordSource> &sources, con
         ZOOM_options_set(options, "preferredRecordSyntax", s.syntax.toUtf8().constData());
         ZOOM_options_set(options, "count", QByteArray::number(MostRecords).constData());
         ZOOM_options_set(options, "elementSetName", "F");
-        if (s.sru)
+        if (s.sru) {
             ZOOM_options_set(options, "sru", "get");
+            ZOOM_options_set(options, "schema", "marcxml"); // SRU sends records as XML; MARCXML reads as MARC
+        }
         l->connection = ZOOM_connection_create(options);
         ZOOM_options_destroy(options);
         ZOOM_connection_connect(l->connection, s.address.toUtf8().constData(), 0);

@@ -98,6 +98,13 @@ TEST_F(Z3950SearchTest, ASourceThatDoesNotAnswerIsNamedAndTheOthersCount)
     EXPECT_EQ(outcome.problems.filter("Refusing (" + refusing + "): ").size(), 1);
     ::close(silent);
 
+    // The same server by SRU (CQL on the Bath ISBN index, records in MARCXML).
+    TaskProgress sru;
+    const Z3950Search::Outcome bySru = Z3950Search::byIsbn({{"Local SRU", zebra_->sruAddress(), true, "usmarc", 5}}, "080442957X", sru);
+    EXPECT_TRUE(bySru.problems.isEmpty()) << bySru.problems.join('|').toStdString();
+    ASSERT_EQ(bySru.found.size(), 1);
+    EXPECT_EQ(MarcMapping::fromMarc(bySru.found[0].record, nullptr).authors, QStringList{"Smith, Ann"});
+
     TaskProgress notAnIsbn;
     EXPECT_EQ(Z3950Search::byIsbn(sources, "12345", notAnIsbn).problems, QStringList{"\"12345\" is not an ISBN."});
 }

@@ -56,11 +56,25 @@ ZebraServer::ZebraServer(const QByteArray &records)
     QProcess::execute("zebraidx", {"-c", d.filePath("zebra.cfg"), "-d", "books", "-l", d.filePath("idx.log"), "update", d.filePath("records.mrc")});
     QProcess::execute("zebraidx", {"-c", d.filePath("zebra.cfg"), "-l", d.filePath("idx.log"), "commit"});
     port_ = freePort();
-    server_.start("zebrasrv", {"-c", d.filePath("zebra.cfg"), "-l", d.filePath("srv.log"), QString("tcp:127.0.0.1:%1").arg(port_)});
+    // The server's own configuration: SRU's CQL mapped by YAZ's Bath profile, records as MARCXML.
+    QFile gfs(d.filePath("gfs.xml"));
+    gfs.open(QIODevice::WriteOnly);
+    gfs.write(QString("<yazgfs><listen id=\"l\">tcp:127.0.0.1:%1</listen><server id=\"s\" listenref=\"l\"><directory>%2</directory>"
+                      "<config>zebra.cfg</config><cql2rpn>/usr/share/yaz/etc/pqf.properties</cql2rpn><retrievalinfo>"
+                      "<retrieval syntax=\"usmarc\" name=\"F\"/><retrieval syntax=\"xml\" name=\"marcxml\" "
+                      "identifier=\"info:srw/schema/1/marcxml-v1.1\"><backend syntax=\"usmarc\" name=\"F\"><marc inputformat=\"marc\" "
+                      "outputformat=\"marcxml\" inputcharset=\"utf-8\" outputcharset=\"utf-8\"/></backend></retrieval>"
+                      "</retrievalinfo></server></yazgfs>")
+                  .arg(port_)
+                  .arg(d.path())
+                  .toUtf8());
+    gfs.close();
+    server_.start("zebrasrv", {"-f", d.filePath("gfs.xml"), "-l", d.filePath("srv.log")});
     server_.waitForStarted();
     for (int i = 0; i < 100 && !answers(); ++i)
         QThread::msleep(20);
 }
+
 ZebraServer::~ZebraServer()
 {
     server_.kill();
@@ -68,6 +82,8 @@ ZebraServer::~ZebraServer()
 }
 
 QString ZebraServer::address() const { return QString("127.0.0.1:%1/books").arg(port_); }
+
+QString ZebraServer::sruAddress() const { return QString("http://127.0.0.1:%1/books").arg(port_); }
 
 bool ZebraServer::available() { return !QStandardPaths::findExecutable("zebrasrv").isEmpty(); }
 
