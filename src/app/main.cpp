@@ -178,16 +178,18 @@ int exportMarc(const QString &file)
 {
     try {
         TaskProgress progress;
-        const QList<MarcRecord> records = MarcImport::exportCatalogue(progress);
-        const bool xml = file.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
+        const QByteArray bytes = MarcImport::exportFile(file, progress);
         QFile out(file);
-        if (!out.open(QIODevice::WriteOnly) || out.write(MarcFile::write(records, xml ? MarcFile::Format::MarcXml : MarcFile::Format::Iso2709)) < 0)
+        if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
             return std::fprintf(stderr, "Export failed: cannot write %s.\n", qPrintable(file)), 1;
-        qsizetype copies = 0;
-        for (const MarcRecord &r : records)
-            copies += r.all(QStringLiteral("852")).size();
-        std::printf("Wrote %lld titles (%lld copies) to %s as %s.\n", static_cast<long long>(records.size()), static_cast<long long>(copies),
-                    qPrintable(file), xml ? "MARCXML" : "MARC 21 (UTF-8)");
+        // What was written, counted from the file as any reader would see it.
+        qsizetype titles = 0, copies = 0;
+        for (const MarcFile::Entry &e : MarcFile::read(bytes))
+            if (e.record) {
+                ++titles;
+                copies += e.record->all(QStringLiteral("852")).size();
+            }
+        std::printf("Wrote %lld titles (%lld copies) to %s.\n", static_cast<long long>(titles), static_cast<long long>(copies), qPrintable(file));
         return 0;
     } catch (const AppError &e) {
         return std::fprintf(stderr, "Export failed: %s\n", qPrintable(e.description())), 1;

@@ -173,8 +173,15 @@ MarcImport::Result MarcImport::take(const QList<Row> &rows, const Options &optio
     return result;
 }
 
-QList<MarcRecord> MarcImport::exportCatalogue(TaskProgress &progress)
+QByteArray MarcImport::exportFile(const QString &fileName, TaskProgress &progress, const QStringList &accessions)
 {
+    const bool xml = fileName.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
+    return MarcFile::write(exportCatalogue(progress, accessions), xml ? MarcFile::Format::MarcXml : MarcFile::Format::Iso2709);
+}
+
+QList<MarcRecord> MarcImport::exportCatalogue(TaskProgress &progress, const QStringList &accessions)
+{
+    const QSet<QString> only(accessions.begin(), accessions.end());
     clsDataObject data;
     data.GetData(QStringLiteral(
         "select i.AccessionID, i.Title, i.ByLine, i.ISBN, i.ClassificationNo, i.YearPublished, i.Edition, i.ShelfNumber, i.MainSubject, "
@@ -188,6 +195,8 @@ QList<MarcRecord> MarcImport::exportCatalogue(TaskProgress &progress)
     Recordset &rs = *data.rst;
     for (; !rs.atEnd(); rs.MoveNext()) {
         const auto text = [&rs](int f) { return rs.field(f).isNull() ? QString() : rs.field(f).toString().trimmed(); };
+        if (!only.isEmpty() && !only.contains(rs.field(0).toString()))
+            continue;
         CatalogueRecord t;
         t.title = text(1);
         t.subtitle = text(2);

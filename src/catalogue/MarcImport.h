@@ -39,7 +39,10 @@ public:
     /// Throws AppError (nothing written) for an unknown category or loan type or a failed write;
     /// TaskCancelled when cancelled (nothing written).
     static Result take(const QList<Row> &rows, const Options &options, TaskProgress &progress);
-    /// The whole catalogue as MARC records: one per title (its copies grouped by title, authors and
-    /// ISBN), an 852 for each copy. Removed copies are left out.
-    static QList<MarcRecord> exportCatalogue(TaskProgress &progress);
+    /// The whole catalogue as MARC records (or only the copies with these accession numbers): one per
+    /// title (its copies grouped by title, authors and ISBN), an 852 for each copy. Removed copies
+    /// are left out.
+    static QList<MarcRecord> exportCatalogue(TaskProgress &progress, const QStringList &accessions = {});
+    /// The same as a file's bytes: MARCXML when fileName ends in ".xml", else MARC 21 (UTF-8).
+    static QByteArray exportFile(const QString &fileName, TaskProgress &progress, const QStringList &accessions = {});
 };

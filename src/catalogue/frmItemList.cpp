@@ -3,6 +3,7 @@
 
 #include "AppError.h"
 #include "ItemCriteria.h"
+#include "MarcImport.h"
 #include "Money.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
@@ -15,6 +16,7 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
+#include <QFile>
 #include <QHeaderView>
 #include <QTableView>
 
@@ -81,6 +83,7 @@ frmItemList::frmItemList(const ScreenRegistry &screens, QWidget *parent)
     connect(ui->cmdSubjectSearch, &QPushButton::clicked, this, &frmItemList::cmdSubjectSearch_Click);
     connect(ui->cmdKeywordSearch, &QPushButton::clicked, this, &frmItemList::cmdKeywordSearch_Click);
     connect(ui->cmdPrint, &QPushButton::clicked, this, &frmItemList::cmdPrint_Click);
+    connect(ui->cmdExportMarc, &QPushButton::clicked, this, &frmItemList::cmdExportMarc_Click);
     connect(ui->cmdDone, &QPushButton::clicked, this, &QDialog::accept);
     Trap(Location, QStringLiteral("Form_Load"), [&] { FillItemCategories(data_, ui->cmbCategory); }, [&] { data_.CloseCompact(); });
 }
@@ -386,5 +389,33 @@ void frmItemList::cmdPrint_Click()
         const bool removed = ui->fpSpreadStock->cellText(12, 0) == QLatin1String("Removed Because");
         PrintGridWithHeading(PrintLandscape, removed ? QStringLiteral("Items Removed from the Catalogue") : QStringLiteral("Stock Item List"),
                              *ui->fpSpreadStock);
+    });
+}
+
+void frmItemList::cmdExportMarc_Click()
+{
+    const SpreadGrid &grid = *ui->fpSpreadStock;
+    QStringList accessions;
+    for (int row = 1; row <= grid.maxRows(); ++row)
+        if (const QString a = grid.cellText(1, row); !a.isEmpty())
+            accessions << a;
+    if (accessions.isEmpty()) {
+        UserMessage(QStringLiteral("The list is empty: search or Show All first."));
+        return;
+    }
+    const QString file = ShowSaveFileDialog(this, QStringLiteral("Export MARC Records"), QStringLiteral("MARC 21 (*.mrc);;MARCXML (*.xml)"));
+    if (file.isEmpty())
+        return;
+    Trap(Location, QStringLiteral("cmdExportMarc_Click"), [&] {
+        const auto bytes = TaskRunner(this, QStringLiteral("Exporting %1 items...").arg(accessions.size()), TaskRunner::Cancel::Yes)
+                               .compute<QByteArray>([&](TaskProgress &progress) { return MarcImport::exportFile(file, progress, accessions); });
+        if (!bytes)
+            return;
+        QFile out(file);
+        if (!out.open(QIODevice::WriteOnly) || out.write(*bytes) != bytes->size()) {
+            UserMessage(QStringLiteral("%1 cannot be written.").arg(file));
+            return;
+        }
+        UserMessage(QStringLiteral("The %1 items listed are written to %2.").arg(accessions.size()).arg(file));
     });
 }

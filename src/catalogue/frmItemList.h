@@ -42,6 +42,8 @@ public Q_SLOTS:
     void cmdAddExisting_Click();
     void cmdEdit_Click();
     void cmdPrint_Click();
+    /// "Export MARC Records...": the items listed, as MARC 21 or MARCXML.
+    void cmdExportMarc_Click();
 
 private:
     void fill(const QString &sql);

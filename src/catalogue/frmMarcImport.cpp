@@ -141,11 +141,7 @@ void frmMarcImport::cmdExport_Click()
         return;
     try {
         const auto records = TaskRunner(this, QStringLiteral("Exporting the catalogue..."), TaskRunner::Cancel::Yes)
-                                 .compute<QByteArray>([&](TaskProgress &progress) {
-                                     const bool xml = file.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
-                                     return MarcFile::write(MarcImport::exportCatalogue(progress), xml ? MarcFile::Format::MarcXml
-                                                                                                        : MarcFile::Format::Iso2709);
-                                 });
+                                 .compute<QByteArray>([&](TaskProgress &progress) { return MarcImport::exportFile(file, progress); });
         if (!records)
             return;
         QFile out(file);

@@ -10,6 +10,8 @@
 #include "ScreenDriver.h"
 #include "frmMarcImport.h"
 #include "frmRecordSources.h"
+#include "frmItemList.h"
+#include "ScreenRegistry.h"
 #include "SpreadGrid.h"
 
 #include <QFile>
@@ -181,4 +183,23 @@ TEST_F(MarcImportTest, RecordSourcesAreSavedTogetherOrNotAtAll)
     EXPECT_EQ(messages_->prompts().value(0), "The record sources are saved.");
     EXPECT_EQ(libraryRows("select SourceName, Address, TimeoutSeconds, Enabled from tblLibRecordSources order by SourceID").value(2),
               "Provincial 'union' catalogue|z3950.example.org:210/books|5|True");
+}
+
+// The stock list exports what it lists, and only that.
+TEST_F(MarcImportTest, TheStockListExportsTheItemsListed)
+{
+    ScreenRegistry screens;
+    frmItemList list(screens);
+    ScreenDriver::type(list, "txtTitle", "Old");
+    ScreenDriver::click(list, "cmdSearch");
+    ASSERT_EQ(ScreenDriver::rows(list, "fpSpreadStock").size(), 1);
+    messages_->queueFileName(path("old.xml"));
+    ScreenDriver::click(list, "cmdExportMarc");
+    EXPECT_EQ(messages_->prompts().value(0), "The 1 items listed are written to " + path("old.xml") + ".");
+    QFile written(path("old.xml"));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QList<MarcFile::Entry> records = MarcFile::read(written.readAll());
+    ASSERT_EQ(records.size(), 1);
+    EXPECT_EQ(records[0].record->first("245", 'a'), "Old Title");
+    EXPECT_EQ(records[0].record->first("852", 'p'), "A0100");
 }
