@@ -280,7 +280,7 @@ bool ItemSheet::ValidateData(ItemDetails *item) const
     return true;
 }
 
-QString NextAccessionAfter(const QString &last)
+QString NextAccessionAfter(const QString &last, AccessionRange range)
 {
     qsizetype start = last.size();
     while (start > 0 && last[start - 1] >= QLatin1Char('0') && last[start - 1] <= QLatin1Char('9'))
@@ -292,11 +292,12 @@ QString NextAccessionAfter(const QString &last)
     while (firstSignificant < digits.size() - 1 && digits[firstSignificant] == QLatin1Char('0'))
         ++firstSignificant;
     const QString significant = digits.mid(firstSignificant);
-    // The run is a 16-bit number: 32767 and more cannot be incremented.
-    if (significant.size() > 5 || significant.toInt() >= 32767)
+    // The editor's run is a 16-bit number: 32767 and more cannot be incremented.
+    const qint64 limit = range == AccessionRange::SixteenBit ? 32767 : 999999999999999LL;
+    if (significant.size() > (range == AccessionRange::SixteenBit ? 5 : 15) || significant.toLongLong() >= limit)
         throw AppError(AppError::Overflow, QStringLiteral("Overflow"));
     // The leading zeros are kept even when the increment adds a digit (A0099 gives A00100).
-    return last.left(start) + QString(firstSignificant, QLatin1Char('0')) + QString::number(significant.toInt() + 1);
+    return last.left(start) + QString(firstSignificant, QLatin1Char('0')) + QString::number(significant.toLongLong() + 1);
 }
 
 namespace {

@@ -71,5 +71,7 @@ private:
 
 /// The accession number proposed after last (the accession rule): the digits at its end
 /// incremented as a 16-bit number with their leading zeros kept, or "1" appended when it ends in
-/// none. Throws AppError Overflow when the digits are worth 32767 or more.
-QString NextAccessionAfter(const QString &last);
+/// none. Throws AppError Overflow when the digits are worth 32767 or more. An import numbers copies
+/// by the same rule with runs of up to 15 digits, so a large library's numbers go on.
+enum class AccessionRange { SixteenBit, Wide };
+QString NextAccessionAfter(const QString &last, AccessionRange range = AccessionRange::SixteenBit);

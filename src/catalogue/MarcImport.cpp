@@ -154,7 +154,7 @@ MarcImport::Result MarcImport::take(const QList<Row> &rows, const Options &optio
                     item.accessionID = own;
                 } else {
                     do
-                        accession = NextAccessionAfter(accession);
+                        accession = NextAccessionAfter(accession, AccessionRange::Wide);
                     while (held.contains(accession.toCaseFolded()));
                     item.accessionID = accession;
                 }

@@ -119,6 +119,7 @@ TEST(AccessionRule, ProposesTheNextNumber)
                                                            {"32766", "32767"}, {"B 19", "B 20"},    {"Ä7", "Ä8"}};
     for (const auto &[last, next] : table)
         EXPECT_EQ(NextAccessionAfter(QString::fromUtf8(last)), QString::fromUtf8(next)) << last;
+    EXPECT_EQ(NextAccessionAfter("R100000", AccessionRange::Wide), "R100001") << "an import goes on past the editor's range";
     for (const char *last : {"32767", "A99999", "1234567890123"}) {
         try {
             NextAccessionAfter(last);
