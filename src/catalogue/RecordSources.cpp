@@ -6,7 +6,7 @@
 QList<RecordSource> RecordSources::enabled(clsDataObject &data)
 {
     QList<RecordSource> sources;
-    data.GetData(QStringLiteral("select SourceName, Address, Protocol, RecordSyntax, TimeoutSeconds from tblLibRecordSources "
+    data.GetData(QStringLiteral("select SourceName, Address, Protocol, RecordSyntax, TimeoutSeconds, CharacterSet from tblLibRecordSources "
                                 "where Enabled = true order by SourceID"));
     for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
         RecordSource s;
@@ -17,6 +17,7 @@ QList<RecordSource> RecordSources::enabled(clsDataObject &data)
             s.syntax = rs.field(3).toString();
         if (!rs.field(4).isNull() && rs.field(4).toInt() > 0)
             s.timeoutSeconds = rs.field(4).toInt();
+        s.characterSet = rs.field(5).isNull() ? QString() : rs.field(5).toString();
         sources << s;
     }
     data.CloseCompact();

@@ -11,7 +11,7 @@
 
 namespace {
 const QString Location = QStringLiteral("frmRecordSources");
-enum Column { Name = 1, Address, Protocol, Syntax, Timeout, On };
+enum Column { Name = 1, Address, Protocol, Syntax, Charset, Timeout, On };
 QString quoted(const QString &t) { return QLatin1Char('\'') + Safesql(t) + QLatin1Char('\''); }
 } // namespace
 
@@ -19,12 +19,13 @@ frmRecordSources::frmRecordSources(QWidget *parent) : QDialog(parent), ui(std::m
 {
     ui->setupUi(this);
     SpreadGrid &g = *ui->gridSources;
-    g.defineColumns({{"Name", 26}, {"Address", 34}, {"Protocol", 9}, {"Record syntax", 13}, {"Timeout (s)", 11}, {"On", 4}});
+    g.defineColumns({{"Name", 26}, {"Address", 34}, {"Protocol", 9}, {"Record syntax", 13}, {"Character set", 13}, {"Timeout (s)", 11}, {"On", 4}});
     g.setColumnLocked(Name, false);
     g.setColumnLocked(Address, false);
     g.setColumnType(Protocol, SpreadModel::CellType::Combo);
     g.setColumnLocked(Protocol, false);
     g.setColumnLocked(Syntax, false);
+    g.setColumnLocked(Charset, false);
     g.setColumnLocked(Timeout, false);
     g.setColumnType(On, SpreadModel::CellType::CheckBox);
     connect(ui->cmdAddSource, &QPushButton::clicked, this, &frmRecordSources::cmdAddSource_Click);
@@ -39,14 +40,15 @@ void frmRecordSources::Form_Load()
 {
     Trap(Location, QStringLiteral("Form_Load"), [&] {
         clsDataObject data;
-        data.GetData(QStringLiteral("select SourceName, Address, Protocol, RecordSyntax, TimeoutSeconds, Enabled from tblLibRecordSources order by SourceID"));
+        data.GetData(QStringLiteral("select SourceName, Address, Protocol, RecordSyntax, CharacterSet, TimeoutSeconds, Enabled from tblLibRecordSources order by SourceID"));
         SpreadGrid &g = *ui->gridSources;
         g.clearRows();
         for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
             const int row = g.appendRow({rs.field(0).toString(), rs.field(1).toString(), rs.field(2).toString(), rs.field(3).toString(),
-                                         rs.field(4).isNull() ? QStringLiteral("10") : rs.field(4).toString()});
+                                         rs.field(4).isNull() ? QString() : rs.field(4).toString(),
+                                         rs.field(5).isNull() ? QStringLiteral("10") : rs.field(5).toString()});
             g.setCellList(Protocol, row, {QStringLiteral("Z39.50"), QStringLiteral("SRU")});
-            g.setChecked(On, row, rs.field(5).toBool());
+            g.setChecked(On, row, rs.field(6).toBool());
         }
         data.CloseCompact();
     });
@@ -55,7 +57,7 @@ void frmRecordSources::Form_Load()
 void frmRecordSources::cmdAddSource_Click()
 {
     SpreadGrid &g = *ui->gridSources;
-    const int row = g.appendRow({QString(), QString(), QStringLiteral("Z39.50"), QStringLiteral("usmarc"), QStringLiteral("10")});
+    const int row = g.appendRow({QString(), QString(), QStringLiteral("Z39.50"), QStringLiteral("usmarc"), QString(), QStringLiteral("10")});
     g.setCellList(Protocol, row, {QStringLiteral("Z39.50"), QStringLiteral("SRU")});
     g.setChecked(On, row, true);
     g.setActiveCell(Name, row);
@@ -86,9 +88,11 @@ void frmRecordSources::cmdSave_Click()
             return;
         }
         const QString syntax = g.cellText(Syntax, row).trimmed().isEmpty() ? QStringLiteral("usmarc") : g.cellText(Syntax, row).trimmed().left(20);
-        inserts << QStringLiteral("Insert into tblLibRecordSources (SourceName, Address, Protocol, RecordSyntax, TimeoutSeconds, Enabled) values (")
+        inserts << QStringLiteral("Insert into tblLibRecordSources (SourceName, Address, Protocol, RecordSyntax, CharacterSet, TimeoutSeconds, "
+                                  "Enabled) values (")
                        + quoted(name) + QLatin1Char(',') + quoted(address) + QLatin1Char(',') + quoted(g.cellText(Protocol, row)) + QLatin1Char(',')
-                       + quoted(syntax) + QLatin1Char(',') + QString::number(timeout) + QLatin1Char(',')
+                       + quoted(syntax) + QLatin1Char(',') + quoted(g.cellText(Charset, row).trimmed().left(20)) + QLatin1Char(',')
+                       + QString::number(timeout) + QLatin1Char(',')
                        + (g.isChecked(On, row) ? QStringLiteral("true") : QStringLiteral("false")) + QLatin1Char(')');
     }
     Trap(Location, QStringLiteral("cmdSave_Click"), [&] {

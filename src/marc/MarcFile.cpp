@@ -164,8 +164,9 @@ QList<MarcFile::Entry> MarcFile::read(const QByteArray &bytes)
         Marc marc;
         std::optional<MarcRecord> record;
         if (yaz_marc_read_iso2709(marc.mt, raw.data(), int(raw.size())) > 0) {
-            // Leader position 9 "a" claims UTF-8; bytes that are not UTF-8 are MARC-8 whatever it claims.
-            const bool utf8 = raw[9] == 'a' && validUtf8(raw);
+            // The bytes decide, whatever leader position 9 claims: valid UTF-8 is UTF-8, anything else
+            // MARC-8 (whose accents are bytes that never form valid UTF-8 before a letter).
+            const bool utf8 = validUtf8(raw);
             Converter marc8("utf-8", "marc8");
             yaz_marc_iconv(marc.mt, utf8 ? nullptr : marc8.cd);
             record = recordOf(marc.mt);

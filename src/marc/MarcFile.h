@@ -6,8 +6,8 @@
 #include <QList>
 #include <optional>
 
-/// Files of MARC records, read and written with YAZ: ISO 2709 (a record whose leader claims
-/// UTF-8 but whose bytes are not is read as MARC-8, as is one that claims MARC-8) and MARCXML.
+/// Files of MARC records, read and written with YAZ: ISO 2709 (whatever its leader claims, a
+/// record whose bytes are valid UTF-8 is read as UTF-8 and any other as MARC-8) and MARCXML.
 class MarcFile {
 public:
     /// One record of a file as read: the record, or why it could not be read.

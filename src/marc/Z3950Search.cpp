@@ -95,7 +95,11 @@ Z3950Search::Outcome Z3950Search::byIsbn(const QList<RecordSource> &sources, con
         for (size_t i = 0; i < hits && i < size_t(MostRecords); ++i) {
             ZOOM_record record = ZOOM_resultset_record_immediate(l.results, i);
             int length = 0;
-            const char *raw = record ? ZOOM_record_get(record, "raw", &length) : nullptr;
+            const QString cs = l.source->characterSet.trimmed().toLower();
+            const QByteArray type = cs.isEmpty() || cs == QLatin1String("marc8") || cs == QLatin1String("marc-8") || cs == QLatin1String("utf-8")
+                                        ? QByteArray("raw")
+                                        : QStringLiteral("raw; charset=%1,utf-8").arg(cs).toLatin1();
+            const char *raw = record ? ZOOM_record_get(record, type.constData(), &length) : nullptr;
             if (!raw || length <= 0)
                 continue;
             for (const MarcFile::Entry &e : MarcFile::read(QByteArray(raw, length)))

@@ -16,6 +16,9 @@ struct RecordSource {
     bool sru = false;
     QString syntax = QStringLiteral("usmarc"); // the record syntax asked for
     int timeoutSeconds = 10;
+    /// The records' character set when it is neither MARC-8 nor UTF-8 (e.g. "iso-8859-1"): they are
+    /// converted to UTF-8 as they come. Empty: MARC-8 or UTF-8, told apart by their bytes.
+    QString characterSet = QString();
 };
 
 /// Finds a book's records at every source at once (YAZ's ZOOM, without blocking on any one of

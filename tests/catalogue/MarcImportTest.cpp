@@ -168,21 +168,22 @@ TEST_F(MarcImportTest, RecordSourcesAreSavedTogetherOrNotAtAll)
 {
     frmRecordSources screen;
     EXPECT_EQ(ScreenDriver::rows(screen, "gridSources"),
-              (QStringList{"Library of Congress|lx2.loc.gov:210/LCDB|Z39.50|usmarc|10|1", "Library of Congress (SRU)|http://lx2.loc.gov:210/LCDB|SRU|usmarc|10|0"}));
+              (QStringList{"Library of Congress|lx2.loc.gov:210/LCDB|Z39.50|usmarc||10|1", "Library of Congress (SRU)|http://lx2.loc.gov:210/LCDB|SRU|usmarc||10|0"}));
     ScreenDriver::click(screen, "cmdAddSource");
     SpreadGrid &g = *ScreenDriver::child<SpreadGrid>(screen, "gridSources");
     g.setCellText(1, 3, "Provincial 'union' catalogue");
     g.setCellText(2, 3, "z3950.example.org:210/books");
-    g.setCellText(5, 3, "ten");
+    g.setCellText(6, 3, "ten");
     ScreenDriver::click(screen, "cmdSave");
     EXPECT_EQ(messages_->prompts().value(0), "The timeout must be a number of seconds from 1 to 120 (line 3). Nothing was saved.");
     EXPECT_EQ(libraryValue("select count(*) from tblLibRecordSources"), "2");
     messages_->clear();
-    g.setCellText(5, 3, "5");
+    g.setCellText(5, 3, "iso-8859-1");
+    g.setCellText(6, 3, "5");
     ScreenDriver::click(screen, "cmdSave");
     EXPECT_EQ(messages_->prompts().value(0), "The record sources are saved.");
-    EXPECT_EQ(libraryRows("select SourceName, Address, TimeoutSeconds, Enabled from tblLibRecordSources order by SourceID").value(2),
-              "Provincial 'union' catalogue|z3950.example.org:210/books|5|True");
+    EXPECT_EQ(libraryRows("select SourceName, Address, CharacterSet, TimeoutSeconds, Enabled from tblLibRecordSources order by SourceID").value(2),
+              "Provincial 'union' catalogue|z3950.example.org:210/books|iso-8859-1|5|True");
 }
 
 // The stock list exports what it lists, and only that.

@@ -107,6 +107,10 @@ TEST(MarcFileTest, RecordsSurviveEveryFormAndCharacterSet)
     lying[9] = 'a';
     ASSERT_TRUE(MarcFile::read(lying).value(0).record);
     EXPECT_EQ(MarcMapping::fromMarc(*MarcFile::read(lying)[0].record, nullptr).authors.value(0), QString::fromUtf8("Geneviève, Łódź"));
+    // And one that claims MARC-8 but holds UTF-8 is read as UTF-8.
+    QByteArray modest = MarcFile::write({r}, MarcFile::Format::Iso2709);
+    modest[9] = ' ';
+    EXPECT_EQ(MarcMapping::fromMarc(*MarcFile::read(modest)[0].record, nullptr).authors.value(0), QString::fromUtf8("Geneviève, Łódź"));
 }
 
 // Broken records are named with their reason and the records around them still read; files that

@@ -8,6 +8,7 @@
 #include "ZebraServer.h"
 
 #include <QElapsedTimer>
+#include <QProcess>
 
 #include <gtest/gtest.h>
 
@@ -36,8 +37,14 @@ protected:
         const QList<MarcRecord> marc8{book(QString::fromUtf8("Łódź stories"), QString::fromUtf8("Geneviève, Anaïs"), "0198526636", "1999")};
         const QList<MarcRecord> utf8{book("The Newer Edition", "Dlamini, Zola", "9780198526636", "2021"),
                                     book("Another Book", "Smith, Ann", "9780804429573", "2010")};
+        // A source that sends Latin-1 records (YAZ's own converter writes the test's).
+        QProcess latin1;
+        latin1.start("yaz-marcdump", {"-f", "utf-8", "-t", "iso-8859-1", "-i", "marc", "-o", "marc", "/dev/stdin"});
+        latin1.write(MarcFile::write({book(QString::fromUtf8("Café society"), "Naudé, Pierre", "9780306406157", "2015")}, MarcFile::Format::Iso2709));
+        latin1.closeWriteChannel();
+        latin1.waitForFinished();
         zebra_ = new ZebraServer(MarcFile::write(marc8, MarcFile::Format::Iso2709, MarcFile::Characters::Marc8)
-                                 + MarcFile::write(utf8, MarcFile::Format::Iso2709));
+                                 + MarcFile::write(utf8, MarcFile::Format::Iso2709) + latin1.readAllStandardOutput());
     }
     static void TearDownTestSuite()
     {
@@ -104,6 +111,13 @@ TEST_F(Z3950SearchTest, ASourceThatDoesNotAnswerIsNamedAndTheOthersCount)
     EXPECT_TRUE(bySru.problems.isEmpty()) << bySru.problems.join('|').toStdString();
     ASSERT_EQ(bySru.found.size(), 1);
     EXPECT_EQ(MarcMapping::fromMarc(bySru.found[0].record, nullptr).authors, QStringList{"Smith, Ann"});
+
+    // A source whose records are Latin-1 is read through its character set.
+    TaskProgress latin1;
+    const Z3950Search::Outcome converted =
+        Z3950Search::byIsbn({{"Latin-1", zebra_->address(), false, "usmarc", 5, "iso-8859-1"}}, "9780306406157", latin1);
+    ASSERT_EQ(converted.found.size(), 1) << converted.problems.join('|').toStdString();
+    EXPECT_EQ(MarcMapping::fromMarc(converted.found[0].record, nullptr).title, QString::fromUtf8("Café society"));
 
     TaskProgress notAnIsbn;
     EXPECT_EQ(Z3950Search::byIsbn(sources, "12345", notAnIsbn).problems, QStringList{"\"12345\" is not an ISBN."});
