@@ -454,6 +454,19 @@ void frmItemAddModify::cmdFindIsbn_Click()
                          || UserQuestion(QStringLiteral("These names are not in their lists yet:\n") + missing.join(QLatin1Char('\n'))
                                          + QStringLiteral("\n\nAdd them when the item is saved?"));
         sheet_->showFound(found, add);
+        // Headings the subject list holds (whole, or their main heading) are proposed as the item's
+        // subject search terms, saved with "Save Search Terms" as any other.
+        for (const QString &heading : found.subjects)
+            for (const QString &candidate : {heading, heading.section(QStringLiteral(" -- "), 0, 0)}) {
+                data_.GetData(QStringLiteral("select Id, SubjectDescription from tblLibSubjectCodes where phasedout = false and "
+                                             "SubjectDescription = '") + Safesql(candidate.left(255)) + QLatin1Char('\''));
+                const bool held = !data_.rst->atEnd();
+                if (held)
+                    AddSearchTerm(*ui->gridSearchTerms, data_.rst->field(0).toInt(), {data_.rst->field(1).toString()});
+                data_.CloseCompact();
+                if (held)
+                    break;
+            }
         ui->griditems->setFocus();
     });
 }

@@ -517,6 +517,7 @@ TEST_F(ItemEditor, AScannedIsbnFillsTheSheetFromTheRecordSources)
     ZebraServer zebra(MarcFile::write({older, newer}, MarcFile::Format::Iso2709));
     library("Update tblLibRecordSources set Enabled = false");
     library("Insert into tblLibRecordSources (SourceName, Address, TimeoutSeconds) values ('School cluster', '" + zebra.address() + "', 5)");
+    library("Insert into tblLibSubjectCodes (SubjectDescription, ClassificationNo, PhasedOut) values ('Apartheid', '968', false)"); // 4
     frmItemAddModify screen(screens_);
     QLineEdit *scan = child<QLineEdit>(screen, "txtFindIsbn");
 
@@ -548,6 +549,7 @@ TEST_F(ItemEditor, AScannedIsbnFillsTheSheetFromTheRecordSources)
     EXPECT_EQ(g.cellText(5, 5), "Afrikaans");
     EXPECT_EQ(g.cellText(5, 2), "9780804429573");
     EXPECT_EQ(g.cellText(2, 10), "839.3635");
+    EXPECT_EQ(rows(screen, "gridSearchTerms"), QStringList{"Apartheid"}) << "the heading the subject list holds is proposed";
     EXPECT_EQ(libraryValue("select count(*) from tblLibAuthors"), "3") << "a name was written before Save";
 
     g.setCellText(2, 2, "Book");
