@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDate>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+/// What the web catalogue shows of the library: titles (copies grouped by title, main author and
+/// ISBN) with their availability counted over the copies. Removed copies are never shown.
+class OpacCatalogue {
+public:
+    static constexpr int PageSize = 20;
+
+    struct Title {
+        int itemID = 0; // one copy of the title, the address of its page
+        QString title, author, year, classification, isbn;
+        int copies = 0, onShelf = 0;
+        bool referenceOnly = false;
+        QDate dueBack; // the earliest due date when every copy is out
+        /// "2 of 3 on the shelf", "Due back 2026-12-07" or "Reference only".
+        QString availability() const;
+    };
+    struct Page {
+        QList<Title> titles;
+        int total = 0; // titles found in all
+    };
+    /// Titles whose title, author, ISBN, accession number, keyword (English or Afrikaans) or
+    /// subject matches what was typed; page counts from 1. Throws AppError.
+    static Page search(const QString &text, int page);
+
+    struct Copy {
+        QString accession, shelf, state; // "On the shelf", "Due back 2026-12-07", "Reference only"
+    };
+    struct Details {
+        Title title;
+        QString subtitle, publisher, series;
+        QList<Copy> copies;
+    };
+    /// The title one copy belongs to, with every copy; empty for a removed or unknown copy.
+    static std::optional<Details> details(int itemID);
+};

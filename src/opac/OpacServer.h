@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+namespace httplib {
+class Server;
+}
+
+/// The web catalogue's HTTP server: "/" and "/search?q=...&page=N" (the search page), "/title/N"
+/// (a title and its copies). Requests are answered on the server's own threads, each through a
+/// data object of its own; a failure is a plain page, never an engine's words.
+class OpacServer {
+public:
+    OpacServer();
+    ~OpacServer();
+
+    /// Binds address:port (port 0: any free one); the port bound, or -1 when it cannot.
+    int bind(const QString &address, int port);
+    /// Answers requests until stop() (blocks).
+    void run();
+    void stop();
+
+private:
+    std::unique_ptr<httplib::Server> server_;
+};

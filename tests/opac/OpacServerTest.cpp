@@ -1,0 +1,119 @@
+// The web catalogue served for real on 127.0.0.1 and asked over HTTP, on each engine.
+#include "Engine.h"
+#include "OpacServer.h"
+#include "PhysicalConnection.h"
+#include "Recordset.h"
+#include "TestDatabases.h"
+
+#include <QElapsedTimer>
+#include <QUrl>
+
+#include <httplib.h>
+
+#include <thread>
+
+namespace {
+
+class OpacServerTest : public DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        library("Insert into tblLibAuthors (AuthorSurname, AuthorFirstName) values ('Brink', 'André')");
+        // Three copies, one out; one reference copy; one title with its only copy out; a removed copy.
+        for (const char *a : {"A1", "A2", "A3"})
+            library(QString("Insert into tblLibItems (AccessionID, Title, Author1, YearPublished, ClassificationNo) values ('%1', "
+                            "'Kennis van die aand', 1, 1973, '839.36')").arg(a));
+        library("Insert into tblLibItems (AccessionID, Title, ReferenceItem) values ('R1', 'Atlas of Africa', true)");
+        library("Insert into tblLibItems (AccessionID, Title) values ('B1', 'Kennis is mag')");
+        library("Insert into tblLibItems (AccessionID, Title, PhasedOut) values ('X1', 'Kennis verloor', true)");
+        library("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('A2', 'L', 1, 2, #2026-11-20#, #2026-12-04#)");
+        library("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('B1', 'L', 1, 5, #2026-11-20#, #2026-12-07#)");
+        port_ = server_.bind("127.0.0.1", 0);
+        ASSERT_GT(port_, 0);
+        thread_ = std::thread([this] { server_.run(); });
+        client_ = std::make_unique<httplib::Client>("127.0.0.1", port_);
+        client_->set_read_timeout(10, 0);
+    }
+    void TearDown() override
+    {
+        server_.stop();
+        if (thread_.joinable())
+            thread_.join();
+        DatabaseTest::TearDown();
+    }
+    QString page(const std::string &path, int *status = nullptr)
+    {
+        const auto res = client_->Get(path.c_str());
+        if (!res)
+            return "no answer";
+        if (status)
+            *status = res->status;
+        return QString::fromStdString(res->body);
+    }
+    static std::string query(const QString &typed) { return "/search?q=" + QUrl::toPercentEncoding(typed).toStdString(); }
+
+    OpacServer server_;
+    std::thread thread_;
+    int port_ = 0;
+    std::unique_ptr<httplib::Client> client_;
+};
+
+} // namespace
+
+// A search lists each title once with its availability counted over its copies; removed copies
+// are never shown; the title's page lists every copy with its state.
+TEST_F(OpacServerTest, TitlesShowWhetherTheyAreOnTheShelf)
+{
+    const QString found = page(query("kennis"));
+    EXPECT_TRUE(found.contains("2 titles; 1 to 2 shown.")) << found.toStdString();
+    EXPECT_TRUE(found.contains(QString::fromUtf8("Kennis van die aand</a><br>Brink, André, 1973 &middot; Shelf 839.36<br><span class=\"available\">2 of 3 on the shelf")));
+    EXPECT_TRUE(found.contains("Kennis is mag</a>")) << found.toStdString();
+    EXPECT_TRUE(found.contains("Due back 2026-12-07"));
+    EXPECT_FALSE(found.contains("verloor")) << "a removed copy was shown";
+    EXPECT_TRUE(page(query("atlas")).contains("Reference only"));
+    EXPECT_TRUE(page(query("A2")).contains("Kennis van die aand")) << "by accession number";
+    EXPECT_TRUE(page(query("brink")).contains("Kennis van die aand")) << "by author";
+
+    const QString title = page("/title/1");
+    EXPECT_TRUE(title.contains("<tr><td>A1</td><td>839.36</td><td>On the shelf</td></tr>")) << title.toStdString();
+    EXPECT_TRUE(title.contains("<tr><td>A2</td><td>839.36</td><td>Due back 2026-12-04</td></tr>"));
+    int status = 0;
+    page("/title/6", &status);
+    EXPECT_EQ(status, 404) << "a removed copy's page";
+}
+
+// Hostile searches get a normal page with the text shown as text, never an engine's words, and
+// change nothing.
+TEST_F(OpacServerTest, HostileSearchesAreShownAsTextAndChangeNothing)
+{
+    const QStringList before = libraryRows("select ItemID, AccessionID, Title from tblLibItems order by ItemID");
+    for (const QString &hostile : {QString("<script>alert(1)</script>"), QString("' or 1=1 --"), QString("\"; drop table tblLibItems; --"),
+                                   QString(10000, 'x'), QString("a") + QChar(0) + "b", QString::fromUtf8("\u202Etxet"), QString("%_*[")}) {
+        int status = 0;
+        const QString body = page(query(hostile), &status);
+        // (an address longer than any search box sends is refused by the server, with a page of ours)
+        EXPECT_EQ(status, hostile.size() > 1000 ? 414 : 200) << hostile.left(40).toStdString();
+        EXPECT_TRUE(body.contains("<h1>Search the library</h1>")) << hostile.left(40).toStdString();
+        EXPECT_FALSE(body.contains("<script>")) << "not escaped";
+        for (const char *engine : {"SQL", "syntax", "sqlite", "ERROR", "Jet"})
+            EXPECT_FALSE(body.contains(engine)) << engine << " for " << hostile.left(40).toStdString();
+    }
+    EXPECT_TRUE(page(query("<script>")).contains("&lt;script&gt;"));
+    EXPECT_EQ(libraryRows("select ItemID, AccessionID, Title from tblLibItems order by ItemID"), before);
+}
+
+// A desk in the middle of writing neither holds the catalogue up nor shows it half a transaction.
+TEST_F(OpacServerTest, ADeskWritingNeitherBlocksNorShowsHalfItsWork)
+{
+    const auto desk = EngineRegistry::installed().open(libraryPath_, false);
+    desk->beginTransaction();
+    Recordset none;
+    desk->execute("Insert into tblLibItems (AccessionID, Title) values ('N1', 'Nuwe boek')", &none);
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_TRUE(page(query("nuwe")).contains("Nothing in the library matches")) << "half a transaction was seen";
+    EXPECT_LT(clock.elapsed(), 2000) << "the desk's open transaction held the catalogue up";
+    desk->commitTransaction();
+    EXPECT_TRUE(page(query("nuwe")).contains("Nuwe boek"));
+}
