@@ -29,6 +29,27 @@ public:
     /// subject matches what was typed; page counts from 1. Throws AppError.
     static Page search(const QString &text, int page);
 
+    /// The advanced search's choices (ids of the lists; 0 for any); what is typed as in search().
+    struct Filter {
+        QString text;
+        int category = 0, subCategory = 0, language = 0, series = 0;
+        bool any() const { return !text.trimmed().isEmpty() || category || subCategory || language || series; }
+    };
+    static Page search(const Filter &filter, int page);
+    /// A pick list of the advanced form: id and name, in name order.
+    struct Choice {
+        int id = 0;
+        QString name;
+    };
+    enum class List { Categories, SubCategories, Languages, Series };
+    static QList<Choice> choices(List list);
+
+    /// Titles added in the last 30 days, newest first.
+    static Page newInTheLibrary(int page);
+    /// The titles lent most since the term began (the quarter: January, April, July, October), with
+    /// their number of loans; at most 20.
+    static QList<QPair<Title, int>> mostBorrowed(QDate *since);
+
     struct Copy {
         QString accession, shelf, state; // "On the shelf", "Due back 2026-12-07", "Reference only"
     };
@@ -36,6 +57,7 @@ public:
         Title title;
         QString subtitle, publisher, series;
         QList<Copy> copies;
+        QList<Title> byAuthor, inSeries; // the library's other titles
     };
     /// The title one copy belongs to, with every copy; empty for a removed or unknown copy.
     static std::optional<Details> details(int itemID);

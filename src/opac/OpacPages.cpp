@@ -13,20 +13,57 @@ QString layout(const QString &heading, const QString &body)
                           "input[type=search]{width:70%;font-size:1.1em}button{font-size:1.1em}"
                           "ul.results{list-style:none;padding:0}ul.results li{border-bottom:1px solid #ccc;padding:.5em 0}"
                           ".available{color:#064}.out{color:#7a2000}table{border-collapse:collapse}td,th{padding:.2em .6em;text-align:left}"
-                          "</style></head><body><header><p><a href=\"/\">Library catalogue</a></p></header><main>"
+                          "</style></head><body><header><nav aria-label=\"Catalogue\"><a href=\"/\">Search</a> | "
+                          "<a href=\"/new\">New in the library</a> | <a href=\"/popular\">Most borrowed this term</a></nav></header><main>"
                           "<h1>%1</h1>%2</main></body></html>\n")
         .arg(OpacPages::escaped(heading), body);
 }
 
-QString searchForm(const QString &typed)
+QString searchForm(const QString &typed, const QString &advanced = QString())
 {
     return QStringLiteral("<form action=\"/search\" method=\"get\" role=\"search\"><label for=\"q\">Title, author, subject, keyword, ISBN or "
                           "accession number</label><br><input type=\"search\" id=\"q\" name=\"q\" value=\"%1\" maxlength=\"200\"> "
-                          "<button type=\"submit\">Search</button></form>")
-        .arg(OpacPages::escaped(typed));
+                          "<button type=\"submit\">Search</button>%2</form>")
+        .arg(OpacPages::escaped(typed), advanced);
 }
 
-QString availabilityClass(const OpacCatalogue::Title &t) { return t.onShelf > 0 ? QStringLiteral("available") : QStringLiteral("out"); }
+// One list of the advanced form, the chosen entry selected.
+QString select(const char *name, const char *label, const QList<OpacCatalogue::Choice> &choices, int chosen)
+{
+    QString html = QStringLiteral("<p><label for=\"%1\">%2</label><br><select id=\"%1\" name=\"%1\"><option value=\"0\">Any</option>")
+                       .arg(QLatin1String(name), QLatin1String(label));
+    for (const OpacCatalogue::Choice &c : choices)
+        html += QStringLiteral("<option value=\"%1\"%2>%3</option>").arg(c.id).arg(c.id == chosen ? QStringLiteral(" selected") : QString(),
+                                                                                OpacPages::escaped(c.name));
+    return html + QStringLiteral("</select></p>");
+}
+
+QString titleList(const QList<OpacCatalogue::Title> &titles)
+{
+    QString body = QStringLiteral("<ul class=\"results\">");
+    for (const OpacCatalogue::Title &t : titles)
+        body += QStringLiteral("<li><a href=\"/title/%1\">%2</a><br>%3%4%5<br><span class=\"%6\">%7</span></li>")
+                    .arg(t.itemID)
+                    .arg(OpacPages::escaped(t.title), OpacPages::escaped(t.author),
+                         t.year.isEmpty() ? QString() : QStringLiteral(", ") + OpacPages::escaped(t.year),
+                         t.classification.isEmpty() ? QString() : QStringLiteral(" &middot; Shelf ") + OpacPages::escaped(t.classification),
+                         t.onShelf > 0 ? QStringLiteral("available") : QStringLiteral("out"), OpacPages::escaped(t.availability()));
+    return body + QStringLiteral("</ul>");
+}
+
+// The titles of a page and the links to the pages before and after it (query: the address's own).
+QString pagedTitles(const OpacCatalogue::Page &results, int page, const QString &path, const QString &query)
+{
+    const int first = (page - 1) * OpacCatalogue::PageSize + 1;
+    QString body = QStringLiteral("<p>%1 titles; %2 to %3 shown.</p>").arg(results.total).arg(first).arg(first + int(results.titles.size()) - 1)
+                   + titleList(results.titles) + QStringLiteral("<nav aria-label=\"Pages\">");
+    const QString base = path + QLatin1Char('?') + (query.isEmpty() ? QString() : query + QStringLiteral("&amp;"));
+    if (page > 1)
+        body += QStringLiteral("<a href=\"%1page=%2\">Previous page</a> ").arg(base).arg(page - 1);
+    if (first + results.titles.size() - 1 < results.total)
+        body += QStringLiteral("<a href=\"%1page=%2\">Next page</a>").arg(base).arg(page + 1);
+    return body + QStringLiteral("</nav>");
+}
 
 } // namespace
 
@@ -37,34 +74,48 @@ QString OpacPages::escaped(const QString &text)
     return out;
 }
 
-QString OpacPages::search(const QString &typed, const OpacCatalogue::Page &results, int page)
+QString OpacPages::search(const SearchForm &form, const OpacCatalogue::Page &results, int page)
 {
-    QString body = searchForm(typed);
-    if (!typed.trimmed().isEmpty()) {
+    const OpacCatalogue::Filter &f = form.filter;
+    const QString advanced = QStringLiteral("<details%1><summary>More choices</summary>").arg(f.category || f.subCategory || f.language || f.series
+                                                                                                   ? QStringLiteral(" open")
+                                                                                                   : QString())
+                             + select("cat", "Category", form.categories, f.category) + select("sub", "Sub-category", form.subCategories, f.subCategory)
+                             + select("lang", "Language", form.languages, f.language) + select("series", "Series", form.series, f.series)
+                             + QStringLiteral("</details>");
+    QString body = searchForm(f.text, advanced);
+    if (f.any()) {
         if (results.total == 0) {
-            body += QStringLiteral("<p>Nothing in the library matches \"%1\".</p>").arg(escaped(typed));
+            body += QStringLiteral("<p>Nothing in the library matches \"%1\".</p>").arg(escaped(f.text));
         } else {
-            const int first = (page - 1) * OpacCatalogue::PageSize + 1;
-            body += QStringLiteral("<p>%1 titles; %2 to %3 shown.</p><ul class=\"results\">")
-                        .arg(results.total)
-                        .arg(first)
-                        .arg(first + int(results.titles.size()) - 1);
-            for (const OpacCatalogue::Title &t : results.titles)
-                body += QStringLiteral("<li><a href=\"/title/%1\">%2</a><br>%3%4%5<br><span class=\"%6\">%7</span></li>")
-                            .arg(t.itemID)
-                            .arg(escaped(t.title), escaped(t.author), t.year.isEmpty() ? QString() : QStringLiteral(", ") + escaped(t.year),
-                                 t.classification.isEmpty() ? QString() : QStringLiteral(" &middot; Shelf ") + escaped(t.classification),
-                                 availabilityClass(t), escaped(t.availability()));
-            body += QStringLiteral("</ul><nav aria-label=\"Pages\">");
-            const QString q = QString::fromLatin1(QUrl::toPercentEncoding(typed));
-            if (page > 1)
-                body += QStringLiteral("<a href=\"/search?q=%1&amp;page=%2\">Previous page</a> ").arg(q).arg(page - 1);
-            if (first + results.titles.size() - 1 < results.total)
-                body += QStringLiteral("<a href=\"/search?q=%1&amp;page=%2\">Next page</a>").arg(q).arg(page + 1);
-            body += QStringLiteral("</nav>");
+            QString query = QStringLiteral("q=") + QString::fromLatin1(QUrl::toPercentEncoding(f.text));
+            for (const auto &[name, id] : {std::pair{"cat", f.category}, {"sub", f.subCategory}, {"lang", f.language}, {"series", f.series}})
+                if (id > 0)
+                    query += QStringLiteral("&amp;%1=%2").arg(QLatin1String(name)).arg(id);
+            body += pagedTitles(results, page, QStringLiteral("/search"), query);
         }
     }
     return layout(QStringLiteral("Search the library"), body);
+}
+
+QString OpacPages::newTitles(const OpacCatalogue::Page &results, int page)
+{
+    return layout(QStringLiteral("New in the library"), results.total == 0 ? QStringLiteral("<p>No titles were added in the last 30 days.</p>")
+                                                                            : pagedTitles(results, page, QStringLiteral("/new"), QString()));
+}
+
+QString OpacPages::mostBorrowed(const QList<QPair<OpacCatalogue::Title, int>> &ranked, const QDate &since)
+{
+    QString body = QStringLiteral("<p>Lent most since %1.</p><ol>").arg(since.toString(Qt::ISODate));
+    for (const auto &[t, loans] : ranked)
+        body += QStringLiteral("<li><a href=\"/title/%1\">%2</a> &middot; %3 &middot; %4 loans &middot; %5</li>")
+                    .arg(t.itemID)
+                    .arg(escaped(t.title), escaped(t.author))
+                    .arg(loans)
+                    .arg(escaped(t.availability()));
+    if (ranked.isEmpty())
+        body += QStringLiteral("<li>Nothing has been lent yet this term.</li>");
+    return layout(QStringLiteral("Most borrowed this term"), body + QStringLiteral("</ol>"));
 }
 
 QString OpacPages::title(const OpacCatalogue::Details &d)
@@ -86,8 +137,12 @@ QString OpacPages::title(const OpacCatalogue::Details &d)
                            "<th scope=\"col\">State</th></tr></thead><tbody>");
     for (const OpacCatalogue::Copy &c : d.copies)
         body += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td></tr>").arg(escaped(c.accession), escaped(c.shelf), escaped(c.state));
-    body += QStringLiteral("</tbody></table>") + searchForm(QString());
-    return layout(d.title.title, body);
+    body += QStringLiteral("</tbody></table>");
+    if (!d.byAuthor.isEmpty())
+        body += QStringLiteral("<h2>Other titles by %1</h2>").arg(escaped(d.title.author)) + titleList(d.byAuthor);
+    if (!d.inSeries.isEmpty())
+        body += QStringLiteral("<h2>In the series %1</h2>").arg(escaped(d.series)) + titleList(d.inSeries);
+    return layout(d.title.title, body + searchForm(QString()));
 }
 
 QString OpacPages::message(const QString &heading, const QString &text)

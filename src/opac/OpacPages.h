@@ -9,8 +9,16 @@
 namespace OpacPages {
 /// Text made safe to stand in HTML, in an element or an attribute.
 QString escaped(const QString &text);
-/// The search page, with the results of what was typed when there are any.
-QString search(const QString &typed, const OpacCatalogue::Page &results, int page);
+/// The search page (the box, and the advanced form's lists), with the results when something was asked.
+struct SearchForm {
+    OpacCatalogue::Filter filter;
+    QList<OpacCatalogue::Choice> categories, subCategories, languages, series;
+};
+QString search(const SearchForm &form, const OpacCatalogue::Page &results, int page);
+/// "New in the library": titles added in the last 30 days.
+QString newTitles(const OpacCatalogue::Page &results, int page);
+/// "Most borrowed this term".
+QString mostBorrowed(const QList<QPair<OpacCatalogue::Title, int>> &ranked, const QDate &since);
 QString title(const OpacCatalogue::Details &details);
 /// A page that says something went wrong, in plain words.
 QString message(const QString &heading, const QString &text);

@@ -33,6 +33,16 @@ QString parameter(const httplib::Request &req, const char *name)
     return req.has_param(name) ? QString::fromUtf8(req.get_param_value(name).c_str()) : QString();
 }
 
+// A list's id or a page number from the address: a whole number, anything else 0.
+int number(const httplib::Request &req, const char *name)
+{
+    bool ok = false;
+    const int n = parameter(req, name).toInt(&ok);
+    return ok && n > 0 ? n : 0;
+}
+
+int pageOf(const httplib::Request &req) { return std::clamp(number(req, "page"), 1, 10000); }
+
 } // namespace
 
 OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
@@ -40,16 +50,35 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
     const auto search = [](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
             // A text with a NUL or more than a search box holds is searched for as far as it goes.
-            QString typed = parameter(req, "q");
-            typed.truncate(200);
-            typed.remove(QChar(u'\0'));
-            bool number = false;
-            const int page = std::clamp(parameter(req, "page").toInt(&number), 1, 10000);
-            reply(res, OpacPages::search(typed, OpacCatalogue::search(typed, page), page));
+            OpacPages::SearchForm form;
+            form.filter.text = parameter(req, "q").left(200).remove(QChar(u'\0'));
+            form.filter.category = number(req, "cat");
+            form.filter.subCategory = number(req, "sub");
+            form.filter.language = number(req, "lang");
+            form.filter.series = number(req, "series");
+            form.categories = OpacCatalogue::choices(OpacCatalogue::List::Categories);
+            form.subCategories = OpacCatalogue::choices(OpacCatalogue::List::SubCategories);
+            form.languages = OpacCatalogue::choices(OpacCatalogue::List::Languages);
+            form.series = OpacCatalogue::choices(OpacCatalogue::List::Series);
+            const int page = pageOf(req);
+            reply(res, OpacPages::search(form, OpacCatalogue::search(form.filter, page), page));
         });
     };
     server_->Get("/", search);
     server_->Get("/search", search);
+    server_->Get("/new", [](const httplib::Request &req, httplib::Response &res) {
+        answer(res, [&] {
+            const int page = pageOf(req);
+            reply(res, OpacPages::newTitles(OpacCatalogue::newInTheLibrary(page), page));
+        });
+    });
+    server_->Get("/popular", [](const httplib::Request &, httplib::Response &res) {
+        answer(res, [&] {
+            QDate since;
+            const auto ranked = OpacCatalogue::mostBorrowed(&since);
+            reply(res, OpacPages::mostBorrowed(ranked, since));
+        });
+    });
     server_->Get(R"(/title/(\d{1,9}))", [](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
             const auto details = OpacCatalogue::details(QString::fromStdString(req.matches[1]).toInt());

@@ -1,4 +1,5 @@
 // The web catalogue served for real on 127.0.0.1 and asked over HTTP, on each engine.
+#include "Clock.h"
 #include "Engine.h"
 #include "OpacServer.h"
 #include "PhysicalConnection.h"
@@ -116,4 +117,38 @@ TEST_F(OpacServerTest, ADeskWritingNeitherBlocksNorShowsHalfItsWork)
     EXPECT_LT(clock.elapsed(), 2000) << "the desk's open transaction held the catalogue up";
     desk->commitTransaction();
     EXPECT_TRUE(page(query("nuwe")).contains("Nuwe boek"));
+}
+
+// "New in the library", "Most borrowed this term", the advanced form's lists and a title's other
+// titles by its author.
+TEST_F(OpacServerTest, NewPopularAdvancedAndOtherTitles)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 11, 25), QTime(10, 0)));
+    library("Insert into tblLibCategories (Category) values ('Fiction')");
+    library("Insert into tblLibItemLanguages (ItemLanguage) values ('Afrikaans')");
+    library("Update tblLibItems set DateAdded = #2026-01-10#");
+    library("Insert into tblLibItems (AccessionID, Title, Author1, DateAdded, CategoryID, ItemLanguageID) values ('N1', 'Houd die blink kant bo', 1, "
+            "#2026-11-20#, 1, 1)");
+    const QString fresh = page("/new");
+    EXPECT_TRUE(fresh.contains("1 titles; 1 to 1 shown.") && fresh.contains("Houd die blink kant bo")) << fresh.toStdString();
+
+    // This term began on 1 October: the loans before it do not count.
+    library("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate, Returned) values ('B1', 'L', 2, 5, "
+            "#2026-10-02#, #2026-10-09#, true)");
+    library("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate, Returned) values ('A1', 'L', 2, 1, "
+            "#2026-09-02#, #2026-09-09#, true)");
+    const QString popular = page("/popular");
+    EXPECT_TRUE(popular.contains("Lent most since 2026-10-01.")) << popular.toStdString();
+    EXPECT_LT(popular.indexOf("Kennis is mag</a> &middot;  &middot; 2 loans"), popular.indexOf("Kennis van die aand</a>")) << popular.toStdString();
+    EXPECT_TRUE(popular.contains(QString::fromUtf8("Kennis van die aand</a> &middot; Brink, André &middot; 1 loans")));
+
+    const QString advanced = page("/search?q=&cat=1&lang=1");
+    EXPECT_TRUE(advanced.contains("1 titles;") && advanced.contains("Houd die blink kant bo")) << advanced.toStdString();
+    EXPECT_TRUE(advanced.contains("<option value=\"1\" selected>Fiction</option>"));
+    EXPECT_TRUE(page("/search?q=kennis&cat=abc").contains("2 titles;")) << "a list id that is no number is no choice";
+
+    const QString title = page("/title/1");
+    EXPECT_TRUE(title.contains(QString::fromUtf8("<h2>Other titles by Brink, André</h2>")) && title.contains("Houd die blink kant bo"))
+        << title.toStdString();
+    Clock::setFixed(QDateTime());
 }
