@@ -6,7 +6,7 @@ packages=(build-essential cmake ninja-build pkg-config
           libsqlite3-dev libpq-dev libgtest-dev
           postgresql postgresql-contrib  # the library database on a server; tests start a private one
           libzint-dev glabels-data libxlsxwriter-dev  # barcodes, label stocks, spreadsheets
-          libcpp-httplib-dev  # the web catalogue's HTTP server
+          libcpp-httplib-dev libsodium-dev  # the web catalogue: its HTTP server, and PINs kept as Argon2id hashes
           libyaz-dev  # MARC records and Z39.50/SRU searches (copy cataloguing)
           idzebra-2.0 yaz  # tests search a real Z39.50/SRU server of their own
           unzip  # tests open the exported workbooks

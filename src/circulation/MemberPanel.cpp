@@ -1,13 +1,17 @@
 #include "MemberPanel.h"
 #include "ui_MemberPanel.h"
 
+#include "AppError.h"
+#include "MemberPin.h"
 #include "MemberSummary.h"
+#include "modExtendedMsgBox.h"
 
 #include <QPixmap>
 
 MemberPanel::MemberPanel(QWidget *parent) : QGroupBox(parent), ui(std::make_unique<Ui::MemberPanel>())
 {
     ui->setupUi(this);
+    connect(ui->cmdSetPin, &QPushButton::clicked, this, &MemberPanel::cmdSetPin_Click);
     clearMember();
 }
 
@@ -27,6 +31,8 @@ void MemberPanel::clearMember()
         mark(label, false);
     }
     ui->imgMemberPhoto->clear();
+    memberID_ = 0;
+    ui->cmdSetPin->setEnabled(false);
 }
 
 void MemberPanel::showUnknown(const QString &number)
@@ -43,6 +49,10 @@ void MemberPanel::showMember(const MemberSummary &m)
         return;
     }
     mark(ui->lblMemberName, false);
+    kind_ = m.kind;
+    memberID_ = m.memberID;
+    name_ = m.name;
+    ui->cmdSetPin->setEnabled(true);
     ui->lblMemberName->setStyleSheet(QStringLiteral("font-weight: bold;"));
     ui->lblMemberName->setText(m.name);
     ui->lblMemberStanding->setText(m.standing());
@@ -59,4 +69,24 @@ void MemberPanel::showMember(const MemberSummary &m)
         ui->imgMemberPhoto->clear();
     else
         ui->imgMemberPhoto->setPixmap(photo.scaled(ui->imgMemberPhoto->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+}
+
+void MemberPanel::cmdSetPin_Click()
+{
+    if (memberID_ == 0)
+        return;
+    const QString pin = ShowTextInputDialog(this, QStringLiteral("Web Catalogue PIN"),
+                                            QStringLiteral("The new PIN of %1 (4 to 8 digits):").arg(name_), QString());
+    if (pin.isEmpty())
+        return;
+    if (const QString why = MemberPin::refusal(pin); !why.isEmpty()) {
+        UserMessage(why + QStringLiteral(" The PIN was not changed."));
+        return;
+    }
+    try {
+        MemberPin::set(kind_, memberID_, pin);
+        UserMessage(QStringLiteral("%1 can now sign in to the web catalogue with this PIN.").arg(name_));
+    } catch (const AppError &e) {
+        UserMessage(QStringLiteral("The PIN was not changed: ") + e.description());
+    }
 }

@@ -24,8 +24,14 @@ public:
     void showUnknown(const QString &number);
     void clearMember();
 
+public Q_SLOTS:
+    /// "Set Web Catalogue PIN...": asks for the member's new PIN and keeps its hash.
+    void cmdSetPin_Click();
+
 private:
     void mark(QWidget *label, bool attention);
 
     std::unique_ptr<Ui::MemberPanel> ui;
+    QString kind_, name_; // the member shown, for the PIN
+    int memberID_ = 0;
 };

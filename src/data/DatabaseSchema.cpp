@@ -62,6 +62,8 @@ QStringList libraryTables(int version)
         s << DatabaseSchema::stocktakeTables(version);
     if (version >= V::RecordSources)
         s << DatabaseSchema::recordSourceTable();
+    if (version >= V::MemberPins)
+        s << DatabaseSchema::memberPinTable();
     s << QStringLiteral("CREATE TABLE tblLibSettings (LoanType TEXT(1) NOT NULL, UserCat TEXT(1) NOT NULL, LoanPeriod SMALLINT, "
                         "FineAmount CURRENCY, FineInterval SMALLINT, MaxItems SMALLINT, ExtDays SMALLINT, MaxExt SMALLINT, "
                         "MaxRes SMALLINT, MaxUserRes SMALLINT, PRIMARY KEY (LoanType, UserCat))");
@@ -132,6 +134,12 @@ QStringList DatabaseSchema::recordSourceTable()
                            "('Library of Congress', 'lx2.loc.gov:210/LCDB', 'Z39.50', true)"),
             QStringLiteral("Insert into tblLibRecordSources (SourceName, Address, Protocol, Enabled) values "
                            "('Library of Congress (SRU)', 'http://lx2.loc.gov:210/LCDB', 'SRU', false)")};
+}
+
+QStringList DatabaseSchema::memberPinTable()
+{
+    return {QStringLiteral("CREATE TABLE tblLibMemberPins (MemberType TEXT(1) NOT NULL, MemberID INT NOT NULL, PinHash TEXT(255) NOT NULL, "
+                           "PRIMARY KEY (MemberType, MemberID))")};
 }
 
 QString DatabaseSchema::noticeTemplateTable()

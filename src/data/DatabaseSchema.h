@@ -24,7 +24,8 @@ public:
         Stocktake,        // the stocktake tables
         StocktakeResults, // a finished stocktake keeps its counts
         RecordSources,    // the catalogues a book's record is looked up in
-        Current = RecordSources
+        MemberPins,       // the members' PINs for the web catalogue (hashes only)
+        Current = MemberPins
     };
     /// The library database of the current release, with its indexes.
     static QStringList libraryStatements();
@@ -48,6 +49,8 @@ public:
     /// The catalogues searched for a book's record by its ISBN (Z39.50 or SRU), with the public ones
     /// a new library starts with (made with the database, or by a structure upgrade).
     static QStringList recordSourceTable();
+    /// The members' web catalogue PINs, as Argon2id hashes (made with the database, or by a structure upgrade).
+    static QStringList memberPinTable();
     /// The indexes of the keyword tables (made with the tables, or when an upgrade adds them).
     static QStringList keywordIndexes();
     /// The size of a text column of the library database ("tblLibItems", "Title" -> 255); 0 when the

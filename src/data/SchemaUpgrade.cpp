@@ -73,6 +73,7 @@ const std::vector<Step> &steps()
          DatabaseSchema::stocktakeResultColumns()},
         {V::RecordSources, "finding a book's record by its ISBN", probe("select SourceID from tblLibRecordSources"),
          DatabaseSchema::recordSourceTable()},
+        {V::MemberPins, "the members' PINs for the web catalogue", probe("select MemberID from tblLibMemberPins"), DatabaseSchema::memberPinTable()},
     };
     return list;
 }

@@ -14,7 +14,7 @@ QString layout(const QString &heading, const QString &body)
                           "ul.results{list-style:none;padding:0}ul.results li{border-bottom:1px solid #ccc;padding:.5em 0}"
                           ".available{color:#064}.out{color:#7a2000}table{border-collapse:collapse}td,th{padding:.2em .6em;text-align:left}"
                           "</style></head><body><header><nav aria-label=\"Catalogue\"><a href=\"/\">Search</a> | "
-                          "<a href=\"/new\">New in the library</a> | <a href=\"/popular\">Most borrowed this term</a></nav></header><main>"
+                          "<a href=\"/new\">New in the library</a> | <a href=\"/popular\">Most borrowed this term</a> | <a href=\"/account\">My account</a></nav></header><main>"
                           "<h1>%1</h1>%2</main></body></html>\n")
         .arg(OpacPages::escaped(heading), body);
 }
@@ -143,6 +143,51 @@ QString OpacPages::title(const OpacCatalogue::Details &d)
     if (!d.inSeries.isEmpty())
         body += QStringLiteral("<h2>In the series %1</h2>").arg(escaped(d.series)) + titleList(d.inSeries);
     return layout(d.title.title, body + searchForm(QString()));
+}
+
+QString OpacPages::signIn(const QString &formToken, const QString &message)
+{
+    QString body = message.isEmpty() ? QString() : QStringLiteral("<p role=\"alert\"><strong>%1</strong></p>").arg(escaped(message));
+    body += QStringLiteral("<form action=\"/signin\" method=\"post\"><input type=\"hidden\" name=\"token\" value=\"%1\">"
+                           "<p><label for=\"number\">Admission number or ID number</label><br><input id=\"number\" name=\"number\" "
+                           "maxlength=\"20\" autocomplete=\"username\" required></p><p><label for=\"pin\">PIN</label><br><input id=\"pin\" "
+                           "name=\"pin\" type=\"password\" inputmode=\"numeric\" maxlength=\"8\" autocomplete=\"current-password\" required></p>"
+                           "<p><button type=\"submit\">Sign in</button></p></form><p>Your PIN is set at the library desk.</p>")
+                .arg(escaped(formToken));
+    return layout(QStringLiteral("Sign in"), body);
+}
+
+QString OpacPages::account(const OpacAccount::Member &member, const QList<OpacAccount::Loan> &loans, const QList<OpacAccount::Fine> &fines,
+                           const QString &formToken)
+{
+    QString body = QStringLiteral("<p>Signed in as %1.</p><h2>My loans</h2>").arg(escaped(member.name));
+    if (loans.isEmpty()) {
+        body += QStringLiteral("<p>You have nothing out.</p>");
+    } else {
+        body += QStringLiteral("<table><thead><tr><th scope=\"col\">Title</th><th scope=\"col\">Accession number</th><th scope=\"col\">Due</th>"
+                               "<th scope=\"col\">Fine so far</th></tr></thead><tbody>");
+        for (const OpacAccount::Loan &l : loans)
+            body += QStringLiteral("<tr><td>%1</td><td>%2</td><td%3>%4</td><td>%5</td></tr>")
+                        .arg(escaped(l.title), escaped(l.accession), l.overdue ? QStringLiteral(" class=\"out\"") : QString(),
+                             l.due.toString(Qt::ISODate) + (l.overdue ? QStringLiteral(" (overdue)") : QString()),
+                             l.fineSoFar == Money() ? QString() : escaped(l.fineSoFar.toDisplayText()));
+        body += QStringLiteral("</tbody></table>");
+    }
+    body += QStringLiteral("<h2>My fines</h2>");
+    if (fines.isEmpty()) {
+        body += QStringLiteral("<p>You owe nothing.</p>");
+    } else {
+        body += QStringLiteral("<table><thead><tr><th scope=\"col\">Title</th><th scope=\"col\">Fined on</th><th scope=\"col\">Owed</th></tr>"
+                               "</thead><tbody>");
+        for (const OpacAccount::Fine &f : fines)
+            body += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td></tr>")
+                        .arg(escaped(f.title), f.fined.toString(Qt::ISODate), escaped(f.owed.toDisplayText()));
+        body += QStringLiteral("</tbody></table>");
+    }
+    body += QStringLiteral("<form action=\"/signout\" method=\"post\"><input type=\"hidden\" name=\"token\" value=\"%1\">"
+                           "<button type=\"submit\">Sign out</button></form>")
+                .arg(escaped(formToken));
+    return layout(QStringLiteral("My account"), body);
 }
 
 QString OpacPages::message(const QString &heading, const QString &text)

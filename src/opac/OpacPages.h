@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OpacAccount.h"
 #include "OpacCatalogue.h"
 
 #include <QString>
@@ -20,6 +21,11 @@ QString newTitles(const OpacCatalogue::Page &results, int page);
 /// "Most borrowed this term".
 QString mostBorrowed(const QList<QPair<OpacCatalogue::Title, int>> &ranked, const QDate &since);
 QString title(const OpacCatalogue::Details &details);
+/// The sign-in form (number and PIN), with a message above it when the last try failed.
+QString signIn(const QString &formToken, const QString &message);
+/// "My account": the member's loans (overdue marked, fine so far) and fines, and Sign out.
+QString account(const OpacAccount::Member &member, const QList<OpacAccount::Loan> &loans, const QList<OpacAccount::Fine> &fines,
+                const QString &formToken);
 /// A page that says something went wrong, in plain words.
 QString message(const QString &heading, const QString &text);
 } // namespace OpacPages

@@ -1,6 +1,8 @@
 #include "OpacServer.h"
 
 #include "AppError.h"
+#include "Clock.h"
+#include "MemberPin.h"
 #include "OpacCatalogue.h"
 #include "OpacPages.h"
 
@@ -42,6 +44,31 @@ int number(const httplib::Request &req, const char *name)
 }
 
 int pageOf(const httplib::Request &req) { return std::clamp(number(req, "page"), 1, 10000); }
+
+// A cookie of the request, or empty.
+QString cookie(const httplib::Request &req, const QString &name)
+{
+    for (const QString &part : QString::fromStdString(req.get_header_value("Cookie")).split(QLatin1Char(';'))) {
+        const QString p = part.trimmed();
+        if (p.startsWith(name + QLatin1Char('=')))
+            return p.mid(name.size() + 1);
+    }
+    return QString();
+}
+
+void setCookie(httplib::Response &res, const QString &name, const QString &value)
+{
+    res.set_header("Set-Cookie", (name + QLatin1Char('=') + value + QStringLiteral("; Path=/; HttpOnly; SameSite=Strict")).toStdString());
+}
+
+void redirect(httplib::Response &res, const char *to)
+{
+    res.status = 303;
+    res.set_header("Location", to);
+}
+
+const QString SessionCookie = QStringLiteral("opac_session");
+const QString FormCookie = QStringLiteral("opac_form");
 
 } // namespace
 
@@ -89,9 +116,61 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
             reply(res, OpacPages::title(*details));
         });
     });
+    server_->Get("/signin", [](const httplib::Request &, httplib::Response &res) {
+        answer(res, [&] {
+            const QString token = OpacSessions::randomToken();
+            setCookie(res, FormCookie, token);
+            reply(res, OpacPages::signIn(token, QString()));
+        });
+    });
+    server_->Post("/signin", [this](const httplib::Request &req, httplib::Response &res) {
+        answer(res, [&] {
+            // The form's token must be the one this browser was given with the form.
+            const QString token = parameter(req, "token");
+            const QString given = cookie(req, FormCookie);
+            const QString next = OpacSessions::randomToken();
+            setCookie(res, FormCookie, next);
+            if (token.isEmpty() || token != given) {
+                reply(res, OpacPages::signIn(next, QStringLiteral("Please sign in from this page.")), 400);
+                return;
+            }
+            const QString number = parameter(req, "number").left(20).remove(QChar(u'\0'));
+            if (!sessions_.mayTry(number, QString::fromStdString(req.remote_addr), Clock::now())) {
+                reply(res, OpacPages::signIn(next, QStringLiteral("Too many tries: please wait a minute and try again.")), 429);
+                return;
+            }
+            // An unknown number and a wrong PIN get the same answer.
+            const auto member = OpacAccount::find(number);
+            if (!member || !MemberPin::matches(member->type, member->id, parameter(req, "pin").left(8))) {
+                reply(res, OpacPages::signIn(next, QStringLiteral("The number or the PIN is not right.")), 401);
+                return;
+            }
+            setCookie(res, SessionCookie, sessions_.open(*member, Clock::now()));
+            redirect(res, "/account");
+        });
+    });
+    server_->Get("/account", [this](const httplib::Request &req, httplib::Response &res) {
+        answer(res, [&] {
+            const auto session = sessions_.find(cookie(req, SessionCookie), Clock::now());
+            if (!session) {
+                redirect(res, "/signin");
+                return;
+            }
+            reply(res, OpacPages::account(session->member, OpacAccount::loans(session->member, Clock::today()), OpacAccount::fines(session->member),
+                                          session->formToken));
+        });
+    });
+    server_->Post("/signout", [this](const httplib::Request &req, httplib::Response &res) {
+        const QString id = cookie(req, SessionCookie);
+        const auto session = sessions_.find(id, Clock::now());
+        if (session && parameter(req, "token") == session->formToken)
+            sessions_.close(id);
+        setCookie(res, SessionCookie, QString());
+        redirect(res, "/");
+    });
     // What the server itself refuses (no such page, an address longer than any search) is a page too.
     server_->set_error_handler([](const httplib::Request &, httplib::Response &res) {
-        if (!res.body.empty())
+        if (!res.body.empty() || res.status == 303)
             return;
         if (res.status == 404)
             reply(res, OpacPages::message(QStringLiteral("Not in the catalogue"), QStringLiteral("There is no such page.")), 404);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OpacSessions.h"
+
 #include <QString>
 
 #include <memory>
@@ -8,9 +10,11 @@ namespace httplib {
 class Server;
 }
 
-/// The web catalogue's HTTP server: "/" and "/search?q=...&page=N" (the search page), "/title/N"
-/// (a title and its copies). Requests are answered on the server's own threads, each through a
-/// data object of its own; a failure is a plain page, never an engine's words.
+/// The web catalogue's HTTP server: "/" and "/search" (the search page), "/title/N" (a title and its
+/// copies), "/new", "/popular", and for members "/signin", "/account" and "/signout". Requests are
+/// answered on the server's own threads, each through a data object of its own; a failure is a
+/// plain page, never an engine's words. Forms that change something are POSTed with a token; the
+/// session cookie is HttpOnly and SameSite=Strict.
 class OpacServer {
 public:
     OpacServer();
@@ -24,4 +28,5 @@ public:
 
 private:
     std::unique_ptr<httplib::Server> server_;
+    OpacSessions sessions_;
 };

@@ -106,7 +106,7 @@ const QStringList LibraryTables = {
     "tblLibKeywords",        "tblLibItemKeywords", "tblLibAuthors",       "tblLibPublishers",   "tblLibSeries",
     "tblLibItemLanguages",   "tblLibMasterCatalogue", "tblLibBook",       "tblLibTransactions", "tblLibTransactionFines",
     "tblLibReserves",        "tblLibNoticeTemplate", "tblLibSettings", "tblLibStocktakes", "tblLibStocktakeScans",
-    "tblLibRecordSources"};
+    "tblLibRecordSources", "tblLibMemberPins"};
 
 const QStringList Loans = {"tblLibTransactions", "tblLibTransactionFines", "tblLibReserves"};
 const QStringList ItemEditing = {"tblLibItems",        "tblLibItemSubjects", "tblLibItemKeywords", "tblLibSubjectCodes",

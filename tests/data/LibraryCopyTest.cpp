@@ -39,7 +39,7 @@ TEST_F(LibraryCopyTest, ALibraryMovesBetweenEnginesWhole)
 
     const QString file = path("copy.db");
     const QList<LibraryCopy::TableFigures> tables = LibraryCopy::copy(libraryPath_, file);
-    EXPECT_EQ(tables.size(), 22);
+    EXPECT_EQ(tables.size(), 23);
     EXPECT_EQ(tables.first().table, "tblLibItems");
     EXPECT_EQ(tables.first().rows, 2);
     EXPECT_EQ(everything(file), original);

@@ -1,6 +1,7 @@
 // The web catalogue served for real on 127.0.0.1 and asked over HTTP, on each engine.
 #include "Clock.h"
 #include "Engine.h"
+#include "MemberPin.h"
 #include "OpacServer.h"
 #include "PhysicalConnection.h"
 #include "Recordset.h"
@@ -150,5 +151,94 @@ TEST_F(OpacServerTest, NewPopularAdvancedAndOtherTitles)
     const QString title = page("/title/1");
     EXPECT_TRUE(title.contains(QString::fromUtf8("<h2>Other titles by Brink, André</h2>")) && title.contains("Houd die blink kant bo"))
         << title.toStdString();
+    Clock::setFixed(QDateTime());
+}
+
+namespace {
+// The sign-in form's token and cookie, as a browser gets them.
+struct Form {
+    std::string token, cookie;
+};
+Form signInForm(httplib::Client &client)
+{
+    const auto res = client.Get("/signin");
+    Form f;
+    const std::string body = res ? res->body : std::string();
+    const auto at = body.find("name=\"token\" value=\"");
+    if (at != std::string::npos)
+        f.token = body.substr(at + 20, 64);
+    f.cookie = res ? res->get_header_value("Set-Cookie").substr(0, res->get_header_value("Set-Cookie").find(';')) : std::string();
+    return f;
+}
+// The session cookie a response sets (it also renews the form's).
+std::string sessionCookie(const httplib::Result &res)
+{
+    for (size_t i = 0; res && i < res->get_header_value_count("Set-Cookie"); ++i)
+        if (const std::string c = res->get_header_value("Set-Cookie", i); c.rfind("opac_session=", 0) == 0)
+            return c;
+    return std::string();
+}
+} // namespace
+
+// A member signs in with the PIN set at the desk and sees their own loans (overdue marked, fine so
+// far) and fines, nobody else's; a wrong PIN and an unknown number get one answer; a learner who
+// has left cannot sign in; tries are limited; a form without its token is refused.
+TEST_F(OpacServerTest, AMemberSignsInAndSeesTheirOwnLoansAndFines)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 12, 10), QTime(10, 0)));
+    central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (1, 'L001', 'Dlamini', 'Zola', 8, 1, 'C')");
+    central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (2, 'L002', 'Naidoo', 'Kavi', 8, 1, 'C')");
+    central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (3, 'L003', 'Left', 'Long', 8, 1, 'L')");
+    library("Insert into tblLibSettings (LoanType, UserCat, LoanPeriod, FineAmount, FineInterval, MaxItems, ExtDays, MaxExt, MaxRes, MaxUserRes) "
+            "values ('N', 'L', 14, 1.5, 1, 5, 7, 1, 2, 3)");
+    library("Insert into tblLibTransactionFines (TransactionID, MemberID, MemberType, FineAmount, PaymentAmount, DateFined) values (2, 1, 'L', 4, 1, #2026-11-30#)");
+    MemberPin::set("L", 1, "2468");
+    MemberPin::set("L", 2, "1357");
+    MemberPin::set("L", 3, "1111");
+    EXPECT_FALSE(libraryValue("select PinHash from tblLibMemberPins where MemberID = 1").contains("2468")) << "the PIN itself was kept";
+
+    const auto signIn = [&](const std::string &number, const std::string &pin, bool withToken = true) {
+        const Form form = signInForm(*client_);
+        httplib::Headers headers{{"Cookie", form.cookie}};
+        httplib::Params params{{"number", number}, {"pin", pin}};
+        if (withToken)
+            params.emplace("token", form.token);
+        return client_->Post("/signin", headers, params);
+    };
+    const auto wrong = signIn("L001", "9999");
+    const auto nobody = signIn("L999", "2468");
+    ASSERT_TRUE(wrong && nobody);
+    EXPECT_EQ(wrong->status, 401);
+    EXPECT_EQ(nobody->status, 401);
+    EXPECT_NE(wrong->body.find("The number or the PIN is not right."), std::string::npos);
+    EXPECT_NE(nobody->body.find("The number or the PIN is not right."), std::string::npos);
+    EXPECT_EQ(signIn("L003", "1111")->status, 401) << "a learner who has left signed in";
+    EXPECT_EQ(signIn("L001", "2468", false)->status, 400) << "a form without its token";
+
+    const auto ok = signIn("L001", "2468");
+    ASSERT_TRUE(ok);
+    ASSERT_EQ(ok->status, 303);
+    const std::string cookie = sessionCookie(ok);
+    EXPECT_NE(cookie.find("HttpOnly"), std::string::npos);
+    EXPECT_NE(cookie.find("SameSite=Strict"), std::string::npos);
+    const auto account = client_->Get("/account", httplib::Headers{{"Cookie", cookie.substr(0, cookie.find(';'))}});
+    ASSERT_TRUE(account);
+    const QString mine = QString::fromStdString(account->body);
+    EXPECT_TRUE(mine.contains("Signed in as Zola Dlamini.")) << mine.toStdString();
+    EXPECT_TRUE(mine.contains("<td>Kennis van die aand</td><td>A2</td><td class=\"out\">2026-12-04 (overdue)</td><td>9.00</td>")) << mine.toStdString();
+    EXPECT_TRUE(mine.contains("<td>Kennis is mag</td><td>2026-11-30</td><td>3.00</td>")) << mine.toStdString();
+
+    EXPECT_EQ(client_->Get("/account")->status, 303) << "no personal data without signing in";
+    for (int n = 0; n < 5; ++n)
+        signIn("L002", "0000");
+    const auto limited = signIn("L002", "1357");
+    EXPECT_EQ(limited->status, 429) << "the sixth try in a minute";
+    Clock::setFixed(QDateTime(QDate(2026, 12, 10), QTime(10, 2)));
+    const auto later = signIn("L002", "1357");
+    ASSERT_EQ(later->status, 303);
+    const std::string other = sessionCookie(later);
+    const QString theirs = QString::fromStdString(client_->Get("/account", httplib::Headers{{"Cookie", other.substr(0, other.find(';'))}})->body);
+    EXPECT_TRUE(theirs.contains("Signed in as Kavi Naidoo.") && theirs.contains("You have nothing out.") && theirs.contains("You owe nothing."))
+        << theirs.toStdString();
     Clock::setFixed(QDateTime());
 }
