@@ -152,13 +152,7 @@ void frmReserves::LoadReserves(const QString &accession)
 
 void frmReserves::LoadReservationLimits()
 {
-    maxItemReservations_ = maxMemberReservations_ = 0;
-    if (data_.GetData(QStringLiteral("select top 1 maxuserres,maxres from tblLibSettings")) > 0) {
-        const Recordset &rs = *data_.rst;
-        maxItemReservations_ = rs.field(QStringLiteral("MaxRes")).isNull() ? qint16(0) : rs.field(QStringLiteral("MaxRes")).toInt16();
-        maxMemberReservations_ = rs.field(QStringLiteral("MaxUserRes")).isNull() ? qint16(0) : rs.field(QStringLiteral("MaxUserRes")).toInt16();
-    }
-    data_.CloseCompact();
+    ReservationLimits(&maxItemReservations_, &maxMemberReservations_);
 }
 
 void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)

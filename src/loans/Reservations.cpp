@@ -55,3 +55,27 @@ QString PlaceReservation(const ReservationRequest &r)
     });
     return refusal;
 }
+
+void ReservationLimits(qint16 *perCopy, qint16 *perMember)
+{
+    *perCopy = *perMember = 0;
+    const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
+    const auto rs = db->Execute(QStringLiteral("select top 1 maxuserres,maxres from tblLibSettings"));
+    if (rs->atEnd())
+        return;
+    *perCopy = rs->field(QStringLiteral("MaxRes")).isNull() ? qint16(0) : rs->field(QStringLiteral("MaxRes")).toInt16();
+    *perMember = rs->field(QStringLiteral("MaxUserRes")).isNull() ? qint16(0) : rs->field(QStringLiteral("MaxUserRes")).toInt16();
+}
+
+bool CancelOwnReservation(int reserveID, const QString &memberType, int memberID)
+{
+    const std::unique_ptr<DbConnection> db = OpenLibraryDatabase();
+    int changed = 0;
+    db->Execute(QStringLiteral("update tblLibReserves set canceled = true where ReserveID = %1 and MemberType = '%2' and MemberID = %3 and "
+                               "canceled = false")
+                    .arg(reserveID)
+                    .arg(memberType == QLatin1String("L") || memberType == QLatin1String("E") ? memberType : QStringLiteral("S"))
+                    .arg(memberID),
+                &changed);
+    return changed == 1;
+}

@@ -18,3 +18,8 @@ struct ReservationRequest {
 /// desks reserving at the same moment never pass a limit together. Returns the refusal text, or an
 /// empty string when the reservation was written.
 QString PlaceReservation(const ReservationRequest &request);
+
+/// The reservation limits as every desk reads them (the first settings row): per copy and per member.
+void ReservationLimits(qint16 *perCopy, qint16 *perMember);
+/// Cancels a member's own reservation (the web catalogue); false when it is not theirs or not open.
+bool CancelOwnReservation(int reserveID, const QString &memberType, int memberID);

@@ -72,3 +72,18 @@ QList<OpacAccount::Fine> OpacAccount::fines(const Member &member)
     data.CloseCompact();
     return out;
 }
+
+QList<OpacAccount::Reservation> OpacAccount::reservations(const Member &member)
+{
+    clsDataObject data;
+    data.GetData(QStringLiteral("select r.ReserveID, i.Title, i.AccessionID, r.ReserveDate from tblLibReserves r inner join tblLibItems i on "
+                                "r.ItemID = i.ItemID where r.Canceled = false and r.MemberType = '%1' and r.MemberID = %2 order by r.ReserveDate, r.ReserveID")
+                     .arg(member.type)
+                     .arg(member.id));
+    QList<Reservation> out;
+    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
+        out << Reservation{rs.field(0).toInt(), rs.field(1).toString(), rs.field(2).toString(),
+                           rs.field(3).isNull() ? QDate() : rs.field(3).toDateTime().date()};
+    data.CloseCompact();
+    return out;
+}

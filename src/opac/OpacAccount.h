@@ -34,4 +34,12 @@ struct Fine {
 };
 /// Fines not paid in full and not cancelled.
 QList<Fine> fines(const Member &member);
+
+struct Reservation {
+    int reserveID = 0;
+    QString title, accession;
+    QDate reserved;
+};
+/// The member's open reservations, oldest first.
+QList<Reservation> reservations(const Member &member);
 } // namespace OpacAccount

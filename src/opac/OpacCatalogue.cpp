@@ -221,8 +221,20 @@ std::optional<OpacCatalogue::Details> OpacCatalogue::details(int itemID)
         count(one, rs);
         count(d.title, rs);
         d.copies << Copy{text(rs, 7), text(rs, 5).isEmpty() ? text(rs, 4) : text(rs, 5),
-                         one.referenceOnly ? QStringLiteral("Reference only") : one.onShelf ? QStringLiteral("On the shelf") : one.availability()};
+                         one.referenceOnly ? QStringLiteral("Reference only") : one.onShelf ? QStringLiteral("On the shelf") : one.availability(),
+                         rs.field(0).toInt(), one.dueBack};
     }
     data.CloseCompact();
     return d;
+}
+
+std::optional<OpacCatalogue::Copy> OpacCatalogue::Details::toReserve() const
+{
+    if (title.onShelf > 0 || title.referenceOnly)
+        return std::nullopt;
+    std::optional<Copy> first;
+    for (const Copy &c : copies)
+        if (c.due.isValid() && (!first || c.due < first->due))
+            first = c;
+    return first;
 }

@@ -52,12 +52,16 @@ public:
 
     struct Copy {
         QString accession, shelf, state; // "On the shelf", "Due back 2026-12-07", "Reference only"
+        int itemID = 0;
+        QDate due; // when out
     };
     struct Details {
         Title title;
         QString subtitle, publisher, series;
         QList<Copy> copies;
         QList<Title> byAuthor, inSeries; // the library's other titles
+        /// The copy a reservation waits for: every copy is out (none reference only); the one due back first.
+        std::optional<Copy> toReserve() const;
     };
     /// The title one copy belongs to, with every copy; empty for a removed or unknown copy.
     static std::optional<Details> details(int itemID);

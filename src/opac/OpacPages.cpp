@@ -118,7 +118,7 @@ QString OpacPages::mostBorrowed(const QList<QPair<OpacCatalogue::Title, int>> &r
     return layout(QStringLiteral("Most borrowed this term"), body + QStringLiteral("</ol>"));
 }
 
-QString OpacPages::title(const OpacCatalogue::Details &d)
+QString OpacPages::title(const OpacCatalogue::Details &d, const QString &formToken)
 {
     QString body = QStringLiteral("<dl>");
     const auto row = [&body](const char *label, const QString &value) {
@@ -138,6 +138,14 @@ QString OpacPages::title(const OpacCatalogue::Details &d)
     for (const OpacCatalogue::Copy &c : d.copies)
         body += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td></tr>").arg(escaped(c.accession), escaped(c.shelf), escaped(c.state));
     body += QStringLiteral("</tbody></table>");
+    if (const auto copy = d.toReserve(); copy && !formToken.isEmpty())
+        body += QStringLiteral("<form action=\"/reserve\" method=\"post\"><input type=\"hidden\" name=\"token\" value=\"%1\">"
+                               "<input type=\"hidden\" name=\"item\" value=\"%2\"><button type=\"submit\">Reserve</button> "
+                               "(the copy due back first)</form>")
+                    .arg(escaped(formToken))
+                    .arg(d.title.itemID);
+    else if (d.toReserve())
+        body += QStringLiteral("<p><a href=\"/signin\">Sign in</a> to reserve it.</p>");
     if (!d.byAuthor.isEmpty())
         body += QStringLiteral("<h2>Other titles by %1</h2>").arg(escaped(d.title.author)) + titleList(d.byAuthor);
     if (!d.inSeries.isEmpty())
@@ -158,7 +166,7 @@ QString OpacPages::signIn(const QString &formToken, const QString &message)
 }
 
 QString OpacPages::account(const OpacAccount::Member &member, const QList<OpacAccount::Loan> &loans, const QList<OpacAccount::Fine> &fines,
-                           const QString &formToken)
+                           const QList<OpacAccount::Reservation> &reservations, const QString &formToken)
 {
     QString body = QStringLiteral("<p>Signed in as %1.</p><h2>My loans</h2>").arg(escaped(member.name));
     if (loans.isEmpty()) {
@@ -182,6 +190,20 @@ QString OpacPages::account(const OpacAccount::Member &member, const QList<OpacAc
         for (const OpacAccount::Fine &f : fines)
             body += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td></tr>")
                         .arg(escaped(f.title), f.fined.toString(Qt::ISODate), escaped(f.owed.toDisplayText()));
+        body += QStringLiteral("</tbody></table>");
+    }
+    body += QStringLiteral("<h2>My reservations</h2>");
+    if (reservations.isEmpty()) {
+        body += QStringLiteral("<p>You have reserved nothing.</p>");
+    } else {
+        body += QStringLiteral("<table><thead><tr><th scope=\"col\">Title</th><th scope=\"col\">Reserved on</th><th scope=\"col\"></th></tr>"
+                               "</thead><tbody>");
+        for (const OpacAccount::Reservation &r : reservations)
+            body += QStringLiteral("<tr><td>%1</td><td>%2</td><td><form action=\"/cancel\" method=\"post\"><input type=\"hidden\" name=\"token\" "
+                                   "value=\"%3\"><input type=\"hidden\" name=\"reservation\" value=\"%4\"><button type=\"submit\">Cancel</button>"
+                                   "</form></td></tr>")
+                        .arg(escaped(r.title), r.reserved.toString(Qt::ISODate), escaped(formToken))
+                        .arg(r.reserveID);
         body += QStringLiteral("</tbody></table>");
     }
     body += QStringLiteral("<form action=\"/signout\" method=\"post\"><input type=\"hidden\" name=\"token\" value=\"%1\">"

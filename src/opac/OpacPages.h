@@ -20,12 +20,13 @@ QString search(const SearchForm &form, const OpacCatalogue::Page &results, int p
 QString newTitles(const OpacCatalogue::Page &results, int page);
 /// "Most borrowed this term".
 QString mostBorrowed(const QList<QPair<OpacCatalogue::Title, int>> &ranked, const QDate &since);
-QString title(const OpacCatalogue::Details &details);
+/// A title's page; with formToken (a member signed in) a title whose copies are all out has "Reserve".
+QString title(const OpacCatalogue::Details &details, const QString &formToken = QString());
 /// The sign-in form (number and PIN), with a message above it when the last try failed.
 QString signIn(const QString &formToken, const QString &message);
 /// "My account": the member's loans (overdue marked, fine so far) and fines, and Sign out.
 QString account(const OpacAccount::Member &member, const QList<OpacAccount::Loan> &loans, const QList<OpacAccount::Fine> &fines,
-                const QString &formToken);
+                const QList<OpacAccount::Reservation> &reservations, const QString &formToken);
 /// A page that says something went wrong, in plain words.
 QString message(const QString &heading, const QString &text);
 } // namespace OpacPages

@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "Clock.h"
 #include "MemberPin.h"
+#include "Reservations.h"
 #include "OpacCatalogue.h"
 #include "OpacPages.h"
 
@@ -106,14 +107,52 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
             reply(res, OpacPages::mostBorrowed(ranked, since));
         });
     });
-    server_->Get(R"(/title/(\d{1,9}))", [](const httplib::Request &req, httplib::Response &res) {
+    server_->Get(R"(/title/(\d{1,9}))", [this](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
             const auto details = OpacCatalogue::details(QString::fromStdString(req.matches[1]).toInt());
             if (!details) {
                 reply(res, OpacPages::message(QStringLiteral("Not in the catalogue"), QStringLiteral("The library has no such title.")), 404);
                 return;
             }
-            reply(res, OpacPages::title(*details));
+            const auto session = sessions_.find(cookie(req, SessionCookie), Clock::now());
+            reply(res, OpacPages::title(*details, session ? session->formToken : QString()));
+        });
+    });
+    server_->Post("/reserve", [this](const httplib::Request &req, httplib::Response &res) {
+        answer(res, [&] {
+            const auto session = signedInForm(req);
+            if (!session) {
+                redirect(res, "/signin");
+                return;
+            }
+            const auto details = OpacCatalogue::details(number(req, "item"));
+            const auto copy = details ? details->toReserve() : std::nullopt;
+            if (!copy) {
+                reply(res, OpacPages::message(QStringLiteral("Not reserved"), QStringLiteral("A copy of this title is on the shelf (or it is for "
+                                                                                              "reference only): ask for it at the library.")),
+                      409);
+                return;
+            }
+            // The desk's own rule and limits.
+            ReservationRequest request{session->member.type, session->member.id, copy->itemID, copy->accession, 0, 0};
+            ReservationLimits(&request.maxItemReservations, &request.maxMemberReservations);
+            const QString refusal = PlaceReservation(request);
+            if (!refusal.isEmpty()) {
+                reply(res, OpacPages::message(QStringLiteral("Not reserved"), refusal + QLatin1Char('.')), 409);
+                return;
+            }
+            redirect(res, "/account");
+        });
+    });
+    server_->Post("/cancel", [this](const httplib::Request &req, httplib::Response &res) {
+        answer(res, [&] {
+            const auto session = signedInForm(req);
+            if (!session) {
+                redirect(res, "/signin");
+                return;
+            }
+            CancelOwnReservation(number(req, "reservation"), session->member.type, session->member.id);
+            redirect(res, "/account");
         });
     });
     server_->Get("/signin", [](const httplib::Request &, httplib::Response &res) {
@@ -157,7 +196,7 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
                 return;
             }
             reply(res, OpacPages::account(session->member, OpacAccount::loans(session->member, Clock::today()), OpacAccount::fines(session->member),
-                                          session->formToken));
+                                          OpacAccount::reservations(session->member), session->formToken));
         });
     });
     server_->Post("/signout", [this](const httplib::Request &req, httplib::Response &res) {
@@ -181,6 +220,14 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
 }
 
 OpacServer::~OpacServer() { stop(); }
+
+std::optional<OpacSessions::Session> OpacServer::signedInForm(const httplib::Request &req)
+{
+    const auto session = sessions_.find(cookie(req, SessionCookie), Clock::now());
+    if (!session || parameter(req, "token") != session->formToken)
+        return std::nullopt;
+    return session;
+}
 
 int OpacServer::bind(const QString &address, int port)
 {

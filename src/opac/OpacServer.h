@@ -5,9 +5,11 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace httplib {
 class Server;
+struct Request;
 }
 
 /// The web catalogue's HTTP server: "/" and "/search" (the search page), "/title/N" (a title and its
@@ -27,6 +29,9 @@ public:
     void stop();
 
 private:
+    /// The session of a POSTed form that carries its session's token, else empty.
+    std::optional<OpacSessions::Session> signedInForm(const httplib::Request &req);
+
     std::unique_ptr<httplib::Server> server_;
     OpacSessions sessions_;
 };

@@ -16,6 +16,30 @@
 
 namespace {
 
+// The sign-in form's token and cookie, as a browser gets them.
+struct Form {
+    std::string token, cookie;
+};
+Form signInForm(httplib::Client &client)
+{
+    const auto res = client.Get("/signin");
+    Form f;
+    const std::string body = res ? res->body : std::string();
+    const auto at = body.find("name=\"token\" value=\"");
+    if (at != std::string::npos)
+        f.token = body.substr(at + 20, 64);
+    f.cookie = res ? res->get_header_value("Set-Cookie").substr(0, res->get_header_value("Set-Cookie").find(';')) : std::string();
+    return f;
+}
+// The session cookie a response sets (it also renews the form's).
+std::string sessionCookie(const httplib::Result &res)
+{
+    for (size_t i = 0; res && i < res->get_header_value_count("Set-Cookie"); ++i)
+        if (const std::string c = res->get_header_value("Set-Cookie", i); c.rfind("opac_session=", 0) == 0)
+            return c;
+    return std::string();
+}
+
 class OpacServerTest : public DatabaseTest {
 protected:
     void SetUp() override
@@ -52,6 +76,27 @@ protected:
         if (status)
             *status = res->status;
         return QString::fromStdString(res->body);
+    }
+    httplib::Result signIn(const std::string &number, const std::string &pin, bool withToken = true)
+    {
+        const Form form = signInForm(*client_);
+        httplib::Headers headers{{"Cookie", form.cookie}};
+        httplib::Params params{{"number", number}, {"pin", pin}};
+        if (withToken)
+            params.emplace("token", form.token);
+        return client_->Post("/signin", headers, params);
+    }
+    // A school with two current learners (PINs 2468 and 1357), one who has left, and loan settings.
+    void members()
+    {
+        central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (1, 'L001', 'Dlamini', 'Zola', 8, 1, 'C')");
+        central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (2, 'L002', 'Naidoo', 'Kavi', 8, 1, 'C')");
+        central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (3, 'L003', 'Left', 'Long', 8, 1, 'L')");
+        library("Insert into tblLibSettings (LoanType, UserCat, LoanPeriod, FineAmount, FineInterval, MaxItems, ExtDays, MaxExt, MaxRes, MaxUserRes) "
+                "values ('N', 'L', 14, 1.5, 1, 5, 7, 1, 2, 3)");
+        MemberPin::set("L", 1, "2468");
+        MemberPin::set("L", 2, "1357");
+        MemberPin::set("L", 3, "1111");
     }
     static std::string query(const QString &typed) { return "/search?q=" + QUrl::toPercentEncoding(typed).toStdString(); }
 
@@ -154,31 +199,6 @@ TEST_F(OpacServerTest, NewPopularAdvancedAndOtherTitles)
     Clock::setFixed(QDateTime());
 }
 
-namespace {
-// The sign-in form's token and cookie, as a browser gets them.
-struct Form {
-    std::string token, cookie;
-};
-Form signInForm(httplib::Client &client)
-{
-    const auto res = client.Get("/signin");
-    Form f;
-    const std::string body = res ? res->body : std::string();
-    const auto at = body.find("name=\"token\" value=\"");
-    if (at != std::string::npos)
-        f.token = body.substr(at + 20, 64);
-    f.cookie = res ? res->get_header_value("Set-Cookie").substr(0, res->get_header_value("Set-Cookie").find(';')) : std::string();
-    return f;
-}
-// The session cookie a response sets (it also renews the form's).
-std::string sessionCookie(const httplib::Result &res)
-{
-    for (size_t i = 0; res && i < res->get_header_value_count("Set-Cookie"); ++i)
-        if (const std::string c = res->get_header_value("Set-Cookie", i); c.rfind("opac_session=", 0) == 0)
-            return c;
-    return std::string();
-}
-} // namespace
 
 // A member signs in with the PIN set at the desk and sees their own loans (overdue marked, fine so
 // far) and fines, nobody else's; a wrong PIN and an unknown number get one answer; a learner who
@@ -186,25 +206,10 @@ std::string sessionCookie(const httplib::Result &res)
 TEST_F(OpacServerTest, AMemberSignsInAndSeesTheirOwnLoansAndFines)
 {
     Clock::setFixed(QDateTime(QDate(2026, 12, 10), QTime(10, 0)));
-    central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (1, 'L001', 'Dlamini', 'Zola', 8, 1, 'C')");
-    central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (2, 'L002', 'Naidoo', 'Kavi', 8, 1, 'C')");
-    central("Insert into Learner_Info (ID, AccessionNo, SName, FName, Grade, Class, Status) values (3, 'L003', 'Left', 'Long', 8, 1, 'L')");
-    library("Insert into tblLibSettings (LoanType, UserCat, LoanPeriod, FineAmount, FineInterval, MaxItems, ExtDays, MaxExt, MaxRes, MaxUserRes) "
-            "values ('N', 'L', 14, 1.5, 1, 5, 7, 1, 2, 3)");
+    members();
     library("Insert into tblLibTransactionFines (TransactionID, MemberID, MemberType, FineAmount, PaymentAmount, DateFined) values (2, 1, 'L', 4, 1, #2026-11-30#)");
-    MemberPin::set("L", 1, "2468");
-    MemberPin::set("L", 2, "1357");
-    MemberPin::set("L", 3, "1111");
     EXPECT_FALSE(libraryValue("select PinHash from tblLibMemberPins where MemberID = 1").contains("2468")) << "the PIN itself was kept";
 
-    const auto signIn = [&](const std::string &number, const std::string &pin, bool withToken = true) {
-        const Form form = signInForm(*client_);
-        httplib::Headers headers{{"Cookie", form.cookie}};
-        httplib::Params params{{"number", number}, {"pin", pin}};
-        if (withToken)
-            params.emplace("token", form.token);
-        return client_->Post("/signin", headers, params);
-    };
     const auto wrong = signIn("L001", "9999");
     const auto nobody = signIn("L999", "2468");
     ASSERT_TRUE(wrong && nobody);
@@ -241,4 +246,43 @@ TEST_F(OpacServerTest, AMemberSignsInAndSeesTheirOwnLoansAndFines)
     EXPECT_TRUE(theirs.contains("Signed in as Kavi Naidoo.") && theirs.contains("You have nothing out.") && theirs.contains("You owe nothing."))
         << theirs.toStdString();
     Clock::setFixed(QDateTime());
+}
+
+// A title whose copies are all out is reserved from its page through the desk's rule, shows under
+// "My reservations" and at the desk's table, and is cancelled there; a title on the shelf has no
+// Reserve, and a form without the session's token changes nothing.
+TEST_F(OpacServerTest, AMemberReservesATitleThatIsOutAndCancelsIt)
+{
+    members();
+    const std::string session = sessionCookie(signIn("L002", "1357"));
+    ASSERT_FALSE(session.empty());
+    const httplib::Headers me{{"Cookie", session.substr(0, session.find(';'))}};
+    const QString shelf = QString::fromStdString(client_->Get("/title/1", me)->body);
+    EXPECT_FALSE(shelf.contains("action=\"/reserve\"")) << "a title on the shelf offered Reserve";
+    const QString out = QString::fromStdString(client_->Get("/title/5", me)->body);
+    ASSERT_TRUE(out.contains("action=\"/reserve\"")) << out.toStdString();
+    const std::string token = out.mid(out.indexOf("name=\"token\" value=\"") + 20, 64).toStdString();
+
+    EXPECT_EQ(client_->Post("/reserve", me, httplib::Params{{"item", "5"}})->status, 303);
+    EXPECT_EQ(libraryValue("select count(*) from tblLibReserves"), "0") << "a form without its token reserved";
+    EXPECT_EQ(client_->Post("/reserve", me, httplib::Params{{"item", "1"}, {"token", token}})->status, 409);
+    EXPECT_EQ(client_->Post("/reserve", me, httplib::Params{{"item", "5"}, {"token", token}})->status, 303);
+    EXPECT_EQ(libraryRows("select MemberType, MemberID, ItemID, Canceled from tblLibReserves"), QStringList{"L|2|5|False"});
+    const auto again = client_->Post("/reserve", me, httplib::Params{{"item", "5"}, {"token", token}});
+    EXPECT_EQ(again->status, 409);
+    EXPECT_NE(again->body.find("Members can not reserve the same item more than once."), std::string::npos) << "the desk's own rule";
+
+    const QString account = QString::fromStdString(client_->Get("/account", me)->body);
+    EXPECT_TRUE(account.contains("<td>Kennis is mag</td>")) << account.toStdString();
+    const QString reserveID = libraryValue("select ReserveID from tblLibReserves");
+    // Another member cannot cancel it.
+    const std::string other = sessionCookie(signIn("L001", "2468"));
+    const httplib::Headers them{{"Cookie", other.substr(0, other.find(';'))}};
+    const QString theirs = QString::fromStdString(client_->Get("/account", them)->body);
+    const std::string theirToken = theirs.mid(theirs.indexOf("name=\"token\" value=\"") + 20, 64).toStdString();
+    client_->Post("/cancel", them, httplib::Params{{"reservation", reserveID.toStdString()}, {"token", theirToken}});
+    EXPECT_EQ(libraryValue("select Canceled from tblLibReserves"), "False");
+    client_->Post("/cancel", me, httplib::Params{{"reservation", reserveID.toStdString()}, {"token", token}});
+    EXPECT_EQ(libraryValue("select Canceled from tblLibReserves"), "True");
+    EXPECT_TRUE(QString::fromStdString(client_->Get("/account", me)->body).contains("You have reserved nothing."));
 }
