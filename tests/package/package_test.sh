@@ -21,7 +21,8 @@ for dep in glabels-data qt6-qpa-plugins libqt6widgets6 libqt6charts6 libsqlite3-
   grep -q "$dep" <<<"$depends" || fail "Depends lacks $dep: $depends"
 done
 contents=$(dpkg-deb -c "$deb")
-for file in ./usr/bin/shelvora ./usr/share/applications/shelvora.desktop ./usr/share/icons/hicolor/scalable/apps/shelvora.svg \
+for file in ./usr/bin/shelvora ./usr/bin/shelvora-opac ./lib/systemd/system/shelvora-opac.service ./usr/share/man/man1/shelvora-opac.1.gz \
+            ./usr/share/applications/shelvora.desktop ./usr/share/icons/hicolor/scalable/apps/shelvora.svg \
             ./usr/share/man/man1/shelvora.1.gz ./usr/share/doc/shelvora/copyright ./usr/share/doc/shelvora/changelog.gz; do
   grep -qF " $file" <<<"$contents" || fail "package lacks $file"
 done
@@ -49,6 +50,7 @@ demo=$(mktemp -d)
 /usr/bin/shelvora --make-demo "$demo/school" >/dev/null 2>&1 || fail "--make-demo failed"
 for f in library.db central.db shelvora.ini; do [ -s "$demo/school/$f" ] || fail "demo lacks $f"; done
 rm -rf "$demo"
+/usr/bin/shelvora-opac --version | grep -q "^shelvora-opac $VERSION" || fail "shelvora-opac --version"
 man -l /usr/share/man/man1/shelvora.1.gz 2>/dev/null | grep -q -- "--copy-library" || zcat /usr/share/man/man1/shelvora.1.gz | grep -q copy || fail "manual page"
 desktop-file-validate /usr/share/applications/shelvora.desktop || fail "desktop entry"
 echo "package $deb: built, checked, installed and run"
