@@ -1,6 +1,7 @@
 #include "BackupBench.h"
 
 #include "BenchSql.h"
+#include "BenchDesk.h"
 #include "BenchTimer.h"
 #include "Clock.h"
 #include "ConnectionPool.h"
@@ -30,30 +31,6 @@
 
 namespace {
 
-QStringList firstRows(const QString &location, const QString &sql)
-{
-    DbConnection c;
-    c.DataSource = location;
-    c.Open();
-    QStringList out;
-    for (auto rs = c.Execute(sql); !rs->atEnd(); rs->MoveNext())
-        out << rs->field(0).toString();
-    return out;
-}
-
-// One issue and its return at the desk, as the loan engine does them; the issue's time in ms.
-double issueAndReturn(const QString &copy, int member)
-{
-    const QDate today = Clock::today();
-    const double issue = Samples::measure([&] {
-        const IssueCheck check = CheckIssue(member, QStringLiteral("L"), 1000, copy);
-        if (check.refusal == IssueRefusal::None)
-            RecordIssue(copy, QStringLiteral("L"), member, check.itemID, today.addDays(14));
-    });
-    ReturnOrRenewLoan(copy, today, 0, QStringLiteral("return"), QDate(), Money::fromUnits(5000), 1);
-    return issue;
-}
-
 // Times backups and restores of location, and the desk's issues with and without a backup running.
 void measure(const QString &location, const char *engine, const QString &folder)
 {
@@ -76,10 +53,7 @@ void measure(const QString &location, const char *engine, const QString &folder)
     // The desk: issues and returns of copies on the shelf, alone and with backups running meanwhile.
     const QString library = LibraryDatabasePath;
     LibraryDatabasePath = location;
-    const QStringList copies = firstRows(location, QStringLiteral("select top 200 AccessionID from tblLibItems i where PhasedOut = false and "
-                                                                  "ReferenceItem = false and Restricted = false and LoanType = 'N' and not exists "
-                                                                  "(select * from tblLibTransactions t where t.ItemID = i.ItemID and t.Returned = false) "
-                                                                  "and not exists (select * from tblLibReserves r where r.ItemID = i.ItemID) order by ItemID"));
+    const QStringList copies = copiesOnTheShelf(location, 200);
     Samples alone, during;
     int n = 0;
     for (const QString &copy : copies.mid(0, 100))

@@ -1,12 +1,9 @@
 #include "BenchSql.h"
 
-#include <libpq-fe.h>
-
-#include <cstdio>
-
 #include "BenchTimer.h"
 #include "SqliteDatabase.h"
 
+#include <libpq-fe.h>
 #include <sqlite3.h>
 
 #include <cstdio>

@@ -35,6 +35,7 @@ public:
     }
     double median() { return percentile(0.5); }
     size_t count() const { return samples_.size(); }
+    const std::vector<double> &values() const { return samples_; }
     void report(const char *name)
     {
         std::printf("  %-44s median %7.3f ms   p99 %7.3f ms   (%zu runs)\n", name, median(), percentile(0.99), count());

@@ -5,6 +5,7 @@
 #include "BackupBench.h"
 #include "BenchSql.h"
 #include "MarcBench.h"
+#include "OpacBench.h"
 #include "BenchTimer.h"
 #include "CatalogueBench.h"
 #include "ItemScreensBench.h"
@@ -287,6 +288,7 @@ int main(int argc, char *argv[])
             {"members", benchMembersAndReports},        {"overdue", benchOverdueNotices}, {"statistics", benchLibraryStatistics}, {"stocktake", benchStocktake},        {"startup", [&work] { benchStartUp(work.path()); }},
             {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
             {"marc", benchMarc},
+            {"opac", benchOpac},
             {"backups", [&library] { benchBackups(library, QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }},
             {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
         // An optional third argument runs only the groups whose names contain it (several, separated by commas).
