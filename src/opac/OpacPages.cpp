@@ -65,6 +65,21 @@ QString pagedTitles(const OpacCatalogue::Page &results, int page, const QString 
     return body + QStringLiteral("</nav>");
 }
 
+// A heading and its table (the rows' cells written already), or a line saying there is nothing.
+QString section(const char *heading, const char *nothing, std::initializer_list<const char *> columns, const QStringList &rows)
+{
+    QString html = QStringLiteral("<h2>%1</h2>").arg(QLatin1String(heading));
+    if (rows.isEmpty())
+        return html + QStringLiteral("<p>%1</p>").arg(QLatin1String(nothing));
+    html += QStringLiteral("<table><thead><tr>");
+    for (const char *c : columns)
+        html += QStringLiteral("<th scope=\"col\">%1</th>").arg(QLatin1String(c));
+    html += QStringLiteral("</tr></thead><tbody>");
+    for (const QString &row : rows)
+        html += QStringLiteral("<tr>") + row + QStringLiteral("</tr>");
+    return html + QStringLiteral("</tbody></table>");
+}
+
 } // namespace
 
 QString OpacPages::escaped(const QString &text)
@@ -168,44 +183,24 @@ QString OpacPages::signIn(const QString &formToken, const QString &message)
 QString OpacPages::account(const OpacAccount::Member &member, const QList<OpacAccount::Loan> &loans, const QList<OpacAccount::Fine> &fines,
                            const QList<OpacAccount::Reservation> &reservations, const QString &formToken)
 {
-    QString body = QStringLiteral("<p>Signed in as %1.</p><h2>My loans</h2>").arg(escaped(member.name));
-    if (loans.isEmpty()) {
-        body += QStringLiteral("<p>You have nothing out.</p>");
-    } else {
-        body += QStringLiteral("<table><thead><tr><th scope=\"col\">Title</th><th scope=\"col\">Accession number</th><th scope=\"col\">Due</th>"
-                               "<th scope=\"col\">Fine so far</th></tr></thead><tbody>");
-        for (const OpacAccount::Loan &l : loans)
-            body += QStringLiteral("<tr><td>%1</td><td>%2</td><td%3>%4</td><td>%5</td></tr>")
+    QStringList loanRows, fineRows, reservationRows;
+    for (const OpacAccount::Loan &l : loans)
+        loanRows << QStringLiteral("<td>%1</td><td>%2</td><td%3>%4</td><td>%5</td>")
                         .arg(escaped(l.title), escaped(l.accession), l.overdue ? QStringLiteral(" class=\"out\"") : QString(),
                              l.due.toString(Qt::ISODate) + (l.overdue ? QStringLiteral(" (overdue)") : QString()),
                              l.fineSoFar == Money() ? QString() : escaped(l.fineSoFar.toDisplayText()));
-        body += QStringLiteral("</tbody></table>");
-    }
-    body += QStringLiteral("<h2>My fines</h2>");
-    if (fines.isEmpty()) {
-        body += QStringLiteral("<p>You owe nothing.</p>");
-    } else {
-        body += QStringLiteral("<table><thead><tr><th scope=\"col\">Title</th><th scope=\"col\">Fined on</th><th scope=\"col\">Owed</th></tr>"
-                               "</thead><tbody>");
-        for (const OpacAccount::Fine &f : fines)
-            body += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td></tr>")
-                        .arg(escaped(f.title), f.fined.toString(Qt::ISODate), escaped(f.owed.toDisplayText()));
-        body += QStringLiteral("</tbody></table>");
-    }
-    body += QStringLiteral("<h2>My reservations</h2>");
-    if (reservations.isEmpty()) {
-        body += QStringLiteral("<p>You have reserved nothing.</p>");
-    } else {
-        body += QStringLiteral("<table><thead><tr><th scope=\"col\">Title</th><th scope=\"col\">Reserved on</th><th scope=\"col\"></th></tr>"
-                               "</thead><tbody>");
-        for (const OpacAccount::Reservation &r : reservations)
-            body += QStringLiteral("<tr><td>%1</td><td>%2</td><td><form action=\"/cancel\" method=\"post\"><input type=\"hidden\" name=\"token\" "
-                                   "value=\"%3\"><input type=\"hidden\" name=\"reservation\" value=\"%4\"><button type=\"submit\">Cancel</button>"
-                                   "</form></td></tr>")
-                        .arg(escaped(r.title), r.reserved.toString(Qt::ISODate), escaped(formToken))
-                        .arg(r.reserveID);
-        body += QStringLiteral("</tbody></table>");
-    }
+    for (const OpacAccount::Fine &f : fines)
+        fineRows << QStringLiteral("<td>%1</td><td>%2</td><td>%3</td>").arg(escaped(f.title), f.fined.toString(Qt::ISODate), escaped(f.owed.toDisplayText()));
+    for (const OpacAccount::Reservation &r : reservations)
+        reservationRows << QStringLiteral("<td>%1</td><td>%2</td><td><form action=\"/cancel\" method=\"post\"><input type=\"hidden\" name=\"token\" "
+                                          "value=\"%3\"><input type=\"hidden\" name=\"reservation\" value=\"%4\"><button type=\"submit\">Cancel</button>"
+                                          "</form></td>")
+                               .arg(escaped(r.title), r.reserved.toString(Qt::ISODate), escaped(formToken))
+                               .arg(r.reserveID);
+    QString body = QStringLiteral("<p>Signed in as %1.</p>").arg(escaped(member.name))
+                   + section("My loans", "You have nothing out.", {"Title", "Accession number", "Due", "Fine so far"}, loanRows)
+                   + section("My fines", "You owe nothing.", {"Title", "Fined on", "Owed"}, fineRows)
+                   + section("My reservations", "You have reserved nothing.", {"Title", "Reserved on", ""}, reservationRows);
     body += QStringLiteral("<form action=\"/signout\" method=\"post\"><input type=\"hidden\" name=\"token\" value=\"%1\">"
                            "<button type=\"submit\">Sign out</button></form>")
                 .arg(escaped(formToken));
