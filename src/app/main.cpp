@@ -178,18 +178,9 @@ int exportMarc(const QString &file)
 {
     try {
         TaskProgress progress;
-        const QByteArray bytes = MarcImport::exportFile(file, progress);
-        QFile out(file);
-        if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
-            return std::fprintf(stderr, "Export failed: cannot write %s.\n", qPrintable(file)), 1;
-        // What was written, counted from the file as any reader would see it.
-        qsizetype titles = 0, copies = 0;
-        for (const MarcFile::Entry &e : MarcFile::read(bytes))
-            if (e.record) {
-                ++titles;
-                copies += e.record->all(QStringLiteral("852")).size();
-            }
-        std::printf("Wrote %lld titles (%lld copies) to %s.\n", static_cast<long long>(titles), static_cast<long long>(copies), qPrintable(file));
+        const MarcImport::Written written = MarcImport::exportFile(file, progress);
+        std::printf("Wrote %lld titles (%lld copies) to %s.\n", static_cast<long long>(written.titles), static_cast<long long>(written.copies),
+                    qPrintable(file));
         return 0;
     } catch (const AppError &e) {
         return std::fprintf(stderr, "Export failed: %s\n", qPrintable(e.description())), 1;

@@ -10,6 +10,7 @@
 #include "clsDataObject.h"
 #include "clsTSQL.h"
 
+#include <QFile>
 #include <QHash>
 #include <QMap>
 #include <QSet>
@@ -173,10 +174,19 @@ MarcImport::Result MarcImport::take(const QList<Row> &rows, const Options &optio
     return result;
 }
 
-QByteArray MarcImport::exportFile(const QString &fileName, TaskProgress &progress, const QStringList &accessions)
+MarcImport::Written MarcImport::exportFile(const QString &fileName, TaskProgress &progress, const QStringList &accessions)
 {
     const bool xml = fileName.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive);
-    return MarcFile::write(exportCatalogue(progress, accessions), xml ? MarcFile::Format::MarcXml : MarcFile::Format::Iso2709);
+    const QList<MarcRecord> records = exportCatalogue(progress, accessions);
+    const QByteArray bytes = MarcFile::write(records, xml ? MarcFile::Format::MarcXml : MarcFile::Format::Iso2709);
+    QFile out(fileName);
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
+        throw AppError(AppError::ProviderError, QStringLiteral("%1 cannot be written.").arg(fileName));
+    Written written;
+    written.titles = records.size();
+    for (const MarcRecord &r : records)
+        written.copies += r.all(QStringLiteral("852")).size();
+    return written;
 }
 
 QList<MarcRecord> MarcImport::exportCatalogue(TaskProgress &progress, const QStringList &accessions)

@@ -43,6 +43,10 @@ public:
     /// title (its copies grouped by title, authors and ISBN), an 852 for each copy. Removed copies
     /// are left out.
     static QList<MarcRecord> exportCatalogue(TaskProgress &progress, const QStringList &accessions = {});
-    /// The same as a file's bytes: MARCXML when fileName ends in ".xml", else MARC 21 (UTF-8).
-    static QByteArray exportFile(const QString &fileName, TaskProgress &progress, const QStringList &accessions = {});
+    struct Written {
+        qsizetype titles = 0, copies = 0;
+    };
+    /// The same written to fileName: MARCXML when it ends in ".xml", else MARC 21 (UTF-8). Throws
+    /// AppError when the file cannot be written.
+    static Written exportFile(const QString &fileName, TaskProgress &progress, const QStringList &accessions = {});
 };

@@ -3,7 +3,7 @@
 
 #include "AppError.h"
 #include "ItemCriteria.h"
-#include "MarcImport.h"
+#include "frmMarcImport.h"
 #include "Money.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
@@ -16,7 +16,6 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
-#include <QFile>
 #include <QHeaderView>
 #include <QTableView>
 
@@ -403,19 +402,5 @@ void frmItemList::cmdExportMarc_Click()
         UserMessage(QStringLiteral("The list is empty: search or Show All first."));
         return;
     }
-    const QString file = ShowSaveFileDialog(this, QStringLiteral("Export MARC Records"), QStringLiteral("MARC 21 (*.mrc);;MARCXML (*.xml)"));
-    if (file.isEmpty())
-        return;
-    Trap(Location, QStringLiteral("cmdExportMarc_Click"), [&] {
-        const auto bytes = TaskRunner(this, QStringLiteral("Exporting %1 items...").arg(accessions.size()), TaskRunner::Cancel::Yes)
-                               .compute<QByteArray>([&](TaskProgress &progress) { return MarcImport::exportFile(file, progress, accessions); });
-        if (!bytes)
-            return;
-        QFile out(file);
-        if (!out.open(QIODevice::WriteOnly) || out.write(*bytes) != bytes->size()) {
-            UserMessage(QStringLiteral("%1 cannot be written.").arg(file));
-            return;
-        }
-        UserMessage(QStringLiteral("The %1 items listed are written to %2.").arg(accessions.size()).arg(file));
-    });
+    ExportMarcRecords(this, accessions);
 }

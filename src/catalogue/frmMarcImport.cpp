@@ -10,7 +10,6 @@
 #include "clsTSQL.h"
 #include "modExtendedMsgBox.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -133,24 +132,23 @@ void frmMarcImport::cmdImport_Click()
     preview(ui->txtFile->text()); // what is now held shows as such
 }
 
-void frmMarcImport::cmdExport_Click()
+void frmMarcImport::cmdExport_Click() { ExportMarcRecords(this); }
+
+void ExportMarcRecords(QWidget *owner, const QStringList &accessions)
 {
-    const QString file = ShowSaveFileDialog(this, QStringLiteral("Export MARC Records"),
-                                            QStringLiteral("MARC 21 (*.mrc);;MARCXML (*.xml)"));
+    const QString file = ShowSaveFileDialog(owner, QStringLiteral("Export MARC Records"), QStringLiteral("MARC 21 (*.mrc);;MARCXML (*.xml)"));
     if (file.isEmpty())
         return;
+    const QString what = accessions.isEmpty() ? QStringLiteral("the catalogue") : QStringLiteral("%1 items").arg(accessions.size());
+    std::optional<MarcImport::Written> written;
     try {
-        const auto records = TaskRunner(this, QStringLiteral("Exporting the catalogue..."), TaskRunner::Cancel::Yes)
-                                 .compute<QByteArray>([&](TaskProgress &progress) { return MarcImport::exportFile(file, progress); });
-        if (!records)
-            return;
-        QFile out(file);
-        if (!out.open(QIODevice::WriteOnly) || out.write(*records) != records->size()) {
-            UserMessage(QStringLiteral("%1 cannot be written.").arg(file));
-            return;
-        }
-        UserMessage(QStringLiteral("The catalogue is written to %1.").arg(file));
+        written = TaskRunner(owner, QStringLiteral("Exporting %1...").arg(what), TaskRunner::Cancel::Yes)
+                      .compute<MarcImport::Written>([&](TaskProgress &progress) { return MarcImport::exportFile(file, progress, accessions); });
     } catch (const AppError &e) {
-        ReportError(Location, QStringLiteral("cmdExport_Click"), e);
+        UserMessage(e.description());
+        return;
     }
+    if (written)
+        UserMessage(accessions.isEmpty() ? QStringLiteral("The catalogue is written to %1.").arg(file)
+                                         : QStringLiteral("The %1 items listed are written to %2.").arg(accessions.size()).arg(file));
 }

@@ -3,6 +3,7 @@
 #include "MarcImport.h"
 
 #include <QDialog>
+#include <QStringList>
 
 #include <memory>
 
@@ -33,3 +34,8 @@ private:
     std::unique_ptr<Ui::frmMarcImport> ui;
     QList<MarcImport::Row> rows_;
 };
+
+/// "Export MARC Records...": asks where (MARC 21 or MARCXML), writes the catalogue (or the copies
+/// with these accession numbers) on the task runner and says what was written. The stock list's
+/// button and this screen's both use it.
+void ExportMarcRecords(QWidget *owner, const QStringList &accessions = {});

@@ -132,14 +132,10 @@ QList<LibraryCopy::TableFigures> LibraryCopy::copy(const QString &from, const QS
     QList<TableFigures> copied;
     try {
         const std::unique_ptr<DbConnection> into = open(target, false);
-        into->BeginTrans();
-        try {
+        into->RunTransaction([&] {
             copied = copyTables(*source, *into, statements, from, tableCopied);
-            into->CommitTrans();
-        } catch (...) {
-            into->RollbackTrans();
-            throw;
-        }
+            return true;
+        });
         // The copy's own connection could write; later ones learn afresh what the database is
         // (a school database is opened read-only).
         into->Close();
@@ -161,18 +157,14 @@ QList<LibraryCopy::TableFigures> LibraryCopy::replaceContents(const QString &fro
     const QStringList statements = DatabaseSchema::libraryStatements();
     const std::unique_ptr<DbConnection> into = open(to, false);
     QList<TableFigures> copied;
-    into->BeginTrans();
-    try {
-        // The old tables go and the copy's come in one transaction: a failure leaves the old ones.
+    // The old tables go and the copy's come in one transaction: a failure leaves the old ones.
+    into->RunTransaction([&] {
         for (const QString &table : tablesOf(statements))
             if (into->HoldsTable(table))
                 into->Execute(QStringLiteral("DROP TABLE ") + table);
         copied = copyTables(*source, *into, statements, from, tableCopied);
-        into->CommitTrans();
-    } catch (...) {
-        into->RollbackTrans();
-        throw;
-    }
+        return true;
+    });
     into->Close();
     ConnectionPool::shared().closeIdle(to);
     return copied;

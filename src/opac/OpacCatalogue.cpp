@@ -94,8 +94,6 @@ OpacCatalogue::Page pageOf(const QList<OpacCatalogue::Title> &titles, int page)
 
 } // namespace
 
-OpacCatalogue::Page OpacCatalogue::search(const QString &typed, int page) { return search(Filter{typed}, page); }
-
 OpacCatalogue::Page OpacCatalogue::search(const Filter &filter, int page)
 {
     if (!filter.any())

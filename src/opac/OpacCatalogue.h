@@ -25,16 +25,14 @@ public:
         QList<Title> titles;
         int total = 0; // titles found in all
     };
-    /// Titles whose title, author, ISBN, accession number, keyword (English or Afrikaans) or
-    /// subject matches what was typed; page counts from 1. Throws AppError.
-    static Page search(const QString &text, int page);
-
-    /// The advanced search's choices (ids of the lists; 0 for any); what is typed as in search().
+    /// What is asked: typed text matched against title, author, ISBN, accession number, keyword
+    /// (English or Afrikaans) and subject; and the advanced search's choices (list ids; 0 for any).
     struct Filter {
         QString text;
         int category = 0, subCategory = 0, language = 0, series = 0;
         bool any() const { return !text.trimmed().isEmpty() || category || subCategory || language || series; }
     };
+    /// The titles asked for; page counts from 1. Throws AppError.
     static Page search(const Filter &filter, int page);
     /// A pick list of the advanced form: id and name, in name order.
     struct Choice {
