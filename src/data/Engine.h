@@ -61,8 +61,8 @@ public:
     /// How many connections other than this program's are open on the database (0 or more);
     /// a restore waits until there are none.
     virtual int otherConnections(const QString &location) const = 0;
-    /// A text that changes whenever a write has been committed: a backup is due when it differs
-    /// from the one seen at the last backup.
+    /// A text that changes whenever a write has been committed (on a server, other databases' too):
+    /// a backup is due, or the web catalogue's index old, when it differs from the one seen last.
     virtual QString changeMark(const QString &location) const = 0;
 };
 

@@ -1,58 +1,162 @@
 #include "OpacCatalogue.h"
 
+#include "AppError.h"
 #include "Clock.h"
+#include "DatabaseLocations.h"
+#include "Engine.h"
 #include "Recordset.h"
-#include "SqlText.h"
 #include "clsDataObject.h"
 
 #include <QHash>
 
-namespace {
+#include <algorithm>
 
-// Every copy's row: the title's fields, its author and its open loan's due date.
-const QString CopyColumns = QStringLiteral(
-    "select i.ItemID, i.Title, i.ISBN, i.YearPublished, i.ClassificationNo, i.ShelfNumber, i.ReferenceItem, i.AccessionID, "
-    "a.AuthorSurname, a.AuthorFirstName, (select min(t.DueDate) from tblLibTransactions t where t.ItemID = i.ItemID and "
-    "t.Returned = false) as DueBack, i.ByLine, p.Publisher, s.Series, i.Author1, i.SeriesID from ((tblLibItems i left join tblLibAuthors a on "
-    "i.Author1 = a.AuthorID) left join tblLibPublishers p on i.Publisher = p.PublisherID) left join tblLibSeries s on "
-    "i.SeriesID = s.SeriesID where i.PhasedOut = false ");
+namespace {
 
 QString text(Recordset &rs, int f) { return rs.field(f).isNull() ? QString() : rs.field(f).toString().trimmed(); }
 
-QString authorOf(Recordset &rs)
-{
-    const QString surname = text(rs, 8), first = text(rs, 9);
-    return first.isEmpty() ? surname : surname + QStringLiteral(", ") + first;
-}
+// A copy as it is now: on the shelf or out, and the fields only a title's page shows.
+struct LiveCopy {
+    QString accession, shelf, subtitle, publisher, series;
+    bool reference = false;
+    QDate due;
+};
 
-QString key(Recordset &rs) { return text(rs, 1).toCaseFolded() + QLatin1Char('|') + authorOf(rs).toCaseFolded() + QLatin1Char('|') + text(rs, 2); }
+// The copies of these items that are not removed, read as they are now.
+QHash<int, LiveCopy> liveCopies(const std::vector<int> &itemIDs)
+{
+    QHash<int, LiveCopy> live;
+    if (itemIDs.empty())
+        return live;
+    QString ids;
+    for (int id : itemIDs)
+        ids += (ids.isEmpty() ? QString() : QStringLiteral(",")) + QString::number(id);
+    clsDataObject data;
+    data.GetData(QStringLiteral(
+                     "select i.ItemID, i.AccessionID, i.ShelfNumber, i.ClassificationNo, i.ReferenceItem, (select min(t.DueDate) from "
+                     "tblLibTransactions t where t.ItemID = i.ItemID and t.Returned = false) as DueBack, i.ByLine, p.Publisher, s.Series from "
+                     "(tblLibItems i left join tblLibPublishers p on i.Publisher = p.PublisherID) left join tblLibSeries s on i.SeriesID = "
+                     "s.SeriesID where i.PhasedOut = false and i.ItemID in (")
+                 + ids + QStringLiteral(")"));
+    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
+        live.insert(rs.field(0).toInt(), LiveCopy{text(rs, 1), text(rs, 2).isEmpty() ? text(rs, 3) : text(rs, 2), text(rs, 6), text(rs, 7),
+                                                  text(rs, 8), rs.field(4).toBool(),
+                                                  rs.field(5).isNull() ? QDate() : rs.field(5).toDateTime().date()});
+    data.CloseCompact();
+    return live;
+}
 
 // Adds one copy to its title.
-void count(OpacCatalogue::Title &t, Recordset &rs)
+void count(OpacCatalogue::Title &t, const LiveCopy &c)
 {
     ++t.copies;
-    const bool reference = rs.field(6).toBool();
-    const QDate due = rs.field(10).isNull() ? QDate() : rs.field(10).toDateTime().date();
-    if (!reference && !due.isValid())
+    if (!c.reference && !c.due.isValid())
         ++t.onShelf;
-    if (due.isValid() && (!t.dueBack.isValid() || due < t.dueBack))
-        t.dueBack = due;
-    t.referenceOnly = (t.copies == 1 ? reference : t.referenceOnly && reference);
+    if (c.due.isValid() && (!t.dueBack.isValid() || c.due < t.dueBack))
+        t.dueBack = c.due;
+    t.referenceOnly = (t.copies == 1 ? c.reference : t.referenceOnly && c.reference);
 }
 
-OpacCatalogue::Title titleOf(Recordset &rs)
+// A title with the copies of it still on the list counted; no copies when all were removed.
+OpacCatalogue::Title titleOf(const OpacTitleIndex::Title &indexed, const std::vector<int> &itemIDs, const QHash<int, LiveCopy> &live)
 {
     OpacCatalogue::Title t;
-    t.itemID = rs.field(0).toInt();
-    t.title = text(rs, 1);
-    t.isbn = text(rs, 2);
-    t.year = text(rs, 3) == QLatin1String("0") ? QString() : text(rs, 3);
-    t.classification = text(rs, 4);
-    t.author = authorOf(rs);
+    t.title = indexed.title;
+    t.author = indexed.author;
+    t.year = indexed.year;
+    t.classification = indexed.classification;
+    t.isbn = indexed.isbn;
+    for (int id : itemIDs)
+        if (const auto c = live.constFind(id); c != live.cend()) {
+            if (t.copies == 0)
+                t.itemID = id;
+            count(t, *c);
+        }
     return t;
 }
 
+std::vector<int> itemsOf(const OpacTitleIndex::Title &t)
+{
+    std::vector<int> ids;
+    for (const OpacTitleIndex::Copy &c : t.copies)
+        ids.push_back(c.itemID);
+    return ids;
+}
+
+OpacCatalogue::Page pageOf(const std::vector<OpacTitleIndex::Found> &found, int page)
+{
+    OpacCatalogue::Page result;
+    result.total = int(found.size());
+    const size_t first = std::min(found.size(), size_t(std::max(0, page - 1)) * OpacCatalogue::PageSize);
+    const size_t last = std::min(found.size(), first + OpacCatalogue::PageSize);
+    std::vector<int> ids;
+    for (size_t f = first; f < last; ++f)
+        ids.insert(ids.end(), found[f].itemIDs.begin(), found[f].itemIDs.end());
+    const QHash<int, LiveCopy> live = liveCopies(ids);
+    for (size_t f = first; f < last; ++f)
+        if (const OpacCatalogue::Title t = titleOf(*found[f].title, found[f].itemIDs, live); t.copies > 0)
+            result.titles << t;
+    return result;
+}
+
+QString changeMark() { return EngineRegistry::installed().forLocation(LibraryDatabasePath).changeMark(LibraryDatabasePath); }
+
 } // namespace
+
+OpacCatalogue::OpacCatalogue(int refreshSeconds) : refreshSeconds_(std::max(0, refreshSeconds)) {}
+
+OpacCatalogue::~OpacCatalogue() { waitForRefresh(); }
+
+void OpacCatalogue::waitForRefresh()
+{
+    std::thread running;
+    {
+        std::lock_guard lock(mutex_);
+        running = std::move(refresher_);
+    }
+    if (running.joinable())
+        running.join();
+}
+
+std::shared_ptr<const OpacTitleIndex> OpacCatalogue::index()
+{
+    if (refreshSeconds_ == 0)
+        return OpacTitleIndex::read();
+    std::lock_guard lock(mutex_);
+    const QDateTime now = Clock::now();
+    if (!index_) {
+        // The first request reads the index; the others wait for it on the lock.
+        const QString mark = changeMark();
+        index_ = OpacTitleIndex::read();
+        mark_ = mark;
+        checkedAt_ = now;
+    } else if (!refreshing_ && checkedAt_.secsTo(now) >= refreshSeconds_) {
+        checkedAt_ = now;
+        refreshing_ = true;
+        if (refresher_.joinable())
+            refresher_.join();
+        refresher_ = std::thread([this] {
+            try {
+                const QString mark = changeMark();
+                QString before;
+                {
+                    std::lock_guard read(mutex_);
+                    before = mark_;
+                }
+                if (mark != before) {
+                    auto fresh = OpacTitleIndex::read();
+                    std::lock_guard swap(mutex_);
+                    index_ = std::move(fresh);
+                    mark_ = mark;
+                }
+            } catch (const AppError &) {
+                // The index in hand serves on; the next interval tries again.
+            }
+            refreshing_ = false;
+        });
+    }
+    return index_;
+}
 
 QString OpacCatalogue::Title::availability() const
 {
@@ -63,166 +167,87 @@ QString OpacCatalogue::Title::availability() const
     return dueBack.isValid() ? QStringLiteral("Due back ") + dueBack.toString(Qt::ISODate) : QStringLiteral("Not on the shelf");
 }
 
-namespace {
-
-// The titles of the copies a condition picks, grouped, in the order asked.
-QList<OpacCatalogue::Title> titlesWhere(const QString &condition, const QString &order)
-{
-    clsDataObject data;
-    data.GetData(CopyColumns + condition + QStringLiteral(" order by ") + order);
-    QList<OpacCatalogue::Title> titles;
-    QHash<QString, qsizetype> at;
-    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
-        const QString k = key(rs);
-        if (!at.contains(k)) {
-            at.insert(k, titles.size());
-            titles << titleOf(rs);
-        }
-        count(titles[at.value(k)], rs);
-    }
-    data.CloseCompact();
-    return titles;
-}
-
-OpacCatalogue::Page pageOf(const QList<OpacCatalogue::Title> &titles, int page)
-{
-    OpacCatalogue::Page result;
-    result.total = int(titles.size());
-    result.titles = titles.mid(qsizetype(std::max(0, page - 1)) * OpacCatalogue::PageSize, OpacCatalogue::PageSize);
-    return result;
-}
-
-} // namespace
-
 OpacCatalogue::Page OpacCatalogue::search(const Filter &filter, int page)
 {
     if (!filter.any())
         return Page();
-    QString condition;
-    const QString wanted = filter.text.simplified().left(200);
-    if (!wanted.isEmpty()) {
-        const QString q = Safesql(wanted);
-        condition += QStringLiteral(
-            "and (i.Title like '%") + q + QStringLiteral("%' or a.AuthorSurname like '") + q + QStringLiteral("%' or i.ISBN = '") + q
-            + QStringLiteral("' or i.AccessionID = '") + q + QStringLiteral("' or i.ItemID in (select k.ItemID from tblLibItemKeywords k inner join "
-                             "tblLibKeywords w on k.KeyID = w.KeyID where w.KeywordEng like '") + q + QStringLiteral("%' or w.KeywordAfr like '") + q
-            + QStringLiteral("%') or i.ItemID in (select s.itemid from tblLibItemSubjects s inner join tblLibSubjectCodes c on s.subjectid = c.Id "
-                             "where c.SubjectDescription like '") + q + QStringLiteral("%')) ");
-    }
-    const auto narrow = [&condition](const char *column, int id) {
-        if (id > 0)
-            condition += QStringLiteral("and i.%1 = %2 ").arg(QLatin1String(column)).arg(id);
-    };
-    narrow("CategoryID", filter.category);
-    narrow("SubCategoryID", filter.subCategory);
-    narrow("ItemLanguageID", filter.language);
-    narrow("SeriesID", filter.series);
-    return pageOf(titlesWhere(condition, QStringLiteral("i.Title, i.ItemID")), page);
+    return pageOf(index()->search(filter), page);
 }
 
-QList<OpacCatalogue::Choice> OpacCatalogue::choices(List list)
-{
-    static const char *const sql[] = {
-        "select CategoryID, Category from tblLibCategories where PhasedOut = false order by Category",
-        "select s.SubCategoryID, c.Category & ': ' & s.SubCategory from tblLibSubCategories s inner join tblLibCategories c on s.CategoryID = "
-        "c.CategoryID where s.PhasedOut = false and c.PhasedOut = false order by c.Category, s.SubCategory",
-        "select ItemLanguageID, ItemLanguage from tblLibItemLanguages order by ItemLanguage",
-        "select SeriesID, Series from tblLibSeries where PhasedOut = false order by Series"};
-    clsDataObject data;
-    data.GetData(QLatin1String(sql[int(list)]));
-    QList<Choice> out;
-    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
-        out << Choice{rs.field(0).toInt(), text(rs, 1)};
-    data.CloseCompact();
-    return out;
-}
+QList<OpacCatalogue::Choice> OpacCatalogue::choices(List list) { return index()->choices(list); }
 
-OpacCatalogue::Page OpacCatalogue::newInTheLibrary(int page)
-{
-    const QDate since = Clock::today().addDays(-30);
-    return pageOf(titlesWhere(QStringLiteral("and i.DateAdded >= #%1# ").arg(since.toString(Qt::ISODate)),
-                              QStringLiteral("i.DateAdded desc, i.ItemID desc")),
-                  page);
-}
+OpacCatalogue::Page OpacCatalogue::newInTheLibrary(int page) { return pageOf(index()->addedSince(Clock::today().addDays(-30)), page); }
 
 QList<QPair<OpacCatalogue::Title, int>> OpacCatalogue::mostBorrowed(QDate *since)
 {
     const QDate today = Clock::today();
     *since = QDate(today.year(), (today.month() - 1) / 3 * 3 + 1, 1);
+    const auto titles = index();
     clsDataObject data;
     data.GetData(QStringLiteral("select top 200 ItemID, count(*) as Loans from tblLibTransactions where IssueDate >= #%1# group by ItemID "
                                 "order by count(*) desc, ItemID")
                      .arg(since->toString(Qt::ISODate)));
-    QHash<int, int> loans;
-    QStringList ids;
-    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
-        loans.insert(rs.field(0).toInt(), rs.field(1).toInt());
-        ids << rs.field(0).toString();
-    }
-    data.CloseCompact();
-    if (ids.isEmpty())
-        return {};
     // The copies' loans add up to their title's.
-    QList<QPair<Title, int>> ranked;
-    QHash<QString, qsizetype> at;
-    data.GetData(CopyColumns + QStringLiteral("and i.ItemID in (") + ids.join(QLatin1Char(',')) + QStringLiteral(") order by i.ItemID"));
-    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
-        const QString k = key(rs);
-        if (!at.contains(k)) {
-            at.insert(k, ranked.size());
-            ranked.append({titleOf(rs), 0});
+    QHash<const OpacTitleIndex::Title *, int> loans;
+    std::vector<const OpacTitleIndex::Title *> order;
+    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
+        if (const OpacTitleIndex::Title *t = titles->titleOf(rs.field(0).toInt())) {
+            if (!loans.contains(t))
+                order.push_back(t);
+            loans[t] += rs.field(1).toInt();
         }
-        auto &entry = ranked[at.value(k)];
-        count(entry.first, rs);
-        entry.second += loans.value(rs.field(0).toInt());
-    }
     data.CloseCompact();
-    std::stable_sort(ranked.begin(), ranked.end(), [](const auto &a, const auto &b) { return a.second > b.second; });
-    return ranked.mid(0, 20);
+    std::stable_sort(order.begin(), order.end(), [&loans](const auto *a, const auto *b) { return loans.value(a) > loans.value(b); });
+    order.resize(std::min<size_t>(order.size(), 20));
+    std::vector<int> ids;
+    for (const OpacTitleIndex::Title *t : order)
+        for (int id : itemsOf(*t))
+            ids.push_back(id);
+    const QHash<int, LiveCopy> live = liveCopies(ids);
+    QList<QPair<Title, int>> ranked;
+    for (const OpacTitleIndex::Title *t : order)
+        if (const Title shown = titleOf(*t, itemsOf(*t), live); shown.copies > 0)
+            ranked.append({shown, loans.value(t)});
+    return ranked;
 }
 
 std::optional<OpacCatalogue::Details> OpacCatalogue::details(int itemID)
 {
-    clsDataObject data;
-    data.GetData(CopyColumns + QStringLiteral("and i.ItemID = ") + QString::number(itemID));
-    if (data.rst->atEnd()) {
-        data.CloseCompact();
+    const auto titles = index();
+    const OpacTitleIndex::Title *indexed = titles->titleOf(itemID);
+    if (!indexed)
         return std::nullopt;
-    }
+    const auto byAuthor = titles->byAuthor(indexed->authorID, indexed->title, 10);
+    const auto inSeries = titles->inSeries(indexed->seriesID, indexed->title, 10);
+    // One reading of every copy the page shows.
+    std::vector<int> ids = itemsOf(*indexed);
+    for (const auto *list : {&byAuthor, &inSeries})
+        for (const OpacTitleIndex::Title *t : *list)
+            for (int id : itemsOf(*t))
+                ids.push_back(id);
+    const QHash<int, LiveCopy> live = liveCopies(ids);
+    if (!live.contains(itemID))
+        return std::nullopt;
     Details d;
-    d.title = titleOf(*data.rst);
-    d.subtitle = text(*data.rst, 11);
-    d.publisher = text(*data.rst, 12);
-    d.series = text(*data.rst, 13);
-    const QString wantedKey = key(*data.rst);
-    const QString title = Safesql(d.title.title);
-    const int author = data.rst->field(14).isNull() ? 0 : data.rst->field(14).toInt();
-    const int series = data.rst->field(15).isNull() ? 0 : data.rst->field(15).toInt();
-    data.CloseCompact();
-    const auto others = [&](const char *column, int id) {
-        QList<Title> found;
-        if (id > 0)
-            for (const Title &t : titlesWhere(QStringLiteral("and i.%1 = %2 and i.Title <> '%3' ").arg(QLatin1String(column)).arg(id).arg(title),
-                                              QStringLiteral("i.Title, i.ItemID")))
-                if (found.size() < 10)
-                    found << t;
-        return found;
-    };
-    d.byAuthor = others("Author1", author);
-    d.inSeries = others("SeriesID", series);
-    // The title's other copies: the same title, author and ISBN.
-    data.GetData(CopyColumns + QStringLiteral("and i.Title = '") + title + QStringLiteral("' order by i.AccessionID"));
-    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
-        if (key(rs) != wantedKey)
-            continue;
-        Title one;
-        count(one, rs);
-        count(d.title, rs);
-        d.copies << Copy{text(rs, 7), text(rs, 5).isEmpty() ? text(rs, 4) : text(rs, 5),
-                         one.referenceOnly ? QStringLiteral("Reference only") : one.onShelf ? QStringLiteral("On the shelf") : one.availability(),
-                         rs.field(0).toInt(), one.dueBack};
-    }
-    data.CloseCompact();
+    d.title = titleOf(*indexed, itemsOf(*indexed), live);
+    d.title.itemID = itemID;
+    const LiveCopy &asked = live.value(itemID);
+    d.subtitle = asked.subtitle;
+    d.publisher = asked.publisher;
+    d.series = asked.series;
+    for (int id : itemsOf(*indexed))
+        if (const auto c = live.constFind(id); c != live.cend()) {
+            Title one;
+            count(one, *c);
+            d.copies << Copy{c->accession, c->shelf,
+                             one.referenceOnly ? QStringLiteral("Reference only") : one.onShelf ? QStringLiteral("On the shelf") : one.availability(),
+                             id, one.dueBack};
+        }
+    std::sort(d.copies.begin(), d.copies.end(), [](const Copy &a, const Copy &b) { return a.accession < b.accession; });
+    for (const auto &[list, into] : {std::pair{&byAuthor, &d.byAuthor}, std::pair{&inSeries, &d.inSeries}})
+        for (const OpacTitleIndex::Title *t : *list)
+            if (const Title shown = titleOf(*t, itemsOf(*t), live); shown.copies > 0)
+                *into << shown;
     return d;
 }
 

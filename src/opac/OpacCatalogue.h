@@ -1,15 +1,30 @@
 #pragma once
 
+#include "OpacTitleIndex.h"
+
 #include <QDate>
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
+#include <atomic>
+#include <mutex>
 #include <optional>
+#include <thread>
 
 /// What the web catalogue shows of the library: titles (copies grouped by title, main author and
 /// ISBN) with their availability counted over the copies. Removed copies are never shown.
+///
+/// The titles are found in an index held in memory, read again in the background when the
+/// library has changed and the index is older than the refresh interval (a new title shows within
+/// that time); whether a copy is on the shelf, due back or removed is read from the library for
+/// every page, so it is never older than the page. A refresh interval of 0 reads the index for
+/// every request (a small library, the tests).
 class OpacCatalogue {
 public:
+    explicit OpacCatalogue(int refreshSeconds = 60);
+    ~OpacCatalogue();
+
     static constexpr int PageSize = 20;
 
     struct Title {
@@ -25,28 +40,19 @@ public:
         QList<Title> titles;
         int total = 0; // titles found in all
     };
-    /// What is asked: typed text matched against title, author, ISBN, accession number, keyword
-    /// (English or Afrikaans) and subject; and the advanced search's choices (list ids; 0 for any).
-    struct Filter {
-        QString text;
-        int category = 0, subCategory = 0, language = 0, series = 0;
-        bool any() const { return !text.trimmed().isEmpty() || category || subCategory || language || series; }
-    };
+    using Filter = OpacTitleIndex::Filter;
+    using Choice = OpacTitleIndex::Choice;
+    using List = OpacTitleIndex::List;
     /// The titles asked for; page counts from 1. Throws AppError.
-    static Page search(const Filter &filter, int page);
+    Page search(const Filter &filter, int page);
     /// A pick list of the advanced form: id and name, in name order.
-    struct Choice {
-        int id = 0;
-        QString name;
-    };
-    enum class List { Categories, SubCategories, Languages, Series };
-    static QList<Choice> choices(List list);
+    QList<Choice> choices(List list);
 
     /// Titles added in the last 30 days, newest first.
-    static Page newInTheLibrary(int page);
+    Page newInTheLibrary(int page);
     /// The titles lent most since the term began (the quarter: January, April, July, October), with
     /// their number of loans; at most 20.
-    static QList<QPair<Title, int>> mostBorrowed(QDate *since);
+    QList<QPair<Title, int>> mostBorrowed(QDate *since);
 
     struct Copy {
         QString accession, shelf, state; // "On the shelf", "Due back 2026-12-07", "Reference only"
@@ -62,5 +68,21 @@ public:
         std::optional<Copy> toReserve() const;
     };
     /// The title one copy belongs to, with every copy; empty for a removed or unknown copy.
-    static std::optional<Details> details(int itemID);
+    std::optional<Details> details(int itemID);
+
+    /// Waits for a refresh under way (tests).
+    void waitForRefresh();
+
+private:
+    /// The index to answer from, starting a refresh when it is due.
+    std::shared_ptr<const OpacTitleIndex> index();
+    void refresh(const QString &mark);
+
+    const int refreshSeconds_;
+    std::mutex mutex_;
+    std::shared_ptr<const OpacTitleIndex> index_;
+    QString mark_;         // the library's change mark the index was read at
+    QDateTime checkedAt_;  // when the mark was last compared
+    std::thread refresher_;
+    std::atomic<bool> refreshing_{false};
 };

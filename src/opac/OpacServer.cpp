@@ -73,9 +73,9 @@ const QString FormCookie = QStringLiteral("opac_form");
 
 } // namespace
 
-OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
+OpacServer::OpacServer(int refreshSeconds) : server_(std::make_unique<httplib::Server>()), catalogue_(refreshSeconds)
 {
-    const auto search = [](const httplib::Request &req, httplib::Response &res) {
+    const auto search = [this](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
             // A text with a NUL or more than a search box holds is searched for as far as it goes.
             OpacPages::SearchForm form;
@@ -84,32 +84,32 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
             form.filter.subCategory = number(req, "sub");
             form.filter.language = number(req, "lang");
             form.filter.series = number(req, "series");
-            form.categories = OpacCatalogue::choices(OpacCatalogue::List::Categories);
-            form.subCategories = OpacCatalogue::choices(OpacCatalogue::List::SubCategories);
-            form.languages = OpacCatalogue::choices(OpacCatalogue::List::Languages);
-            form.series = OpacCatalogue::choices(OpacCatalogue::List::Series);
+            form.categories = catalogue_.choices(OpacCatalogue::List::Categories);
+            form.subCategories = catalogue_.choices(OpacCatalogue::List::SubCategories);
+            form.languages = catalogue_.choices(OpacCatalogue::List::Languages);
+            form.series = catalogue_.choices(OpacCatalogue::List::Series);
             const int page = pageOf(req);
-            reply(res, OpacPages::search(form, OpacCatalogue::search(form.filter, page), page));
+            reply(res, OpacPages::search(form, catalogue_.search(form.filter, page), page));
         });
     };
     server_->Get("/", search);
     server_->Get("/search", search);
-    server_->Get("/new", [](const httplib::Request &req, httplib::Response &res) {
+    server_->Get("/new", [this](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
             const int page = pageOf(req);
-            reply(res, OpacPages::newTitles(OpacCatalogue::newInTheLibrary(page), page));
+            reply(res, OpacPages::newTitles(catalogue_.newInTheLibrary(page), page));
         });
     });
-    server_->Get("/popular", [](const httplib::Request &, httplib::Response &res) {
+    server_->Get("/popular", [this](const httplib::Request &, httplib::Response &res) {
         answer(res, [&] {
             QDate since;
-            const auto ranked = OpacCatalogue::mostBorrowed(&since);
+            const auto ranked = catalogue_.mostBorrowed(&since);
             reply(res, OpacPages::mostBorrowed(ranked, since));
         });
     });
     server_->Get(R"(/title/(\d{1,9}))", [this](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
-            const auto details = OpacCatalogue::details(QString::fromStdString(req.matches[1]).toInt());
+            const auto details = catalogue_.details(QString::fromStdString(req.matches[1]).toInt());
             if (!details) {
                 reply(res, OpacPages::message(QStringLiteral("Not in the catalogue"), QStringLiteral("The library has no such title.")), 404);
                 return;
@@ -125,7 +125,7 @@ OpacServer::OpacServer() : server_(std::make_unique<httplib::Server>())
                 redirect(res, "/signin");
                 return;
             }
-            const auto details = OpacCatalogue::details(number(req, "item"));
+            const auto details = catalogue_.details(number(req, "item"));
             const auto copy = details ? details->toReserve() : std::nullopt;
             if (!copy) {
                 reply(res, OpacPages::message(QStringLiteral("Not reserved"), QStringLiteral("A copy of this title is on the shelf (or it is for "

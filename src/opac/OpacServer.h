@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OpacCatalogue.h"
 #include "OpacSessions.h"
 
 #include <QString>
@@ -19,7 +20,8 @@ struct Request;
 /// session cookie is HttpOnly and SameSite=Strict.
 class OpacServer {
 public:
-    OpacServer();
+    /// refreshSeconds: how old the catalogue's index may grow before it is read again (0: every request).
+    explicit OpacServer(int refreshSeconds = 60);
     ~OpacServer();
 
     /// Binds address:port (port 0: any free one); the port bound, or -1 when it cannot.
@@ -34,4 +36,5 @@ private:
 
     std::unique_ptr<httplib::Server> server_;
     OpacSessions sessions_;
+    OpacCatalogue catalogue_;
 };

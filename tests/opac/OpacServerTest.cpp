@@ -2,6 +2,7 @@
 #include "Clock.h"
 #include "Engine.h"
 #include "MemberPin.h"
+#include "OpacCatalogue.h"
 #include "OpacServer.h"
 #include "PhysicalConnection.h"
 #include "Recordset.h"
@@ -100,7 +101,7 @@ protected:
     }
     static std::string query(const QString &typed) { return "/search?q=" + QUrl::toPercentEncoding(typed).toStdString(); }
 
-    OpacServer server_;
+    OpacServer server_{0};
     std::thread thread_;
     int port_ = 0;
     std::unique_ptr<httplib::Client> client_;
@@ -163,6 +164,32 @@ TEST_F(OpacServerTest, ADeskWritingNeitherBlocksNorShowsHalfItsWork)
     EXPECT_LT(clock.elapsed(), 2000) << "the desk's open transaction held the catalogue up";
     desk->commitTransaction();
     EXPECT_TRUE(page(query("nuwe")).contains("Nuwe boek"));
+}
+
+// The titles are found in an index read again once it is older than its interval and the library
+// has changed; a copy's availability and its removal show at once.
+TEST_F(OpacServerTest, TheIndexIsReadAgainWhenDueAndAvailabilityIsAlwaysNow)
+{
+    Clock::setFixed(QDateTime(QDate(2026, 11, 25), QTime(10, 0)));
+    OpacCatalogue catalogue(60);
+    const auto found = [&catalogue](const char *typed) {
+        QStringList shown;
+        for (const OpacCatalogue::Title &t : catalogue.search(OpacCatalogue::Filter{typed}, 1).titles)
+            shown << t.title + ": " + t.availability();
+        return shown;
+    };
+    EXPECT_EQ(found("kennis"), QStringList({"Kennis is mag: Due back 2026-12-07", "Kennis van die aand: 2 of 3 on the shelf"}));
+    library("Insert into tblLibItems (AccessionID, Title) values ('N1', 'Nuwe boek')");
+    library("Insert into tblLibTransactions (AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('A1', 'L', 1, 1, #2026-11-25#, #2026-12-09#)");
+    library("Update tblLibItems set PhasedOut = true where AccessionID = 'A3'");
+    EXPECT_EQ(found("kennis"), QStringList({"Kennis is mag: Due back 2026-12-07", "Kennis van die aand: Due back 2026-12-04"}))
+        << "availability and removal read from the index, not the library";
+    EXPECT_TRUE(found("nuwe").isEmpty()) << "the index was read before its interval";
+    Clock::setFixed(QDateTime(QDate(2026, 11, 25), QTime(10, 1, 1)));
+    found("nuwe"); // starts the reading in the background
+    catalogue.waitForRefresh();
+    EXPECT_EQ(found("nuwe"), QStringList({"Nuwe boek: 1 of 1 on the shelf"})) << "the index was not read again";
+    Clock::setFixed(QDateTime());
 }
 
 // "New in the library", "Most borrowed this term", the advanced form's lists and a title's other

@@ -129,9 +129,9 @@ int PostgresDatabase::otherSessions(const QString &uri)
 QString PostgresDatabase::changeMark(const QString &uri)
 {
     PostgresDatabase db(uri, true);
-    // The counters the server keeps of rows written, table by table; they only grow.
-    return db.value("SELECT coalesce(sum(n_tup_ins + n_tup_upd + n_tup_del), 0)::text FROM pg_stat_user_tables "
-                    "WHERE schemaname = current_schema()");
+    // The next transaction id moves on with every transaction that wrote, the moment it ends (the
+    // table statistics lag by up to seconds). It is the server's, so another database's writes move it too.
+    return db.value("SELECT pg_snapshot_xmax(pg_current_snapshot())::text");
 }
 
 QString PostgresDatabase::value(const std::string &sql)
