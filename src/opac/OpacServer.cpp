@@ -9,7 +9,29 @@
 
 #include <httplib.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace {
+
+// The requests are answered on threads that give way to a desk working on the same computer: a
+// class searching at once must not slow the counter down.
+class YieldingQueue : public httplib::TaskQueue {
+public:
+    YieldingQueue() : pool_(CPPHTTPLIB_THREAD_POOL_COUNT) {}
+    void enqueue(std::function<void()> fn) override
+    {
+        pool_.enqueue([fn = std::move(fn)] {
+            thread_local const bool lowered = setpriority(PRIO_PROCESS, id_t(gettid()), 10) == 0;
+            (void)lowered;
+            fn();
+        });
+    }
+    void shutdown() override { pool_.shutdown(); }
+
+private:
+    httplib::ThreadPool pool_;
+};
 
 void reply(httplib::Response &res, const QString &html, int status = 200)
 {
@@ -92,6 +114,7 @@ OpacServer::OpacServer(int refreshSeconds) : server_(std::make_unique<httplib::S
             reply(res, OpacPages::search(form, catalogue_.search(form.filter, page), page));
         });
     };
+    server_->new_task_queue = [] { return new YieldingQueue; };
     server_->Get("/", search);
     server_->Get("/search", search);
     server_->Get("/new", [this](const httplib::Request &req, httplib::Response &res) {

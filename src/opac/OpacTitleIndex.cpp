@@ -4,6 +4,7 @@
 #include "clsDataObject.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -42,6 +43,7 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
     clsDataObject data;
     // Copies of one title are neighbours in title order; the key tells the titles of one name apart.
     QHash<QString, int> titleOfKey;
+    std::vector<QString> surnames; // each title's main author's, case folded
     data.GetData(QLatin1String(CopiesSql));
     for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
         const QString surname = text(rs, 6), first = text(rs, 7);
@@ -59,8 +61,9 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
             t.seriesID = id(rs, 9);
             at = titleOfKey.insert(key, int(index->titles_.size()));
             index->titles_.push_back(std::move(t));
-            index->foldedTitles_.push_back(index->titles_.back().title.toCaseFolded());
-            index->foldedSurnames_.push_back(surname.toCaseFolded());
+            surnames.push_back(surname.toCaseFolded());
+            index->titleStarts_.push_back(index->foldedTitles_.size());
+            index->foldedTitles_ += index->titles_.back().title.toCaseFolded().replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8() + '\n';
             if (!index->titles_.back().isbn.isEmpty())
                 index->titlesOfIsbn_[index->titles_.back().isbn.toCaseFolded()].push_back(*at);
         }
@@ -75,6 +78,9 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
         std::sort(t.copies.begin(), t.copies.end(), [](const Copy &a, const Copy &b) { return a.itemID < b.itemID; });
 
     QHash<QString, std::vector<int>> terms;
+    for (size_t t = 0; t < surnames.size(); ++t)
+        if (!surnames[t].isEmpty())
+            terms[surnames[t]].push_back(int(t));
     for (const char *sql : TermsSql) {
         data.GetData(QLatin1String(sql));
         for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
@@ -108,8 +114,15 @@ std::vector<OpacTitleIndex::Found> OpacTitleIndex::search(const Filter &filter) 
     if (wanted.isEmpty()) {
         std::fill(chosen.begin(), chosen.end(), 1);
     } else {
-        for (size_t t = 0; t < titles_.size(); ++t)
-            chosen[t] = foldedTitles_[t].contains(wanted) || foldedSurnames_[t].startsWith(wanted);
+        const QByteArray word = wanted.toUtf8();
+        const char *from = foldedTitles_.constData(), *end = from + foldedTitles_.size();
+        while (const void *at = memmem(from, size_t(end - from), word.constData(), size_t(word.size()))) {
+            const auto start = std::upper_bound(titleStarts_.begin(), titleStarts_.end(), static_cast<const char *>(at) - foldedTitles_.constData());
+            const size_t t = size_t(start - titleStarts_.begin()) - 1;
+            chosen[t] = 1;
+            // On to the next title.
+            from = t + 1 < titleStarts_.size() ? foldedTitles_.constData() + titleStarts_[t + 1] : end;
+        }
         for (const auto &[term, titles] : terms_)
             if (term.startsWith(wanted))
                 for (int t : titles)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QDate>
 #include <QHash>
 #include <QList>
@@ -63,11 +64,13 @@ private:
     std::vector<const Title *> others(int Title::*id, int value, const QString &title, int max) const;
 
     std::vector<Title> titles_; // in title order
-    std::vector<QString> foldedTitles_, foldedSurnames_;
+    // Every title case folded, in UTF-8, each ended by a newline: one memmem() pass finds a word in all.
+    QByteArray foldedTitles_;
+    std::vector<qsizetype> titleStarts_;
     QHash<int, int> titleOfItem_;          // item id -> title
     QHash<QString, int> titleOfAccession_; // case folded
     QHash<QString, std::vector<int>> titlesOfIsbn_;
-    // Keywords (both languages) and subjects, case folded, with the titles they describe.
+    // Keywords (both languages), subjects and main authors' surnames, case folded, with their titles.
     std::vector<std::pair<QString, std::vector<int>>> terms_;
     QList<Choice> choices_[int(List::Count)];
 };
