@@ -11,7 +11,11 @@ packages=(build-essential cmake ninja-build pkg-config
           idzebra-2.0 yaz  # tests search a real Z39.50/SRU server of their own
           unzip  # tests open the exported workbooks
           poppler-utils zbar-tools  # tests read printed pages and barcodes back
-          lintian desktop-file-utils)  # the package test checks the .deb as Debian does
+          lintian desktop-file-utils  # the package test checks the .deb as Debian does
+          chromium)  # the browser tests drive the web catalogue in Debian's chromium
+# Node.js and npm run the browser tests (playwright-core, axe-core); a machine with its own Node.js keeps it.
+command -v node > /dev/null || packages+=(nodejs)
+command -v npm > /dev/null || packages+=(npm)
 # The fuzzers (tools/fuzz.sh) need clang and its sanitizer and libFuzzer runtimes.
 if [ "${1:-}" = "--fuzz" ]; then
   packages=(clang libclang-rt-dev)

@@ -8,3 +8,4 @@ source tools/pg-cluster.sh
 shelvora_pg_start
 export QT_QPA_PLATFORM=offscreen
 ctest --test-dir "${BUILD_DIR:-build}" --output-on-failure -j2
+bash tests/browser/run.sh "${BUILD_DIR:-build}"
