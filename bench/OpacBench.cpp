@@ -20,9 +20,9 @@ namespace {
 const char *const Words[] = {"broken", "ocean", "journey", "letter", "winter", "island", "lantern", "bridge", "mountain", "shining"};
 } // namespace
 
-void benchOpac()
+void benchOpac(const char *library)
 {
-    std::printf("Web catalogue\n");
+    std::printf("Web catalogue (%s)\n", library);
     OpacServer server;
     const int port = server.bind(QStringLiteral("127.0.0.1"), 0);
     std::thread serving([&] { server.run(); });

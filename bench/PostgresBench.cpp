@@ -9,6 +9,7 @@
 #include "LibraryCopy.h"
 #include "LoanRoutines.h"
 #include "LoanRules.h"
+#include "OpacBench.h"
 #include "PostgresDatabase.h"
 #include "Recordset.h"
 #include "DatabaseLocations.h"
@@ -183,6 +184,7 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
     benchCirculationScreens();
     benchShowAll(uri);
     benchDesks(schoolFolder, uri);
+    benchOpac("server library");
     LibraryDatabasePath = sqlite;
     ConnectionPool::shared().clear();
     serverCommand(serverAdmin, QStringLiteral("DROP DATABASE %1 WITH (FORCE)").arg(name));

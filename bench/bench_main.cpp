@@ -288,7 +288,7 @@ int main(int argc, char *argv[])
             {"members", benchMembersAndReports},        {"overdue", benchOverdueNotices}, {"statistics", benchLibraryStatistics}, {"stocktake", benchStocktake},        {"startup", [&work] { benchStartUp(work.path()); }},
             {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
             {"marc", benchMarc},
-            {"opac", benchOpac},
+            {"opac", [] { benchOpac("file library"); }},
             {"backups", [&library] { benchBackups(library, QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }},
             {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
         // An optional third argument runs only the groups whose names contain it (several, separated by commas).
