@@ -12,6 +12,7 @@
 #include "OpacBench.h"
 #include "PostgresDatabase.h"
 #include "Recordset.h"
+#include "SchemaUpgrade.h"
 #include "DatabaseLocations.h"
 #include "clsDataObject.h"
 
@@ -161,7 +162,9 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
     QUrl url(serverAdmin);
     url.setPath(QLatin1Char('/') + name);
     const QString uri = url.toString();
-    const QString schoolLibrary = QDir(schoolFolder).absoluteFilePath(QStringLiteral("library.db"));
+    // The run's own copy of the school's library, brought up to date first as the program does.
+    const QString schoolLibrary = LibraryDatabasePath;
+    SchemaUpgrade::run(schoolLibrary);
     std::printf("PostgreSQL (%s)\n", qPrintable(PostgresDatabase::status(serverAdmin)));
     // The whole library both ways, as `shelvora --copy-library` does it (checks included).
     auto timedCopy = [](const QString &from, const QString &to, const char *direction) {

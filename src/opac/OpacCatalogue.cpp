@@ -15,6 +15,18 @@ namespace {
 
 QString text(Recordset &rs, int f) { return rs.field(f).isNull() ? QString() : rs.field(f).toString().trimmed(); }
 
+// Holds one of the readers' places for its life.
+class ReadersTurn {
+public:
+    explicit ReadersTurn(std::counting_semaphore<16> &readers) : readers_(readers) { readers_.acquire(); }
+    ~ReadersTurn() { readers_.release(); }
+    ReadersTurn(const ReadersTurn &) = delete;
+    ReadersTurn &operator=(const ReadersTurn &) = delete;
+
+private:
+    std::counting_semaphore<16> &readers_;
+};
+
 // A copy as it is now: on the shelf or out, and the fields only a title's page shows.
 struct LiveCopy {
     QString accession, shelf, subtitle, publisher, series;
@@ -23,11 +35,12 @@ struct LiveCopy {
 };
 
 // The copies of these items that are not removed, read as they are now.
-QHash<int, LiveCopy> liveCopies(const std::vector<int> &itemIDs)
+QHash<int, LiveCopy> liveCopies(std::counting_semaphore<16> &readers, const std::vector<int> &itemIDs)
 {
     QHash<int, LiveCopy> live;
     if (itemIDs.empty())
         return live;
+    const ReadersTurn turn(readers);
     QString ids;
     for (int id : itemIDs)
         ids += (ids.isEmpty() ? QString() : QStringLiteral(",")) + QString::number(id);
@@ -83,7 +96,7 @@ std::vector<int> itemsOf(const OpacTitleIndex::Title &t)
     return ids;
 }
 
-OpacCatalogue::Page pageOf(const std::vector<OpacTitleIndex::Found> &found, int page)
+OpacCatalogue::Page pageOf(std::counting_semaphore<16> &readers, const std::vector<OpacTitleIndex::Found> &found, int page)
 {
     OpacCatalogue::Page result;
     result.total = int(found.size());
@@ -92,7 +105,7 @@ OpacCatalogue::Page pageOf(const std::vector<OpacTitleIndex::Found> &found, int 
     std::vector<int> ids;
     for (size_t f = first; f < last; ++f)
         ids.insert(ids.end(), found[f].itemIDs.begin(), found[f].itemIDs.end());
-    const QHash<int, LiveCopy> live = liveCopies(ids);
+    const QHash<int, LiveCopy> live = liveCopies(readers, ids);
     for (size_t f = first; f < last; ++f)
         if (const OpacCatalogue::Title t = titleOf(*found[f].title, found[f].itemIDs, live); t.copies > 0)
             result.titles << t;
@@ -103,7 +116,11 @@ QString changeMark() { return EngineRegistry::installed().forLocation(LibraryDat
 
 } // namespace
 
-OpacCatalogue::OpacCatalogue(int refreshSeconds) : refreshSeconds_(std::max(0, refreshSeconds)) {}
+OpacCatalogue::OpacCatalogue(int refreshSeconds)
+    : readers_(std::clamp(std::ptrdiff_t(std::thread::hardware_concurrency() / 2), std::ptrdiff_t(1), std::ptrdiff_t(16))),
+      refreshSeconds_(std::max(0, refreshSeconds))
+{
+}
 
 OpacCatalogue::~OpacCatalogue() { waitForRefresh(); }
 
@@ -171,12 +188,12 @@ OpacCatalogue::Page OpacCatalogue::search(const Filter &filter, int page)
 {
     if (!filter.any())
         return Page();
-    return pageOf(index()->search(filter), page);
+    return pageOf(readers_, index()->search(filter), page);
 }
 
 QList<OpacCatalogue::Choice> OpacCatalogue::choices(List list) { return index()->choices(list); }
 
-OpacCatalogue::Page OpacCatalogue::newInTheLibrary(int page) { return pageOf(index()->addedSince(Clock::today().addDays(-30)), page); }
+OpacCatalogue::Page OpacCatalogue::newInTheLibrary(int page) { return pageOf(readers_, index()->addedSince(Clock::today().addDays(-30)), page); }
 
 QList<QPair<OpacCatalogue::Title, int>> OpacCatalogue::mostBorrowed(QDate *since)
 {
@@ -203,7 +220,7 @@ QList<QPair<OpacCatalogue::Title, int>> OpacCatalogue::mostBorrowed(QDate *since
     for (const OpacTitleIndex::Title *t : order)
         for (int id : itemsOf(*t))
             ids.push_back(id);
-    const QHash<int, LiveCopy> live = liveCopies(ids);
+    const QHash<int, LiveCopy> live = liveCopies(readers_, ids);
     QList<QPair<Title, int>> ranked;
     for (const OpacTitleIndex::Title *t : order)
         if (const Title shown = titleOf(*t, itemsOf(*t), live); shown.copies > 0)
@@ -225,7 +242,7 @@ std::optional<OpacCatalogue::Details> OpacCatalogue::details(int itemID)
         for (const OpacTitleIndex::Title *t : *list)
             for (int id : itemsOf(*t))
                 ids.push_back(id);
-    const QHash<int, LiveCopy> live = liveCopies(ids);
+    const QHash<int, LiveCopy> live = liveCopies(readers_, ids);
     if (!live.contains(itemID))
         return std::nullopt;
     Details d;

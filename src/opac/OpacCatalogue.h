@@ -10,6 +10,7 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <semaphore>
 #include <thread>
 
 /// What the web catalogue shows of the library: titles (copies grouped by title, main author and
@@ -78,6 +79,9 @@ private:
     std::shared_ptr<const OpacTitleIndex> index();
     void refresh(const QString &mark);
 
+    // How many of the pages' statements run on the library at once, however many learners ask:
+    // the desks share the database (and often the computer) with the catalogue.
+    std::counting_semaphore<16> readers_;
     const int refreshSeconds_;
     std::mutex mutex_;
     std::shared_ptr<const OpacTitleIndex> index_;
