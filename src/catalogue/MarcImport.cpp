@@ -204,7 +204,7 @@ QList<MarcRecord> MarcImport::exportCatalogue(TaskProgress &progress, const QStr
     QHash<QString, int> seen; // title, authors and ISBN: the copies of one title
     Recordset &rs = *data.rst;
     for (; !rs.atEnd(); rs.MoveNext()) {
-        const auto text = [&rs](int f) { return rs.field(f).isNull() ? QString() : rs.field(f).toString().trimmed(); };
+        const auto text = [&rs](int f) { return rs.field(f).trimmed(); };
         if (!only.isEmpty() && !only.contains(rs.field(0).toString()))
             continue;
         CatalogueRecord t;

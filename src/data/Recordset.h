@@ -27,6 +27,8 @@ public:
     QVariant value() const;
     /// Text as a grid shows it ("True"/"False", ISO dates, plain numbers); Null gives "".
     QString toString() const;
+    /// toString() without the blanks around it (names and titles as typed, padded or not).
+    QString trimmed() const { return toString().trimmed(); }
     qint64 toLongLong() const;
     int toInt() const;
     /// The old 16-bit conversion: throws AppError Overflow beyond -32768..32767.

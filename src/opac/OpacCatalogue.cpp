@@ -13,18 +13,18 @@
 
 namespace {
 
-QString text(Recordset &rs, int f) { return rs.field(f).isNull() ? QString() : rs.field(f).toString().trimmed(); }
+using Readers = std::counting_semaphore<16>; // as OpacCatalogue holds it
 
 // Holds one of the readers' places for its life.
 class ReadersTurn {
 public:
-    explicit ReadersTurn(std::counting_semaphore<16> &readers) : readers_(readers) { readers_.acquire(); }
+    explicit ReadersTurn(Readers &readers) : readers_(readers) { readers_.acquire(); }
     ~ReadersTurn() { readers_.release(); }
     ReadersTurn(const ReadersTurn &) = delete;
     ReadersTurn &operator=(const ReadersTurn &) = delete;
 
 private:
-    std::counting_semaphore<16> &readers_;
+    Readers &readers_;
 };
 
 // A copy as it is now: on the shelf or out, and the fields only a title's page shows.
@@ -35,7 +35,7 @@ struct LiveCopy {
 };
 
 // The copies of these items that are not removed, read as they are now.
-QHash<int, LiveCopy> liveCopies(std::counting_semaphore<16> &readers, const std::vector<int> &itemIDs)
+QHash<int, LiveCopy> liveCopies(Readers &readers, const std::vector<int> &itemIDs)
 {
     QHash<int, LiveCopy> live;
     if (itemIDs.empty())
@@ -52,8 +52,8 @@ QHash<int, LiveCopy> liveCopies(std::counting_semaphore<16> &readers, const std:
                      "s.SeriesID where i.PhasedOut = false and i.ItemID in (")
                  + ids + QStringLiteral(")"));
     for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
-        live.insert(rs.field(0).toInt(), LiveCopy{text(rs, 1), text(rs, 2).isEmpty() ? text(rs, 3) : text(rs, 2), text(rs, 6), text(rs, 7),
-                                                  text(rs, 8), rs.field(4).toBool(),
+        live.insert(rs.field(0).toInt(), LiveCopy{rs.field(1).trimmed(), rs.field(2).trimmed().isEmpty() ? rs.field(3).trimmed() : rs.field(2).trimmed(), rs.field(6).trimmed(), rs.field(7).trimmed(),
+                                                  rs.field(8).trimmed(), rs.field(4).toBool(),
                                                   rs.field(5).isNull() ? QDate() : rs.field(5).toDateTime().date()});
     data.CloseCompact();
     return live;
@@ -96,7 +96,7 @@ std::vector<int> itemsOf(const OpacTitleIndex::Title &t)
     return ids;
 }
 
-OpacCatalogue::Page pageOf(std::counting_semaphore<16> &readers, const std::vector<OpacTitleIndex::Found> &found, int page)
+OpacCatalogue::Page pageOf(Readers &readers, const std::vector<OpacTitleIndex::Found> &found, int page)
 {
     OpacCatalogue::Page result;
     result.total = int(found.size());

@@ -8,7 +8,6 @@
 
 namespace {
 
-QString text(Recordset &rs, int f) { return rs.field(f).isNull() ? QString() : rs.field(f).toString().trimmed(); }
 int id(Recordset &rs, int f) { return rs.field(f).isNull() ? 0 : rs.field(f).toInt(); }
 
 // Every copy on the shelves' list, its title's fields and its main author, in title order.
@@ -46,16 +45,16 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
     std::vector<QString> surnames; // each title's main author's, case folded
     data.GetData(QLatin1String(CopiesSql));
     for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext()) {
-        const QString surname = text(rs, 6), first = text(rs, 7);
+        const QString surname = rs.field(6).trimmed(), first = rs.field(7).trimmed();
         const QString author = first.isEmpty() ? surname : surname + QStringLiteral(", ") + first;
-        const QString key = text(rs, 1).toCaseFolded() + QLatin1Char('|') + author.toCaseFolded() + QLatin1Char('|') + text(rs, 2);
+        const QString key = rs.field(1).trimmed().toCaseFolded() + QLatin1Char('|') + author.toCaseFolded() + QLatin1Char('|') + rs.field(2).trimmed();
         auto at = titleOfKey.constFind(key);
         if (at == titleOfKey.cend()) {
             Title t;
-            t.title = text(rs, 1);
-            t.isbn = text(rs, 2);
-            t.year = text(rs, 3) == QLatin1String("0") ? QString() : text(rs, 3);
-            t.classification = text(rs, 4);
+            t.title = rs.field(1).trimmed();
+            t.isbn = rs.field(2).trimmed();
+            t.year = rs.field(3).trimmed() == QLatin1String("0") ? QString() : rs.field(3).trimmed();
+            t.classification = rs.field(4).trimmed();
             t.author = author;
             t.authorID = id(rs, 8);
             t.seriesID = id(rs, 9);
@@ -71,7 +70,7 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
         index->titles_[size_t(*at)].copies.push_back(
             Copy{itemID, id(rs, 10), id(rs, 11), id(rs, 12), id(rs, 9), rs.field(13).isNull() ? QDate() : rs.field(13).toDateTime().date()});
         index->titleOfItem_.insert(itemID, *at);
-        if (const QString accession = text(rs, 5); !accession.isEmpty())
+        if (const QString accession = rs.field(5).trimmed(); !accession.isEmpty())
             index->titleOfAccession_.insert(accession.toCaseFolded(), *at);
     }
     for (Title &t : index->titles_)
@@ -88,7 +87,7 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
             if (title == index->titleOfItem_.cend())
                 continue;
             for (int f : {1, 2})
-                if (const QString term = text(rs, f).toCaseFolded(); !term.isEmpty()) {
+                if (const QString term = rs.field(f).trimmed().toCaseFolded(); !term.isEmpty()) {
                     std::vector<int> &titles = terms[term];
                     if (titles.empty() || titles.back() != *title)
                         titles.push_back(*title);
@@ -101,7 +100,7 @@ std::shared_ptr<const OpacTitleIndex> OpacTitleIndex::read()
     for (int list = 0; list < int(List::Count); ++list) {
         data.GetData(QLatin1String(ChoicesSql[list]));
         for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
-            index->choices_[list] << Choice{rs.field(0).toInt(), text(rs, 1)};
+            index->choices_[list] << Choice{rs.field(0).toInt(), rs.field(1).trimmed()};
     }
     data.CloseCompact();
     return index;
