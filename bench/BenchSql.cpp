@@ -3,6 +3,9 @@
 #include "BenchTimer.h"
 #include "SqliteDatabase.h"
 
+#include <QCoreApplication>
+#include <QUrl>
+
 #include <libpq-fe.h>
 #include <sqlite3.h>
 
@@ -57,4 +60,14 @@ bool serverCommand(const QString &server, const QString &sql)
     PQclear(r);
     PQfinish(conn);
     return ok;
+}
+
+QString newServerDatabase(const QString &server, const QString &prefix, QString *name)
+{
+    *name = prefix + QString::number(QCoreApplication::applicationPid());
+    if (!serverCommand(server, QStringLiteral("CREATE DATABASE %1").arg(*name)))
+        return QString();
+    QUrl url(server);
+    url.setPath(QLatin1Char('/') + *name);
+    return url.toString();
 }

@@ -12,7 +12,6 @@
 #include "OpacBench.h"
 #include "PostgresDatabase.h"
 #include "Recordset.h"
-#include "SchemaUpgrade.h"
 #include "DatabaseLocations.h"
 #include "clsDataObject.h"
 
@@ -21,7 +20,6 @@
 #include <QFile>
 #include <QElapsedTimer>
 #include <QProcess>
-#include <QUrl>
 
 #include <libpq-fe.h>
 
@@ -156,15 +154,11 @@ void benchPostgres(const QString &schoolFolder, const QString &serverAdmin)
         std::printf("PostgreSQL: skipped: no PostgreSQL (SHELVORA_TEST_POSTGRESQL is not set)\n");
         return;
     }
-    const QString name = QStringLiteral("shelvora_bench_%1").arg(QCoreApplication::applicationPid());
-    if (!serverCommand(serverAdmin, QStringLiteral("CREATE DATABASE %1").arg(name)))
+    QString name;
+    const QString uri = newServerDatabase(serverAdmin, QStringLiteral("shelvora_bench_"), &name);
+    if (uri.isEmpty())
         return;
-    QUrl url(serverAdmin);
-    url.setPath(QLatin1Char('/') + name);
-    const QString uri = url.toString();
-    // The run's own copy of the school's library, brought up to date first as the program does.
-    const QString schoolLibrary = LibraryDatabasePath;
-    SchemaUpgrade::run(schoolLibrary);
+    const QString schoolLibrary = LibraryDatabasePath; // the run's own copy of the school's library
     std::printf("PostgreSQL (%s)\n", qPrintable(PostgresDatabase::status(serverAdmin)));
     // The whole library both ways, as `shelvora --copy-library` does it (checks included).
     auto timedCopy = [](const QString &from, const QString &to, const char *direction) {

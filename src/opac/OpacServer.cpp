@@ -143,11 +143,9 @@ OpacServer::OpacServer(int refreshSeconds) : server_(std::make_unique<httplib::S
     });
     server_->Post("/reserve", [this](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
-            const auto session = signedInForm(req);
-            if (!session) {
-                redirect(res, "/signin");
+            const auto session = signedInForm(req, res);
+            if (!session)
                 return;
-            }
             const auto details = catalogue_.details(number(req, "item"));
             const auto copy = details ? details->toReserve() : std::nullopt;
             if (!copy) {
@@ -169,11 +167,9 @@ OpacServer::OpacServer(int refreshSeconds) : server_(std::make_unique<httplib::S
     });
     server_->Post("/cancel", [this](const httplib::Request &req, httplib::Response &res) {
         answer(res, [&] {
-            const auto session = signedInForm(req);
-            if (!session) {
-                redirect(res, "/signin");
+            const auto session = signedInForm(req, res);
+            if (!session)
                 return;
-            }
             CancelOwnReservation(number(req, "reservation"), session->member.type, session->member.id);
             redirect(res, "/account");
         });
@@ -244,11 +240,13 @@ OpacServer::OpacServer(int refreshSeconds) : server_(std::make_unique<httplib::S
 
 OpacServer::~OpacServer() { stop(); }
 
-std::optional<OpacSessions::Session> OpacServer::signedInForm(const httplib::Request &req)
+std::optional<OpacSessions::Session> OpacServer::signedInForm(const httplib::Request &req, httplib::Response &res)
 {
     const auto session = sessions_.find(cookie(req, SessionCookie), Clock::now());
-    if (!session || parameter(req, "token") != session->formToken)
+    if (!session || parameter(req, "token") != session->formToken) {
+        redirect(res, "/signin");
         return std::nullopt;
+    }
     return session;
 }
 

@@ -11,6 +11,7 @@
 namespace httplib {
 class Server;
 struct Request;
+struct Response;
 }
 
 /// The web catalogue's HTTP server: "/" and "/search" (the search page), "/title/N" (a title and its
@@ -31,8 +32,8 @@ public:
     void stop();
 
 private:
-    /// The session of a POSTed form that carries its session's token, else empty.
-    std::optional<OpacSessions::Session> signedInForm(const httplib::Request &req);
+    /// The session of a POSTed form that carries its session's token; else empty, the browser sent to sign in.
+    std::optional<OpacSessions::Session> signedInForm(const httplib::Request &req, httplib::Response &res);
 
     std::unique_ptr<httplib::Server> server_;
     OpacSessions sessions_;
