@@ -160,11 +160,11 @@ void frmReserves::fpSpreadSearch_ButtonClicked(int col, int row)
     if (col != ReserveColumn || row < 1)
         return;
     Trap(Location, QStringLiteral("fpSpreadSearch_ButtonClicked"), [&] {
-        reserve(row);
+        reserveFoundRow(row);
     }, [&] { data_.CloseCompact(); });
 }
 
-void frmReserves::reserve(int row)
+void frmReserves::reserveFoundRow(int row)
 {
     kind_ = members_->kind();
     if (ui->txtMemberID->text().isEmpty()) {

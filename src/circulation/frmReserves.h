@@ -32,7 +32,7 @@ public:
     bool Validate();
 
 private:
-    void reserve(int row);
+    void reserveFoundRow(int row);
     QVariant memberByNumber();
     void appendFound();
 

@@ -39,7 +39,7 @@ struct OutTok {
 };
 using Out = std::vector<OutTok>;
 
-void append(Out &to, const Out &from) { to.insert(to.end(), from.begin(), from.end()); }
+void appendTokens(Out &to, const Out &from) { to.insert(to.end(), from.begin(), from.end()); }
 
 bool isBoundaryKeyword(std::string_view lw)
 {
@@ -126,11 +126,11 @@ private:
                 if (close == i + 1 && i > lo && t_[i - 1].isWord("in"))
                     fail("Syntax error (missing operator) in query expression: an IN list needs at least one value.", sql_);
                 Out group{OutTok{"("}};
-                append(group, level(i + 1, close));
+                appendTokens(group, level(i + 1, close));
                 group.push_back(OutTok{")"});
                 if (!st.segment.empty() && st.segment.back().callable) {
                     Item &call = st.segment.back();
-                    append(call.toks, group);
+                    appendTokens(call.toks, group);
                     call.callable = false;
                     call.simpleName = false;
                     wrapNumericCall(call);
@@ -261,7 +261,7 @@ private:
             out.push_back(OutTok{wrapper.before[k]});
             out.back().call = k + 1 < wrapper.before.size() && wrapper.before[k + 1] == "(";
         }
-        append(out, call.toks);
+        appendTokens(out, call.toks);
         for (const std::string &t : wrapper.after)
             out.push_back(OutTok{t});
         call.toks = std::move(out);
@@ -345,13 +345,13 @@ private:
                 if (p > 0)
                     emitted.push_back(OutTok{"||"});
                 if (parts[p].size() == 1 && parts[p][0].stringLiteral) {
-                    append(emitted, parts[p][0].toks);
+                    appendTokens(emitted, parts[p][0].toks);
                     continue;
                 }
                 const DialectTraits::Wrapper text = traits_.concatOperand();
                 for (size_t k = 0; k < text.before.size(); ++k)
                     emitted.push_back(OutTok{text.before[k], -1, JetToken::Number, k + 1 < text.before.size() && text.before[k + 1] == "("});
-                append(emitted, plusChain(parts[p]));
+                appendTokens(emitted, plusChain(parts[p]));
                 for (const std::string &t : text.after)
                     emitted.push_back(OutTok{t});
             }
@@ -372,13 +372,13 @@ private:
                 Out wrapped;
                 for (size_t k = 0; k < whole.before.size(); ++k)
                     wrapped.push_back(OutTok{whole.before[k], -1, JetToken::Number, k + 1 < whole.before.size() && whole.before[k + 1] == "("});
-                append(wrapped, emitted);
+                appendTokens(wrapped, emitted);
                 for (const std::string &t : whole.after)
                     wrapped.push_back(OutTok{t});
                 emitted = std::move(wrapped);
             }
         }
-        append(st.out, emitted);
+        appendTokens(st.out, emitted);
         if (st.inOrderBy && !plainColumn && !position)
             st.out.push_back(OutTok{traits_.caseInsensitiveOrder()});
     }
@@ -406,7 +406,7 @@ private:
                     out.push_back(OutTok{"||"});
                 } else {
                     out.push_back(OutTok{"("});
-                    append(out, item.toks);
+                    appendTokens(out, item.toks);
                     out.push_back(OutTok{")"});
                 }
             }
@@ -414,7 +414,7 @@ private:
             return out;
         }
         for (const Item &item : part)
-            append(out, item.toks);
+            appendTokens(out, item.toks);
         return out;
     }
 

@@ -88,7 +88,7 @@ void DatabaseFile::useRollbackJournal(const QString &path)
     db.exec("PRAGMA journal_mode=DELETE");
 }
 
-qint64 DatabaseFile::size(const QString &path) { return QFileInfo(path).size(); }
+qint64 DatabaseFile::bytesOnDisk(const QString &path) { return QFileInfo(path).size(); }
 
 void DatabaseFile::backup(const QString &source, const QString &destination, TaskProgress &progress)
 {

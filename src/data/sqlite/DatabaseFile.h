@@ -32,5 +32,5 @@ public:
     /// Changes whenever a write has been committed to the file (its and its log's size and time).
     static QString changeMark(const QString &path);
     /// Size in bytes of the main file.
-    static qint64 size(const QString &path);
+    static qint64 bytesOnDisk(const QString &path);
 };

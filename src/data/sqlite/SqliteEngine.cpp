@@ -42,7 +42,7 @@ QString SqliteEngine::key(const QString &location) const
 Engine::Compaction SqliteEngine::compact(const QString &location, const QString &destination) const
 {
     DatabaseFile::compactCopy(location, destination);
-    return {DatabaseFile::size(location), DatabaseFile::size(destination)};
+    return {DatabaseFile::bytesOnDisk(location), DatabaseFile::bytesOnDisk(destination)};
 }
 
 void SqliteEngine::replace(const QString &location, const QString &replacement) const { DatabaseFile::replace(location, replacement); }
