@@ -60,7 +60,7 @@ QHash<int, LiveCopy> liveCopies(Readers &readers, const std::vector<int> &itemID
 }
 
 // Adds one copy to its title.
-void count(OpacCatalogue::Title &t, const LiveCopy &c)
+void addCopyToTitle(OpacCatalogue::Title &t, const LiveCopy &c)
 {
     ++t.copies;
     if (!c.reference && !c.due.isValid())
@@ -83,7 +83,7 @@ OpacCatalogue::Title titleOf(const OpacTitleIndex::Title &indexed, const std::ve
         if (const auto c = live.constFind(id); c != live.cend()) {
             if (t.copies == 0)
                 t.itemID = id;
-            count(t, *c);
+            addCopyToTitle(t, *c);
         }
     return t;
 }
@@ -255,7 +255,7 @@ std::optional<OpacCatalogue::Details> OpacCatalogue::details(int itemID)
     for (int id : itemsOf(*indexed))
         if (const auto c = live.constFind(id); c != live.cend()) {
             Title one;
-            count(one, *c);
+            addCopyToTitle(one, *c);
             d.copies << Copy{c->accession, c->shelf,
                              one.referenceOnly ? QStringLiteral("Reference only") : one.onShelf ? QStringLiteral("On the shelf") : one.availability(),
                              id, one.dueBack};
