@@ -191,6 +191,11 @@ double SpreadGrid::cellTextWidth(int col, int row) const
     if (type == SpreadModel::CellType::CheckBox)
         return view_->style()->pixelMetric(QStyle::PM_IndicatorWidth) + 4;
     const bool caption = type == SpreadModel::CellType::Button && model_->cellUtf8(col, row).empty(); // the button's own text
+    if (!caption && model_->columnMoney(col)) {
+        char buffer[32];
+        if (const std::string_view amount = SpreadModel::moneyUtf8(model_->cellUtf8(col, row), buffer); !amount.empty())
+            return textWidthUtf8(amount) * charWidth_;
+    }
     if (caption || model_->columnMoney(col)) {
         const QByteArray shown = model_->shownText(col, row).toUtf8();
         return textWidthUtf8(std::string_view(shown.constData(), size_t(shown.size()))) * charWidth_ + (caption ? CellPadding : 0);

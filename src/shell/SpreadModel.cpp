@@ -1,6 +1,7 @@
 #include "SpreadModel.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace {
 
@@ -199,14 +200,29 @@ QString SpreadModel::shownText(int col, int row) const
         return QString();
     if (type == CellType::Button && cellUtf8(col, row).empty())
         return columns_[size_t(col)].buttonText;
-    QString text = cellText(col, row);
     if (row > 0 && columnMoney(col)) {
+        char buffer[32];
+        if (const std::string_view amount = moneyUtf8(cellUtf8(col, row), buffer); !amount.empty())
+            return QString::fromUtf8(amount.data(), qsizetype(amount.size()));
+    }
+    QString text = cellText(col, row);
+    if (row > 0 && columnMoney(col)) { // what only Qt reads as a number (blanks, a plus sign)
         bool number = false;
         const double amount = text.toDouble(&number);
         if (number)
             text = QString::number(amount, 'f', 2);
     }
     return text;
+}
+
+std::string_view SpreadModel::moneyUtf8(std::string_view stored, char (&buffer)[32])
+{
+    double amount = 0;
+    const char *end = stored.data() + stored.size();
+    if (stored.empty() || std::from_chars(stored.data(), end, amount).ptr != end)
+        return {};
+    const std::to_chars_result written = std::to_chars(buffer, buffer + sizeof buffer, amount, std::chars_format::fixed, 2);
+    return written.ec == std::errc() ? std::string_view(buffer, size_t(written.ptr - buffer)) : std::string_view();
 }
 
 void SpreadModel::setCellMaxLength(int col, int row, int length) { cells_[{col, row}].maxLength = length; }

@@ -57,6 +57,9 @@ public:
     bool columnMoney(int col) const { return col >= 1 && col <= maxCols_ && columns_[size_t(col)].money; }
     /// The text a cell shows (a money amount with two decimals); empty for check boxes.
     QString shownText(int col, int row) const;
+    /// A stored amount as a money column shows it, written into buffer without a QString (a long
+    /// list's amounts are measured from it); empty when the text is not a plain number.
+    static std::string_view moneyUtf8(std::string_view stored, char (&buffer)[32]);
     /// The most characters a user may put into a cell (its database column's size); 255 unless set.
     void setCellMaxLength(int col, int row, int length);
     int maxLength(int col, int row) const;

@@ -61,6 +61,15 @@ TEST(GridReadability, MoneyShowsTwoDecimalsRightAligned)
     EXPECT_EQ(model->data(model->index(0, 3), Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
     EXPECT_EQ(grid.cellText(4, 1), "1.5"); // the stored value is untouched
     EXPECT_FALSE(model->data(model->index(0, 1), Qt::TextAlignmentRole).isValid());
+    // Amounts are written without Qt's number routines; what they read differently still shows as Qt reads it.
+    const std::pair<const char *, const char *> amounts[] = {{"2.675", "2.67"}, {"0.005", "0.01"}, {"-3", "-3.00"}, {"1e3", "1000.00"},
+                                                             {" 12", "12.00"}, {"+4.1", "4.10"}, {"abc", "abc"}, {"", ""}};
+    for (const auto &[stored, shown] : amounts) {
+        grid.setCellText(4, 1, QString::fromLatin1(stored));
+        EXPECT_EQ(model->data(model->index(0, 3), Qt::DisplayRole).toString(), shown) << stored;
+        ScreenDriver::expectColumnsHoldTheirText(grid, stored);
+    }
+    grid.setCellText(4, 1, "1.5");
 
     // In a workbook, money is a number cell shown with two decimals; other numbers keep theirs.
     QTemporaryDir dir;
