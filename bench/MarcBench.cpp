@@ -2,6 +2,8 @@
 
 #include "BenchTimer.h"
 #include "DbConnection.h"
+#include "GuiStall.h"
+#include "MessageScript.h"
 #include "MarcFile.h"
 #include "MarcImport.h"
 #include "MarcMapping.h"
@@ -10,18 +12,23 @@
 #include "Z3950Search.h"
 #include "ZebraServer.h"
 #include "clsDataObject.h"
+#include "frmMarcImport.h"
+
+#include <QAbstractButton>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <cstdio>
 
 namespace {
 
 // A supplier's delivery: n new titles, each with two authors, a publisher and an ISBN.
-QList<MarcRecord> delivery(int n)
+QList<MarcRecord> delivery(int n, const QString &name = QStringLiteral("Delivered"))
 {
     QList<MarcRecord> records;
     for (int i = 0; i < n; ++i) {
         CatalogueRecord t;
-        t.title = QStringLiteral("Delivered title %1").arg(i);
+        t.title = QStringLiteral("%1 title %2").arg(name).arg(i);
         t.authors = {QStringLiteral("Author%1, Anna").arg(i % 700), QStringLiteral("Writer%1, Ben").arg(i % 300)};
         t.publisher = QStringLiteral("Publisher %1").arg(i % 40);
         t.year = QString::number(2000 + i % 25);
@@ -54,6 +61,29 @@ void benchMarc()
     });
     std::printf("  import of %d records (preview and one transaction)", titles);
     importing.report("");
+
+    // Deliveries of the same size through the import screen: the file chosen (its preview) and Import.
+    QTemporaryDir dir;
+    MessageScript answers;
+    Samples choosing, taking;
+    GuiStall chooseStall, takeStall;
+    for (int run = 0; run < 3; ++run) {
+        const QString path = dir.filePath(QStringLiteral("delivery%1.mrc").arg(run));
+        QFile out(path);
+        if (!out.open(QIODevice::WriteOnly) || out.write(MarcFile::write(delivery(10000, QStringLiteral("Screen %1").arg(run)), MarcFile::Format::Iso2709)) < 0)
+            return;
+        out.close();
+        frmMarcImport screen;
+        screen.show();
+        answers.queueFileName(path);
+        choosing.time([&] { chooseStall.time([&] { screen.findChild<QAbstractButton *>(QStringLiteral("cmdChooseFile"))->click(); }); });
+        taking.time([&] { takeStall.time([&] { screen.findChild<QAbstractButton *>(QStringLiteral("cmdImport"))->click(); }); });
+    }
+    std::printf("  the screen's last word: %s\n", answers.shown().empty() ? "none" : qPrintable(answers.shown().back().prompt));
+    choosing.report("screen: file chosen to its preview");
+    taking.report("screen: Import to the refreshed preview");
+    chooseStall.report("MARC preview");
+    takeStall.report("MARC import");
 
     if (!ZebraServer::available()) {
         std::printf("  look-up: skipped: no Zebra server (Debian package idzebra-2.0)\n");

@@ -56,6 +56,17 @@ void benchOverdueNotices()
     std::printf("  %zu letters (%d pages)\n", taken.size(), viewer.pageCount());
     pdf.report("letters to parents to PDF");
     pdfStall.report("Letters to PDF");
+
+    // The whole school's class lists, a page per class.
+    const NoticeDocument classes(NoticeDocument::ClassLists, rows, QStringLiteral("Large School"), query.asAt, NoticeTemplate::defaultText());
+    frmReportViewer classViewer(classes);
+    Samples classPdf;
+    GuiStall classStall;
+    for (int run = 0; run < 3; ++run)
+        classPdf.time([&] { classStall.time([&] { classViewer.saveAsPdf(dir.filePath(QStringLiteral("classes.pdf"))); }); });
+    std::printf("  class lists (%d pages)\n", classViewer.pageCount());
+    classPdf.report("class lists to PDF");
+    classStall.report("Class lists to PDF");
 }
 
 void benchLibraryStatistics()

@@ -5,6 +5,7 @@
 #include "BackupBench.h"
 #include "BenchSql.h"
 #include "MarcBench.h"
+#include "MenuBench.h"
 #include "OpacBench.h"
 #include "BenchTimer.h"
 #include "CatalogueBench.h"
@@ -292,6 +293,7 @@ int main(int argc, char *argv[])
             {"screens", [&work] { benchOpeningEveryScreen(work.path()); }},
             {"marc", benchMarc},
             {"opac", [] { benchOpac("file library"); }},
+            {"menu", [&work] { benchMenuWork(work.path()); }},
             {"backups", [&library] { benchBackups(library, QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }},
             {"postgresql", [&school] { benchPostgres(school.absolutePath(), QString::fromUtf8(qgetenv("SHELVORA_TEST_POSTGRESQL"))); }}};
         // An optional third argument runs only the groups whose names contain it (several, separated by commas).
