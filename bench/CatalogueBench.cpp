@@ -8,8 +8,11 @@
 #include "LabelSheet.h"
 #include "SpreadGrid.h"
 #include "DatabaseLocations.h"
+#include "SettingsStore.h"
+#include "frmLabelList.h"
 #include "frmReferenceList.h"
 
+#include <QAbstractButton>
 #include <QPrinter>
 #include <QTemporaryDir>
 
@@ -73,4 +76,16 @@ void benchLabels()
     }
     sheet.report("500 barcode labels (24 sheets) to PDF");
     stall.report("Label sheets");
+
+    // The label list's "Show All": every copy on the shelves, to choose labels from.
+    SettingsStore settings(dir.filePath(QStringLiteral("labels.ini")));
+    frmLabelList list(settings);
+    list.show();
+    Samples all;
+    GuiStall allStall;
+    for (int run = 0; run < 5; ++run)
+        all.time([&] { allStall.time([&] { list.findChild<QAbstractButton *>(QStringLiteral("cmdAll"))->click(); }); });
+    std::printf("  label list: %d copies\n", list.findChild<SpreadGrid *>(QStringLiteral("fpSpreadStock"))->maxRows());
+    all.report("label list \"Show All\" to filled grid");
+    allStall.report("Label list Show All");
 }

@@ -7,7 +7,7 @@
 #include "Money.h"
 #include "ScreenRegistry.h"
 #include "SpreadGrid.h"
-#include "TaskRunner.h"
+#include "GridFill.h"
 #include "TypedFields.h"
 #include "ErrorReport.h"
 #include "clsTSQL.h"
@@ -16,8 +16,6 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
-#include <QHeaderView>
-#include <QTableView>
 
 namespace {
 
@@ -154,53 +152,26 @@ void writeRows(const Recordset &rs, const ListFields &f, Put &&put)
 void frmItemList::fill(const QString &sql)
 {
     listStatement_ = sql;
-    SpreadGrid &grid = *ui->fpSpreadStock;
-    // A long list shows its first screenful while the rest is still being read; the rest is laid out
-    // on the worker too, so the window only takes the finished columns.
-    const int screenful = std::max(1, grid.view()->viewport()->height() / std::max(1, grid.view()->verticalHeader()->defaultSectionSize()) + 1);
-    const int columns = grid.maxCols() + 1;
-    struct Read {
-        std::vector<std::vector<std::string>> cells;
-        int rows = 0;
-        Money total;
-        std::vector<Marks> marks;
-    };
-    auto read = TaskRunner(this, QStringLiteral("Reading the catalogue...")).compute<Read>([&](TaskProgress &) {
-        clsDataObject reader;
-        reader.GetData(sql + order_.clause(), screenful, [&grid](const Recordset &first) {
-            TaskRunner::onGuiThread(&grid, [&] {
-                grid.beginFill();
-                grid.setMaxRows(0);
-                grid.setMaxRows(first.RecordCount());
-                writeRows(first, ListFields(first), [&grid](int col, int row, std::string_view text) { grid.setCellUtf8(col, row, text); });
-                grid.endFill();
-                if (grid.isVisible())
-                    grid.view()->viewport()->repaint();
-            });
+    Money total;
+    std::vector<Marks> marks;
+    const bool filled = FillGridInBackground(
+        this, *ui->fpSpreadStock, sql + order_.clause(), QStringLiteral("Reading the catalogue..."),
+        [](const Recordset &rs, const CellSink &put) { writeRows(rs, ListFields(rs), put); },
+        [&total, &marks](const Recordset &rs) {
+            const ListFields fields(rs);
+            const int itemID = rs.fieldIndex(QStringLiteral("ItemID")), loanType = rs.fieldIndex(QStringLiteral("LoanType"));
+            marks.reserve(size_t(rs.RecordCount()));
+            for (int r = 0; r < rs.RecordCount(); ++r) {
+                if (!rs.fieldAt(r, fields.cost).isNull())
+                    total += rs.fieldAt(r, fields.cost).toMoney();
+                marks.push_back({rs.fieldAt(r, itemID).toInt(), rs.fieldAt(r, fields.restricted).toBool(), rs.fieldAt(r, loanType).toString()});
+            }
         });
-        const Recordset &rs = *reader.rst;
-        Read out;
-        out.rows = rs.RecordCount();
-        out.cells.assign(size_t(columns), std::vector<std::string>(size_t(out.rows) + 1));
-        if (out.rows == 0)
-            return out;
-        const ListFields fields(rs);
-        writeRows(rs, fields, [&out](int col, int row, std::string_view text) { out.cells[size_t(col)][size_t(row)] = std::string(text); });
-        const int itemID = rs.fieldIndex(QStringLiteral("ItemID")), loanType = rs.fieldIndex(QStringLiteral("LoanType"));
-        out.marks.reserve(size_t(out.rows));
-        for (int r = 0; r < out.rows; ++r) {
-            if (!rs.fieldAt(r, fields.cost).isNull())
-                out.total += rs.fieldAt(r, fields.cost).toMoney();
-            out.marks.push_back({rs.fieldAt(r, itemID).toInt(), rs.fieldAt(r, fields.restricted).toBool(), rs.fieldAt(r, loanType).toString()});
-        }
-        return out;
-    });
-    if (!read)
+    if (!filled)
         return;
-    grid.takeRows(std::move(read->cells), read->rows);
-    shown_ = std::move(read->marks);
-    ui->txtTotalItems->setText(QString::number(read->rows));
-    ui->txtTotalCost->setText(read->total.toDisplayText());
+    shown_ = std::move(marks);
+    ui->txtTotalItems->setText(QString::number(ui->fpSpreadStock->maxRows()));
+    ui->txtTotalCost->setText(total.toDisplayText());
 }
 
 void frmItemList::cmdSearch_Click()

@@ -2,6 +2,8 @@
 #include "ui_frmLabelList.h"
 
 #include "AppError.h"
+#include "GridFill.h"
+#include "Recordset.h"
 #include "ItemCriteria.h"
 #include "LabelSheet.h"
 #include "TaskRunner.h"
@@ -65,38 +67,40 @@ frmLabelList::frmLabelList(SettingsStore &settings, QWidget *parent)
 
 frmLabelList::~frmLabelList() = default;
 
+namespace {
+
+// A copy a row: accession, shelf, class, its authors, title and ISBN, the Print box clear.
+void writeLabelRows(const Recordset &rs, const CellSink &put)
+{
+    const std::pair<int, int> plain[] = {{0, rs.fieldIndex(QStringLiteral("ItemID"))},      {1, rs.fieldIndex(QStringLiteral("AccessionID"))},
+                                         {2, rs.fieldIndex(QStringLiteral("ShelfNumber"))}, {3, rs.fieldIndex(QStringLiteral("classificationno"))},
+                                         {5, rs.fieldIndex(QStringLiteral("Title"))},       {6, rs.fieldIndex(QStringLiteral("ISBN"))}};
+    const int author1 = rs.fieldIndex(QStringLiteral("Author1")), author2 = rs.fieldIndex(QStringLiteral("Author2"));
+    std::string text, second;
+    for (int r = 0; r < rs.RecordCount(); ++r) {
+        for (const auto &[column, field] : plain) {
+            text.clear();
+            rs.fieldAt(r, field).appendUtf8(&text);
+            put(column, r + 1, text);
+        }
+        text.clear();
+        second.clear();
+        rs.fieldAt(r, author1).appendUtf8(&text);
+        rs.fieldAt(r, author2).appendUtf8(&second);
+        if (!text.empty() && !second.empty())
+            text += "; ";
+        put(4, r + 1, text + second);
+        put(PrintColumn, r + 1, "0");
+    }
+}
+
+} // namespace
+
 void frmLabelList::fill(const QString &sql)
 {
     listStatement_ = sql;
-    SpreadGrid &grid = *ui->fpSpreadStock;
-    std::shared_ptr<Recordset> result;
-    TaskRunner(this, QStringLiteral("Reading the catalogue...")).run([&](TaskProgress &) {
-        clsDataObject reader;
-        reader.GetData(sql + order_.clause());
-        result = reader.rst;
-    });
-    if (!result)
-        return;
-    grid.beginFill();
-    grid.setMaxRows(result->RecordCount());
-    int row = 0;
-    for (Recordset &rs = *result; !rs.atEnd(); rs.MoveNext()) {
-        ++row;
-        QStringList authors;
-        for (const char *field : {"Author1", "Author2"})
-            if (!rs.field(QLatin1String(field)).toString().isEmpty())
-                authors << rs.field(QLatin1String(field)).toString();
-        grid.setCellText(0, row, rs.field(QStringLiteral("ItemID")).toString());
-        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
-        grid.setCellText(2, row, rs.field(QStringLiteral("ShelfNumber")).toString());
-        grid.setCellText(3, row, rs.field(QStringLiteral("classificationno")).toString());
-        grid.setCellText(4, row, authors.join(QStringLiteral("; ")));
-        grid.setCellText(5, row, rs.field(QStringLiteral("Title")).toString());
-        grid.setCellText(6, row, rs.field(QStringLiteral("ISBN")).toString());
-        grid.setChecked(PrintColumn, row, false);
-    }
-    grid.endFill();
-    ui->chkAll->setChecked(false);
+    if (FillGridInBackground(this, *ui->fpSpreadStock, sql + order_.clause(), QStringLiteral("Reading the catalogue..."), writeLabelRows))
+        ui->chkAll->setChecked(false);
 }
 
 void frmLabelList::cmdAll_Click()
