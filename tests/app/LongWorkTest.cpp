@@ -13,6 +13,8 @@
 #include "clsDataObject.h"
 #include "TaskRunner.h"
 #include "frmItemList.h"
+#include "frmLabelList.h"
+#include "SettingsStore.h"
 #include "frmLibraryStatistics.h"
 #include "frmOverdueNotices.h"
 #include "frmReportViewer.h"
@@ -94,6 +96,15 @@ TEST_F(LongWork, ShowAllListsEveryCopyOnShelfWhileTheWindowLives)
     EXPECT_GT(onShelf, 19000);
     EXPECT_EQ(child<SpreadGrid>(screen, "fpSpreadStock")->maxRows(), onShelf);
     EXPECT_EQ(child<QLineEdit>(screen, "txtTotalItems")->text(), QString::number(onShelf));
+
+    // The label list reads the same shelves the same way.
+    QTemporaryDir dir;
+    SettingsStore settings(dir.filePath("labels.ini"));
+    frmLabelList labels(settings);
+    ticks();
+    click(labels, "cmdAll");
+    EXPECT_GT(ticks(), 0) << "the window stood still while the label list was read";
+    EXPECT_EQ(child<SpreadGrid>(labels, "fpSpreadStock")->maxRows(), onShelf);
 }
 
 TEST_F(LongWork, ACancelledPdfLeavesNoFile)
