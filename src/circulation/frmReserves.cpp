@@ -16,10 +16,70 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 #include "SchoolDatabase.h"
+#include "TaskRunner.h"
+
+#include <string>
+#include <vector>
 
 namespace {
 const QString Location = QStringLiteral("frmReserves");
 constexpr int ReserveColumn = 3, CancelColumn = 5;
+
+// A grid's rows read where the window need not wait for them: grid columns 0 (the row's key) to last.
+class GridRows {
+public:
+    explicit GridRows(int lastColumn) : cells_(size_t(lastColumn) + 1) {}
+    void add(const QStringList &row)
+    {
+        ++count_;
+        for (size_t c = 0; c < cells_.size(); ++c)
+            cells_[c].push_back(c < size_t(row.size()) ? row[qsizetype(c)].toStdString() : std::string());
+    }
+    int count() const { return count_; }
+    QString cell(int col, int row) const { return QString::fromStdString(cells_[size_t(col)][size_t(row - 1)]); }
+    // Below the grid's own rows, in one fill.
+    void appendTo(SpreadGrid &grid) const
+    {
+        const int first = grid.maxRows();
+        grid.beginFill();
+        grid.setMaxRows(first + count_);
+        for (size_t c = 0; c < cells_.size(); ++c)
+            for (int r = 0; r < count_; ++r)
+                grid.setCellUtf8(int(c), first + r + 1, cells_[c][size_t(r)]);
+        grid.endFill();
+    }
+
+private:
+    std::vector<std::vector<std::string>> cells_;
+    int count_ = 0;
+};
+
+// The copies an item search finds, as the upper grid shows them.
+void readCopies(clsDataObject &data, const QString &sql, GridRows &out)
+{
+    data.GetData(sql);
+    for (Recordset &rs = *data.rst; !rs.atEnd(); rs.MoveNext())
+        out.add({rs.field(QStringLiteral("ItemID")).toString(), rs.field(QStringLiteral("AccessionID")).toString(), rs.field(QStringLiteral("Title")).toString()});
+    data.CloseCompact();
+}
+
+// The open reservations of a copy, as the lower grid shows them.
+void readReserves(clsDataObject &data, const QString &accession, GridRows &out)
+{
+    data.GetData(QStringLiteral(" SELECT DISTINCT tblLibReserves.ReserveID, tblLibItems.AccessionID, tblLibReserves.MemberType, tblLibReserves.MemberID, tblLibReserves.ReserveDate, tblLibReserves.Canceled")
+                 + QStringLiteral(" FROM (tblLibReserves") + QStringLiteral(" Inner join  tblLibItems on tblLibReserves.ItemID = tblLibItems.ItemID )")
+                 + QStringLiteral(" where tblLibItems.AccessionID = '") + Safesql(accession) + QStringLiteral("'")
+                 + QStringLiteral(" and tblLibReserves.canceled = false"));
+    const std::shared_ptr<Recordset> rs = data.rst;
+    data.CloseCompact();
+    for (; !rs->atEnd(); rs->MoveNext()) {
+        const QString type = rs->field(QStringLiteral("MemberType")).toString();
+        out.add({rs->field(QStringLiteral("ReserveID")).toString(), rs->field(QStringLiteral("AccessionID")).toString(),
+                 GetMemberIDNo(rs->field(QStringLiteral("MemberID")).toInt(), type).toString(), type, rs->field(QStringLiteral("ReserveDate")).toString(),
+                 rs->field(QStringLiteral("Canceled")).toBool() ? QStringLiteral("1") : QStringLiteral("0")});
+    }
+}
+
 } // namespace
 
 frmReserves::frmReserves(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmReserves>())
@@ -53,49 +113,41 @@ void frmReserves::ClearGrids()
     ui->fpSpreadReserves->clearRows();
 }
 
-// Appends the rows of the item search in data_.rst to the upper grid.
-void frmReserves::appendFound()
-{
-    SpreadGrid &grid = *ui->fpSpreadSearch;
-    for (Recordset &rs = *data_.rst; !rs.atEnd(); rs.MoveNext()) {
-        const int row = grid.maxRows() + 1;
-        grid.setMaxRows(row);
-        grid.setCellText(0, row, rs.field(QStringLiteral("ItemID")).toString());
-        grid.setCellText(1, row, rs.field(QStringLiteral("AccessionID")).toString());
-        grid.setCellText(2, row, rs.field(QStringLiteral("Title")).toString());
-    }
-    data_.CloseCompact();
-}
-
 void frmReserves::cmdFind_Click()
 {
     Trap(Location, QStringLiteral("cmdFind_Click"), [&] {
         ClearGrids();
         const QString accession = ui->txtAccessionNo->text();
-        if (!accession.isEmpty()) {
-            sql_ = QStringLiteral("select ItemID, AccessionID,Title from tblLibItems where (ReferenceItem = false) and (Restricted = false) and AccessionID = '")
-                   + Safesql(accession) + QStringLiteral("' order by Title,AccessionID");
-            data_.GetData(sql_);
-            appendFound();
-            LoadReserves(accession);
-            return;
-        }
-        if (ui->txtTitle->text().isEmpty()) {
+        if (accession.isEmpty() && ui->txtTitle->text().isEmpty()) {
             UserMessage(QStringLiteral("Please enter an accession number or title"));
             return;
         }
-        sql_ = QStringLiteral("select ItemID, AccessionID,Title from tblLibItems where ((ReferenceItem = false) and (Restricted = false) and  (Title like '%")
-               + Safesql(ui->txtTitle->text()) + QStringLiteral("%'))");
-        if (data_.GetData(sql_) < 1) {
-            data_.CloseCompact();
+        sql_ = !accession.isEmpty()
+                   ? QStringLiteral("select ItemID, AccessionID,Title from tblLibItems where (ReferenceItem = false) and (Restricted = false) and AccessionID = '")
+                         + Safesql(accession) + QStringLiteral("' order by Title,AccessionID")
+                   : QStringLiteral("select ItemID, AccessionID,Title from tblLibItems where ((ReferenceItem = false) and (Restricted = false) and  (Title like '%")
+                         + Safesql(ui->txtTitle->text()) + QStringLiteral("%'))");
+        // A title can find thousands of copies, each with its reservations to read: off the window.
+        GridRows copies(2), reserved(CancelColumn);
+        const bool read = TaskRunner(this, QStringLiteral("Finding the copies...")).run([&](TaskProgress &) {
+            clsDataObject data;
+            readCopies(data, sql_, copies);
+            if (!accession.isEmpty())
+                readReserves(data, accession, reserved);
+            else
+                for (int row = 1; row <= copies.count(); ++row)
+                    readReserves(data, copies.cell(1, row), reserved);
+        });
+        if (!read)
+            return;
+        if (accession.isEmpty() && copies.count() == 0) {
             UserMessage(QStringLiteral("Item not found"));
             return;
         }
-        appendFound();
-        if (!ui->txtMemberID->text().isEmpty())
+        copies.appendTo(*ui->fpSpreadSearch);
+        if (accession.isEmpty() && !ui->txtMemberID->text().isEmpty())
             memberByNumber();
-        for (int row = 1; row <= ui->fpSpreadSearch->maxRows(); ++row)
-            LoadReserves(ui->fpSpreadSearch->cellText(1, row));
+        reserved.appendTo(*ui->fpSpreadReserves);
     }, [&] { data_.CloseCompact(); });
 }
 
@@ -126,28 +178,6 @@ bool frmReserves::Validate()
         return false;
     }
     return true;
-}
-
-void frmReserves::LoadReserves(const QString &accession)
-{
-    data_.GetData(QStringLiteral(" SELECT DISTINCT tblLibReserves.ReserveID, tblLibItems.AccessionID, tblLibReserves.MemberType, tblLibReserves.MemberID, tblLibReserves.ReserveDate, tblLibReserves.Canceled")
-                  + QStringLiteral(" FROM (tblLibReserves") + QStringLiteral(" Inner join  tblLibItems on tblLibReserves.ItemID = tblLibItems.ItemID )")
-                  + QStringLiteral(" where tblLibItems.AccessionID = '") + Safesql(accession) + QStringLiteral("'")
-                  + QStringLiteral(" and tblLibReserves.canceled = false"));
-    const std::shared_ptr<Recordset> rs = data_.rst;
-    data_.CloseCompact();
-    SpreadGrid &grid = *ui->fpSpreadReserves;
-    for (; !rs->atEnd(); rs->MoveNext()) {
-        const int row = grid.maxRows() + 1;
-        grid.setMaxRows(row);
-        const QString type = rs->field(QStringLiteral("MemberType")).toString();
-        grid.setCellText(0, row, rs->field(QStringLiteral("ReserveID")).toString());
-        grid.setCellText(1, row, rs->field(QStringLiteral("AccessionID")).toString());
-        grid.setCellText(2, row, GetMemberIDNo(rs->field(QStringLiteral("MemberID")).toInt(), type).toString());
-        grid.setCellText(3, row, type);
-        grid.setCellText(4, row, rs->field(QStringLiteral("ReserveDate")).toString());
-        grid.setChecked(CancelColumn, row, rs->field(QStringLiteral("Canceled")).toBool());
-    }
 }
 
 void frmReserves::LoadReservationLimits()

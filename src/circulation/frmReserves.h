@@ -25,7 +25,6 @@ public Q_SLOTS:
     void cmdPrint_Click();
 
 public:
-    void LoadReserves(const QString &accession);
     void LoadReservationLimits();
     void ClearGrids();
     /// The field check: "Item was not found" or "Member not found"; true when both are found.
@@ -34,7 +33,6 @@ public:
 private:
     void reserveFoundRow(int row);
     QVariant memberByNumber();
-    void appendFound();
 
     std::unique_ptr<Ui::frmReserves> ui;
     clsDataObject data_;
