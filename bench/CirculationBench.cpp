@@ -235,4 +235,15 @@ void benchCirculationScreens()
                 reserves.findChild<SpreadGrid *>(QStringLiteral("fpSpreadReserves"))->maxRows());
     search.report("reservations title search to both grids filled");
     searchStall.report("Reservations title search");
+
+    // View Reservations: every open reservation with its member's name.
+    frmReservedItems reserved;
+    reserved.show();
+    Samples all;
+    GuiStall allStall;
+    for (int run = 0; run < 3; ++run)
+        all.time([&] { allStall.time([&] { reserved.findChild<QAbstractButton *>(QStringLiteral("cmdFindAll"))->click(); }); });
+    std::printf("  view reservations, Find All: %d open reservations\n", reserved.findChild<SpreadGrid *>(QStringLiteral("fpSpreadReserves"))->maxRows());
+    all.report("view reservations Find All to filled grid");
+    allStall.report("View Reservations Find All");
 }
