@@ -12,7 +12,6 @@
 #include "frmLabelList.h"
 #include "frmReferenceList.h"
 
-#include <QAbstractButton>
 #include <QPrinter>
 #include <QTemporaryDir>
 
@@ -81,11 +80,8 @@ void benchLabels()
     SettingsStore settings(dir.filePath(QStringLiteral("labels.ini")));
     frmLabelList list(settings);
     list.show();
-    Samples all;
-    GuiStall allStall;
-    for (int run = 0; run < 5; ++run)
-        all.time([&] { allStall.time([&] { list.findChild<QAbstractButton *>(QStringLiteral("cmdAll"))->click(); }); });
+    Presses all;
+    all.press(list, "cmdAll", 5);
     std::printf("  label list: %d copies\n", list.findChild<SpreadGrid *>(QStringLiteral("fpSpreadStock"))->maxRows());
-    all.report("label list \"Show All\" to filled grid");
-    allStall.report("Label list Show All");
+    all.report("label list \"Show All\" to filled grid", "Label list Show All");
 }

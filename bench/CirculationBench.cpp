@@ -226,24 +226,18 @@ void benchCirculationScreens()
     frmReserves reserves;
     reserves.show();
     reserves.findChild<QLineEdit *>(QStringLiteral("txtTitle"))->setText(QStringLiteral("Letter"));
-    Samples search;
-    GuiStall searchStall;
-    for (int run = 0; run < 3; ++run)
-        search.time([&] { searchStall.time([&] { reserves.findChild<QAbstractButton *>(QStringLiteral("cmdFind"))->click(); }); });
+    Presses search;
+    search.press(reserves, "cmdFind", 3);
     std::printf("  reservations, title search \"Letter\": %d copies, %d open reservations\n",
                 reserves.findChild<SpreadGrid *>(QStringLiteral("fpSpreadSearch"))->maxRows(),
                 reserves.findChild<SpreadGrid *>(QStringLiteral("fpSpreadReserves"))->maxRows());
-    search.report("reservations title search to both grids filled");
-    searchStall.report("Reservations title search");
+    search.report("reservations title search to both grids filled", "Reservations title search");
 
     // View Reservations: every open reservation with its member's name.
     frmReservedItems reserved;
     reserved.show();
-    Samples all;
-    GuiStall allStall;
-    for (int run = 0; run < 3; ++run)
-        all.time([&] { allStall.time([&] { reserved.findChild<QAbstractButton *>(QStringLiteral("cmdFindAll"))->click(); }); });
+    Presses all;
+    all.press(reserved, "cmdFindAll", 3);
     std::printf("  view reservations, Find All: %d open reservations\n", reserved.findChild<SpreadGrid *>(QStringLiteral("fpSpreadReserves"))->maxRows());
-    all.report("view reservations Find All to filled grid");
-    allStall.report("View Reservations Find All");
+    all.report("view reservations Find All to filled grid", "View Reservations Find All");
 }

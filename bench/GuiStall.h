@@ -2,10 +2,13 @@
 
 #include "BenchTimer.h"
 
+#include <QAbstractButton>
 #include <QTimer>
+#include <QWidget>
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 
 // The GUI thread's longest stall during an action: the widest gap between two turns of the
 // event loop (a zero-interval timer fires on every turn, nested loops included), counted from
@@ -40,4 +43,27 @@ public:
 
 private:
     Samples stalls_;
+};
+
+// A screen's button pressed a number of times, each press timed from the click to its return beside
+// the GUI thread's longest stall; before runs ahead of each press (answers to queue, say).
+class Presses {
+public:
+    void press(QWidget &screen, const char *button, int runs, const std::function<void()> &before = {})
+    {
+        for (int run = 0; run < runs; ++run) {
+            if (before)
+                before();
+            total_.time([&] { stall_.time([&] { screen.findChild<QAbstractButton *>(QLatin1String(button))->click(); }); });
+        }
+    }
+    void report(const char *total, const char *action)
+    {
+        total_.report(total);
+        stall_.report(action);
+    }
+
+private:
+    Samples total_;
+    GuiStall stall_;
 };

@@ -9,7 +9,6 @@
 #include "SettingsStore.h"
 #include "frmMainMenu.h"
 
-#include <QAbstractButton>
 #include <QDir>
 
 #include <cstdio>
@@ -32,17 +31,14 @@ void benchMenuWork(const QString &workFolder)
         menu.Form_Load();
         menu.show();
         const auto press = [&](const char *button, const char *action, std::initializer_list<int> replies) {
-            Samples total;
-            GuiStall stall;
-            for (int run = 0; run < 3; ++run) {
+            Presses presses;
+            presses.press(menu, button, 3, [&] {
                 answers.clear();
                 for (const int reply : replies)
                     answers.queueAnswer(reply);
-                total.time([&] { stall.time([&] { menu.findChild<QAbstractButton *>(QLatin1String(button))->click(); }); });
-            }
+            });
             std::printf("  %s, then: %s\n", action, answers.shown().empty() ? "no message" : qPrintable(answers.shown().back().prompt));
-            total.report(action);
-            stall.report(action);
+            presses.report(action, action);
         };
         press("cmdBackup", "Back Up Now", {});
         // The compacted copy is declined, so every run compacts the same file.
