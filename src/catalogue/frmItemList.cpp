@@ -16,7 +16,6 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 
-
 namespace {
 
 const QString Location = QStringLiteral("frmItemList");

@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QTableView>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
