@@ -16,43 +16,12 @@
 #include "mCommon.h"
 #include "modExtendedMsgBox.h"
 #include "SchoolDatabase.h"
+#include "GridFill.h"
 #include "TaskRunner.h"
-
-#include <string>
-#include <vector>
 
 namespace {
 const QString Location = QStringLiteral("frmReserves");
 constexpr int ReserveColumn = 3, CancelColumn = 5;
-
-// A grid's rows read where the window need not wait for them: grid columns 0 (the row's key) to last.
-class GridRows {
-public:
-    explicit GridRows(int lastColumn) : cells_(size_t(lastColumn) + 1) {}
-    void add(const QStringList &row)
-    {
-        ++count_;
-        for (size_t c = 0; c < cells_.size(); ++c)
-            cells_[c].push_back(c < size_t(row.size()) ? row[qsizetype(c)].toStdString() : std::string());
-    }
-    int count() const { return count_; }
-    QString cell(int col, int row) const { return QString::fromStdString(cells_[size_t(col)][size_t(row - 1)]); }
-    // Below the grid's own rows, in one fill.
-    void appendTo(SpreadGrid &grid) const
-    {
-        const int first = grid.maxRows();
-        grid.beginFill();
-        grid.setMaxRows(first + count_);
-        for (size_t c = 0; c < cells_.size(); ++c)
-            for (int r = 0; r < count_; ++r)
-                grid.setCellUtf8(int(c), first + r + 1, cells_[c][size_t(r)]);
-        grid.endFill();
-    }
-
-private:
-    std::vector<std::vector<std::string>> cells_;
-    int count_ = 0;
-};
 
 // The copies an item search finds, as the upper grid shows them.
 void readCopies(clsDataObject &data, const QString &sql, GridRows &out)
