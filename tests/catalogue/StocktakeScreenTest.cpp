@@ -51,55 +51,102 @@ protected:
         EXPECT_TRUE(box->text().isEmpty());
     }
     QString label(frmStocktake &screen, const char *name) { return child<QLabel>(screen, name)->text(); }
+    // Starts "Fiction 2026" over the Fiction category: S1 to S4, S3 on loan.
+    void begin(frmStocktake &screen)
+    {
+        type(screen, "txtName", "Fiction 2026");
+        child<QCheckBox>(screen, "chkWhole")->setChecked(false);
+        child<QListWidget>(screen, "lstScope")->item(0)->setCheckState(Qt::Checked);
+        click(screen, "cmdStart");
+    }
+    // Finishes with Yes to the question; the result is saved as a PDF when a name is given.
+    int finish(frmStocktake &screen, const QString &pdf = QString())
+    {
+        int pages = -1;
+        const auto watch = whenModal<frmReportViewer>([&](frmReportViewer *viewer) {
+            pages = viewer->pageCount();
+            EXPECT_TRUE(pdf.isEmpty() || viewer->saveAsPdf(pdf) == frmReportViewer::Saved::Yes);
+            viewer->close();
+        });
+        messages_->queueAnswer(MessageScript::Yes);
+        click(screen, "cmdFinish");
+        return pages;
+    }
 };
 
 } // namespace
 
-TEST_F(StocktakeScreen, ScansAreShownCountedAndKeptUntilTheStocktakeIsFinished)
+TEST_F(StocktakeScreen, StartsOnlyWithAScopeAndShowsEveryKindOfScan)
+{
+    frmStocktake screen;
+    EXPECT_FALSE(child<QLineEdit>(screen, "txtScan")->isEnabled());
+    type(screen, "txtName", "Fiction 2026");
+    child<QCheckBox>(screen, "chkWhole")->setChecked(false);
+    click(screen, "cmdStart");
+    EXPECT_EQ(messages_->prompts().last(), "Please tick the categories to count, or choose the whole catalogue.");
+    ASSERT_EQ(child<QListWidget>(screen, "lstScope")->item(0)->text(), "Fiction");
+    begin(screen);
+    EXPECT_TRUE(child<QLineEdit>(screen, "txtScan")->isEnabled());
+    EXPECT_EQ(label(screen, "lblCount"), "Scanned 0 of 4");
+
+    scan(screen, "S1");
+    EXPECT_EQ(label(screen, "lblLastScan"), "S1: On the shelf");
+    EXPECT_EQ(label(screen, "lblCount"), "Scanned 1 of 4");
+    scan(screen, "S1");
+    EXPECT_EQ(label(screen, "lblLastScan"), "S1: Already scanned");
+    for (const char *number : {"S5", "Z999", "S3"})
+        scan(screen, number);
+    EXPECT_EQ(label(screen, "lblCount"), "Scanned 2 of 4");
+    EXPECT_EQ(rows(screen, "gridScans"), (QStringList{"Already scanned|S1|Title 1", "Outside the scope|S5|Title 5", "Unknown number|Z999|", "On loan|S3|Title 3"}));
+}
+
+TEST_F(StocktakeScreen, ACopyOnLoanFoundOnTheShelfIsReturnedAsTheDeskReturnsIt)
+{
+    frmStocktake screen;
+    begin(screen);
+    scan(screen, "S3");
+    child<SpreadGrid>(screen, "gridScans")->selectGridRow(1);
+    click(screen, "cmdReturn");
+    // Four days late at 0.50 a day.
+    EXPECT_EQ(messages_->prompts().last(), "S3 has been returned - fine 2.00.");
+    EXPECT_EQ(libraryRows("select Returned, ReturnDate from tblLibTransactions"), QStringList{"True|2026-11-24"});
+    EXPECT_EQ(libraryValue("select FineAmount from tblLibTransactionFines"), "2");
+}
+
+// Opened again (and shown, so the scanner's Enter could reach a button), a stocktake resumes with
+// the scope it was started with and the scans that needed attention; Enter only records the scan.
+TEST_F(StocktakeScreen, AClosedStocktakeResumesWithItsScopeAndScans)
 {
     {
         frmStocktake screen;
-        EXPECT_FALSE(child<QLineEdit>(screen, "txtScan")->isEnabled());
-        child<QLineEdit>(screen, "txtName")->setText("Fiction 2026");
-        child<QCheckBox>(screen, "chkWhole")->setChecked(false);
-        click(screen, "cmdStart");
-        EXPECT_EQ(messages_->prompts().last(), "Please tick the categories to count, or choose the whole catalogue.");
-        auto *scope = child<QListWidget>(screen, "lstScope");
-        ASSERT_EQ(scope->item(0)->text(), "Fiction");
-        scope->item(0)->setCheckState(Qt::Checked);
-        click(screen, "cmdStart");
-        EXPECT_TRUE(child<QLineEdit>(screen, "txtScan")->isEnabled());
-        EXPECT_EQ(label(screen, "lblCount"), "Scanned 0 of 4");
-
-        scan(screen, "S1");
-        EXPECT_EQ(label(screen, "lblLastScan"), "S1: On the shelf");
-        EXPECT_EQ(label(screen, "lblCount"), "Scanned 1 of 4");
-        scan(screen, "S1");
-        EXPECT_EQ(label(screen, "lblLastScan"), "S1: Already scanned");
-        scan(screen, "S5");
-        scan(screen, "Z999");
+        begin(screen);
         scan(screen, "S3");
-        EXPECT_EQ(label(screen, "lblCount"), "Scanned 2 of 4");
-        auto *grid = child<SpreadGrid>(screen, "gridScans");
-        QStringList rows;
-        for (int r = 1; r <= grid->maxRows(); ++r)
-            rows << grid->cellText(1, r) + "|" + grid->cellText(2, r) + "|" + grid->cellText(3, r);
-        EXPECT_EQ(rows, (QStringList{"Already scanned|S1|Title 1", "Outside the scope|S5|Title 5", "Unknown number|Z999|", "On loan|S3|Title 3"}));
-
-        // The copy on loan but on the shelf is returned as the desk returns it: four days late at 0.50 a day.
-        grid->selectGridRow(4);
-        click(screen, "cmdReturn");
-        EXPECT_EQ(messages_->prompts().last(), "S3 has been returned - fine 2.00.");
-        EXPECT_EQ(libraryRows("select Returned, ReturnDate from tblLibTransactions"), QStringList{"True|2026-11-24"});
-        EXPECT_EQ(libraryValue("select FineAmount from tblLibTransactionFines"), "2");
+        scan(screen, "Z9");
     }
-    // Closed and opened again: the stocktake resumes where it was.
     frmStocktake screen;
+    screen.show();
+    QApplication::setActiveWindow(&screen);
     EXPECT_EQ(child<QLineEdit>(screen, "txtName")->text(), "Fiction 2026");
-    EXPECT_EQ(label(screen, "lblCount"), "Scanned 2 of 4");
+    EXPECT_FALSE(child<QCheckBox>(screen, "chkWhole")->isChecked());
+    EXPECT_EQ(child<QListWidget>(screen, "lstScope")->item(0)->checkState(), Qt::Checked);
+    EXPECT_EQ(child<QListWidget>(screen, "lstScope")->item(1)->checkState(), Qt::Unchecked);
+    EXPECT_EQ(rows(screen, "gridScans"), (QStringList{"On loan|S3|Title 3", "Unknown number|Z9|"}));
+    messages_->clear();
+    scan(screen, "S1");
+    scan(screen, "S2");
     scan(screen, "S1");
     EXPECT_EQ(label(screen, "lblLastScan"), "S1: Already scanned");
+    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
+    EXPECT_EQ(label(screen, "lblCount"), "Scanned 3 of 4");
+    EXPECT_EQ(libraryValue("select count(*) from tblLibStocktakeScans where AccessionID in ('S1', 'S2')"), "2");
+}
 
+TEST_F(StocktakeScreen, TheResultIsExportedMissingCopiesMarkedLostAndTheFinishPrinted)
+{
+    frmStocktake screen;
+    begin(screen);
+    for (const char *number : {"S1", "S5", "Z999"})
+        scan(screen, number);
     messages_->queueFileName(path("result"));
     click(screen, "cmdExport");
     EXPECT_EQ(workbookRows(path("result.xlsx")), (QStringList{"Result|Accession No|Title", "Missing|S2|Title 2", "Missing|S4|Title 4",
@@ -111,15 +158,7 @@ TEST_F(StocktakeScreen, ScansAreShownCountedAndKeptUntilTheStocktakeIsFinished)
     EXPECT_EQ(libraryRows("select AccessionID, PhasedOutReason from tblLibItems where PhasedOut = true order by AccessionID"),
               (QStringList{"S2|Lost", "S4|Lost"}));
 
-    int pages = -1;
-    const auto watch = whenModal<frmReportViewer>([&](frmReportViewer *viewer) {
-        pages = viewer->pageCount();
-        EXPECT_EQ(viewer->saveAsPdf(path("stocktake.pdf")), frmReportViewer::Saved::Yes);
-        viewer->close();
-    });
-    messages_->queueAnswer(MessageScript::Yes);
-    click(screen, "cmdFinish");
-    EXPECT_EQ(pages, 1);
+    EXPECT_EQ(finish(screen, path("stocktake.pdf")), 1);
     const QString text = pdfText(path("stocktake.pdf"));
     for (const char *expected : {"Hillview High - Stocktake \"Fiction 2026\"", "Copies in the scope: 2", "Unknown numbers (1)", "Z999",
                                  "Outside the scope (1)", "S5"})
@@ -128,48 +167,23 @@ TEST_F(StocktakeScreen, ScansAreShownCountedAndKeptUntilTheStocktakeIsFinished)
     EXPECT_TRUE(child<QPushButton>(screen, "cmdStart")->isEnabled());
 }
 
-// Resumed on a shown screen, the scanner's Enter only ever records the scan (no button answers it);
-// the screen shows the scope it was started with and the scans that needed attention. Finished,
-// its result stays at hand with the counts at finishing, also after the screen is opened again.
-TEST_F(StocktakeScreen, AResumedStocktakeKeepsEveryScanAndAFinishedOneItsResult)
+// Finished, the result stays at hand with the counts at finishing, also after the screen is opened again.
+TEST_F(StocktakeScreen, AFinishedStocktakeKeepsItsResult)
 {
     {
         frmStocktake screen;
-        child<QLineEdit>(screen, "txtName")->setText("Fiction 2026");
-        child<QCheckBox>(screen, "chkWhole")->setChecked(false);
-        child<QListWidget>(screen, "lstScope")->item(0)->setCheckState(Qt::Checked);
-        click(screen, "cmdStart");
-        scan(screen, "S3");
-        scan(screen, "Z9");
+        begin(screen);
+        for (const char *number : {"S3", "Z9", "S1", "S2"})
+            scan(screen, number);
+        finish(screen);
+        EXPECT_TRUE(child<QPushButton>(screen, "cmdExport")->isEnabled());
+        EXPECT_TRUE(child<QPushButton>(screen, "cmdMarkLost")->isEnabled());
+        messages_->queueAnswer(MessageScript::Yes);
+        click(screen, "cmdMarkLost");
+        EXPECT_EQ(libraryRows("select AccessionID from tblLibItems where PhasedOutReason = 'Lost'"), QStringList{"S4"});
     }
-    frmStocktake screen;
-    screen.show();
-    QApplication::setActiveWindow(&screen);
-    EXPECT_FALSE(child<QCheckBox>(screen, "chkWhole")->isChecked());
-    EXPECT_EQ(child<QListWidget>(screen, "lstScope")->item(0)->checkState(), Qt::Checked);
-    EXPECT_EQ(child<QListWidget>(screen, "lstScope")->item(1)->checkState(), Qt::Unchecked);
-    auto *grid = child<SpreadGrid>(screen, "gridScans");
-    ASSERT_EQ(grid->maxRows(), 2);
-    EXPECT_EQ(grid->cellText(1, 1) + "|" + grid->cellText(2, 1) + "|" + grid->cellText(3, 1), "On loan|S3|Title 3");
-    EXPECT_EQ(grid->cellText(1, 2) + "|" + grid->cellText(2, 2), "Unknown number|Z9");
-    messages_->clear();
-    scan(screen, "S1");
-    scan(screen, "S2");
-    EXPECT_TRUE(messages_->shown().empty()) << messages_->prompts().join('/').toStdString();
-    EXPECT_EQ(label(screen, "lblCount"), "Scanned 3 of 4");
-    EXPECT_EQ(libraryValue("select count(*) from tblLibStocktakeScans where AccessionID in ('S1', 'S2')"), "2");
-
-    const auto watch = whenModal<frmReportViewer>([](frmReportViewer *viewer) { viewer->close(); });
-    messages_->queueAnswer(MessageScript::Yes);
-    click(screen, "cmdFinish");
-    EXPECT_TRUE(child<QPushButton>(screen, "cmdExport")->isEnabled());
-    EXPECT_TRUE(child<QPushButton>(screen, "cmdMarkLost")->isEnabled());
-    messages_->queueAnswer(MessageScript::Yes);
-    click(screen, "cmdMarkLost");
-    EXPECT_EQ(libraryRows("select AccessionID from tblLibItems where PhasedOutReason = 'Lost'"), QStringList{"S4"});
-
     frmStocktake again;
-    EXPECT_EQ(label(again, "lblCount"), "Scanned 3 of 4"); // as at finishing
+    EXPECT_EQ(label(again, "lblCount"), "Scanned 3 of 4");
     EXPECT_TRUE(child<QPushButton>(again, "cmdExport")->isEnabled());
     messages_->queueFileName(path("finished"));
     click(again, "cmdExport");

@@ -22,6 +22,14 @@ protected:
                         .arg(i).arg(categories[i - 1]).arg(i == 5 ? "true" : "false"));
         library("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('S3', 'L', 1, 3, #2026-11-01#, #2026-11-15#)");
     }
+    // "Year end 2026" over Fiction and Science with S1, S3, S5, S8, an injection attempt and s6 scanned.
+    static Stocktake yearEnd()
+    {
+        Stocktake take = Stocktake::start("Year end 2026", QDate(2026, 11, 24), {1, 2}, {});
+        for (const char *number : {"S1", "S3", "S5", "S8", "X'; DELETE FROM tblLibItems; --", "s6"})
+            take.scan(number);
+        return take;
+    }
     static QStringList numbers(const std::vector<Stocktake::Copy> &copies)
     {
         QStringList out;
@@ -33,7 +41,7 @@ protected:
 
 } // namespace
 
-TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
+TEST_F(StocktakeTest, EachScanIsClassifiedAsItIsMade)
 {
     Stocktake take = Stocktake::start("Year end 2026", QDate(2026, 11, 24), {1, 2}, {});
     EXPECT_EQ(take.expectedCount(), 6); // S1-S4, S6, S7 (S5 is phased out)
@@ -45,8 +53,14 @@ TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
     EXPECT_EQ(take.scan("X'; DELETE FROM tblLibItems; --"), Stocktake::Scan::Unknown);
     EXPECT_EQ(take.scan("s6"), Stocktake::Scan::OnShelf); // accession numbers compare without regard to case
     EXPECT_EQ(take.scannedCount(), 3);                    // S1, S3 (on loan but on the shelf), S6
+    EXPECT_EQ(libraryValue("select count(*) from tblLibItems"), "8");
+}
 
-    // Closing the program loses nothing: the open stocktake is found again with its scans.
+// Closing the program loses nothing: the open stocktake is found again with its scans, its scope,
+// the scans that needed attention and its result; while it is open no other starts.
+TEST_F(StocktakeTest, AnOpenStocktakeResumesWhole)
+{
+    yearEnd();
     std::optional<Stocktake> resumed = Stocktake::open();
     ASSERT_TRUE(resumed);
     EXPECT_EQ(resumed->name(), "Year end 2026");
@@ -59,7 +73,6 @@ TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
     EXPECT_EQ(numbers(r.unknown), QStringList{"X'; DELETE FROM tblLibItems; --"});
     EXPECT_EQ(r.scanned, 3);
     EXPECT_EQ(r.expected, 6);
-    // Resumed, it knows its scope and the scans that needed attention.
     EXPECT_EQ(resumed->categories(), (std::vector<int>{1, 2}));
     EXPECT_TRUE(resumed->subCategories().empty());
     QStringList exceptions;
@@ -67,19 +80,20 @@ TEST_F(StocktakeTest, ScansAreRecordedAtOnceAndTheResultListsEveryKind)
         exceptions << QString::number(int(kind)) + ":" + copy.accession;
     exceptions.sort();
     EXPECT_EQ(exceptions, (QStringList{"2:X'; DELETE FROM tblLibItems; --", "3:S8", "4:S5", "5:S3"}));
-    EXPECT_EQ(libraryValue("select count(*) from tblLibItems"), "8");
-
-    // One open at a time.
     EXPECT_THROW(Stocktake::start("Another", QDate(2026, 11, 24), {}, {}), AppError);
+}
 
-    // The missing copies are phased out as lost, with the stocktake's date; since the result was shown
-    // another desk lent S4 and removed S7 as damaged: neither is marked.
+// The missing copies are phased out as lost, with the stocktake's date; since the result was shown
+// another desk lent S4 and removed S7 as damaged: neither is marked. Finished, the next may start.
+TEST_F(StocktakeTest, OnlyCopiesStillMissingAreMarkedLost)
+{
+    Stocktake take = yearEnd();
     library("Insert into tblLibTransactions(AccessionID, MemberType, MemberID, ItemID, IssueDate, DueDate) values ('S4', 'L', 2, 4, #2026-11-24#, #2026-12-08#)");
     library("Update tblLibItems set PhasedOut = true, PhasedOutReason = 'Damaged', PhasedOutDate = #2026-11-23# where AccessionID = 'S7'");
-    EXPECT_EQ(resumed->markMissingLost(), 1);
+    EXPECT_EQ(take.markMissingLost(), 1);
     EXPECT_EQ(libraryRows("select AccessionID, PhasedOutReason, PhasedOutDate from tblLibItems where PhasedOut = true order by AccessionID"),
               (QStringList{"S2|Lost|2026-11-24", "S5||", "S7|Damaged|2026-11-23"}));
-    resumed->finish();
+    take.finish();
     EXPECT_FALSE(Stocktake::open());
     Stocktake whole = Stocktake::start("Whole catalogue", QDate(2026, 11, 25), {}, {});
     EXPECT_EQ(whole.expectedCount(), 5); // S1, S3, S4, S6, S8 are left
