@@ -12,6 +12,8 @@
 #include <QLineEdit>
 #include <QTreeWidget>
 
+using namespace ScreenDriver;
+
 namespace {
 
 class Categories : public DatabaseTest {
@@ -25,7 +27,6 @@ protected:
         library("Insert into tblLibSubCategories (CategoryID, SubCategory) values (2, 'History')"); // 2
         library("Insert into tblLibSubCategories (CategoryID, SubCategory) values (2, 'Science')"); // 3
     }
-    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
     static void type(QWidget &screen, const char *box, const QString &text)
     {
         QLineEdit *edit = child<QLineEdit>(screen, box);
@@ -33,7 +34,6 @@ protected:
         QCoreApplication::sendEvent(edit, &in); // the box worked in decides the level
         edit->setText(text);
     }
-    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
     // The tree as text: categories and, indented, their sub-categories, each with its key.
     static QStringList tree(frmCategories &screen)
     {

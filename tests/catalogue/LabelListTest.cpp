@@ -15,6 +15,8 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
+using namespace ScreenDriver;
+
 namespace {
 
 class LabelList : public DatabaseTest {
@@ -42,8 +44,6 @@ protected:
         SetApplicationFolder(QString());
         DatabaseTest::TearDown();
     }
-    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
-    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
     static QStringList grid(QWidget &screen) { return ScreenDriver::rows(screen, "fpSpreadStock"); }
     static void tick(QWidget &screen, int row) { child<SpreadGrid>(screen, "fpSpreadStock")->toggleCheck(7, row); }
     QStringList sent_;

@@ -13,6 +13,8 @@
 #include <QAbstractButton>
 #include <QLineEdit>
 
+using namespace ScreenDriver;
+
 namespace {
 
 class ReferenceLists : public DatabaseTest {
@@ -29,9 +31,6 @@ protected:
         SchoolName.clear();
         DatabaseTest::TearDown();
     }
-    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
-    static void type(QWidget &screen, const char *box, const QString &text) { ScreenDriver::type(screen, box, text); }
-    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
     static QStringList grid(QWidget &screen) { return ScreenDriver::rows(screen, "fpSpread"); }
     // Clicks the grid row whose first column reads text.
     static void select(QWidget &screen, const QString &text)

@@ -43,20 +43,3 @@ void SchoolDesk::lend(const QString &accession, int itemID, const QString &type,
                 .arg(accession, type).arg(member).arg(itemID)
                 .arg(due.addDays(-14).toString(Qt::ISODate), due.toString(Qt::ISODate)).arg(extensions));
 }
-
-void SchoolDesk::scan(QWidget &screen, const char *box, const QString &text)
-{
-    QLineEdit *edit = child<QLineEdit>(screen, box);
-    edit->setFocus();
-    edit->setText(text);
-    QTest::keyClick(edit, Qt::Key_Return);
-}
-
-void SchoolDesk::choose(QWidget &screen, const char *combo, const QString &text)
-{
-    QComboBox *box = child<QComboBox>(screen, combo);
-    const int index = box->findText(text);
-    ASSERT_GE(index, 0) << text.toStdString();
-    box->setCurrentIndex(index);
-    Q_EMIT box->activated(index);
-}

@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QTest>
 
+using namespace ScreenDriver; // every circulation screen test drives its widgets through these
+
 // A small school at the circulation counter, on 2026-11-23: learners 12 (admission 'L100',
 // Anna Botha, 8A) and 14 ('L102', Sipho Dlamini, 9B), a learner who has left (13, 'L101'),
 // educator 21 ('7001015000081', Ravi Naidoo), staff member 3 ('8002025000082', Thabo Mokoena);
@@ -25,14 +27,6 @@ protected:
     QStringList loans() { return libraryRows("select AccessionID, MemberType, MemberID, IssueDate, DueDate, Returned, Extensions from tblLibTransactions order by TransactionID"); }
     QStringList fines() { return libraryRows("select TransactionID, MemberType, MemberID, FineAmount, PaymentDate, PaymentAmount, FineCancelled from tblLibTransactionFines order by TransactionID"); }
 
-    template <typename T> static T *child(QWidget &screen, const char *name) { return ScreenDriver::child<T>(screen, name); }
-    static void type(QWidget &screen, const char *box, const QString &text) { ScreenDriver::type(screen, box, text); }
-    static void click(QWidget &screen, const char *button) { ScreenDriver::click(screen, button); }
-    /// Types into a scan box and presses Enter, as a barcode scanner does.
-    static void scan(QWidget &screen, const char *box, const QString &text);
-    /// Chooses a combo entry by its text, as a click on the list does.
-    static void choose(QWidget &screen, const char *combo, const QString &text);
-    static QStringList rows(QWidget &screen, const char *grid) { return ScreenDriver::rows(screen, grid); }
 
     QStringList sent_;
 };

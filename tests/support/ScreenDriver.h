@@ -8,6 +8,7 @@
 #include <QFontMetricsF>
 #include <QHeaderView>
 #include <QTableView>
+#include <QTest>
 #include <QLineEdit>
 #include <QStringList>
 #include <QTimer>
@@ -50,6 +51,14 @@ template <typename T> std::unique_ptr<QTimer> whenModal(std::function<void(T *)>
 
 inline void type(QWidget &screen, const char *box, const QString &text) { child<QLineEdit>(screen, box)->setText(text); }
 inline void click(QWidget &screen, const char *button) { child<QAbstractButton>(screen, button)->click(); }
+/// Types into a scan box and presses Enter, as a barcode scanner does.
+inline void scan(QWidget &screen, const char *box, const QString &text)
+{
+    QLineEdit *edit = child<QLineEdit>(screen, box);
+    edit->setFocus();
+    edit->setText(text);
+    QTest::keyClick(edit, Qt::Key_Return);
+}
 
 /// Every data row of a grid, its cells from column 1 joined by '|'.
 inline QStringList rows(QWidget &screen, const char *grid)
