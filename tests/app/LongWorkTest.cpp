@@ -19,10 +19,8 @@
 #include "frmOverdueNotices.h"
 #include "frmReportViewer.h"
 
-#include <QDateEdit>
 #include <QFile>
 #include <QFileInfo>
-#include <QDir>
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>

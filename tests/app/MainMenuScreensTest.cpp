@@ -11,10 +11,8 @@
 #include "frmMainMenu.h"
 
 #include <QDialog>
-#include <QApplication>
 #include <QGroupBox>
 #include <QPushButton>
-#include <QTimer>
 
 class MainMenuScreens : public DatabaseTest {};
 

@@ -23,14 +23,10 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QFontMetricsF>
-#include <QHeaderView>
 #include <QLabel>
-#include <QLayout>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTableView>
 #include <QTest>
 
 #include <functional>

@@ -5,7 +5,6 @@
 #include "TestDatabases.h"
 #include "frmCategories.h"
 
-#include <QAbstractButton>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QFocusEvent>

@@ -8,12 +8,10 @@
 #include "frmLabelList.h"
 
 #include <QTest>
-#include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
-#include <QRadioButton>
 
 using namespace ScreenDriver;
 

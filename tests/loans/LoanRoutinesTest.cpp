@@ -13,7 +13,6 @@
 #include "ConnectionPool.h"
 
 #include <QDateTime>
-#include <QObject>
 #include <QProcess>
 
 namespace {

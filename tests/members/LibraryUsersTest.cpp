@@ -10,9 +10,7 @@
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
-#include <QProcess>
 #include <QTimer>
-#include <QXmlStreamReader>
 
 using namespace ScreenDriver;
 

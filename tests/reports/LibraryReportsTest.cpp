@@ -9,14 +9,9 @@
 #include "frmLibraryReport.h"
 #include "frmReportViewer.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QRegularExpression>
-#include <QPainter>
-#include <QPdfWriter>
-#include <QRadioButton>
-#include <QTimer>
 
 using namespace ScreenDriver;
 

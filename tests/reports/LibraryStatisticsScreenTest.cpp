@@ -19,11 +19,9 @@
 #include <QChart>
 #include <QDateEdit>
 #include <QImage>
-#include <QLegend>
 #include <QProcess>
 #include <QTabWidget>
 #include <QTest>
-#include <QTimer>
 #include <QValueAxis>
 #include <QXYSeries>
 

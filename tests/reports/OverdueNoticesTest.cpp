@@ -10,13 +10,11 @@
 #include "ViewerPdf.h"
 #include "frmReportViewer.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QRadioButton>
-#include <QTimer>
 
 using namespace ScreenDriver;
 

@@ -8,9 +8,7 @@
 #include "DatabaseLocations.h"
 #include "mCommon.h"
 
-#include <QApplication>
 #include <QFontMetricsF>
-#include <QHeaderView>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTableView>
