@@ -27,6 +27,5 @@ protected:
     QStringList loans() { return libraryRows("select AccessionID, MemberType, MemberID, IssueDate, DueDate, Returned, Extensions from tblLibTransactions order by TransactionID"); }
     QStringList fines() { return libraryRows("select TransactionID, MemberType, MemberID, FineAmount, PaymentDate, PaymentAmount, FineCancelled from tblLibTransactionFines order by TransactionID"); }
 
-
     QStringList sent_;
 };
