@@ -200,19 +200,15 @@ QString SpreadModel::shownText(int col, int row) const
         return QString();
     if (type == CellType::Button && cellUtf8(col, row).empty())
         return columns_[size_t(col)].buttonText;
-    if (row > 0 && columnMoney(col)) {
-        char buffer[32];
-        if (const std::string_view amount = moneyUtf8(cellUtf8(col, row), buffer); !amount.empty())
-            return QString::fromUtf8(amount.data(), qsizetype(amount.size()));
-    }
-    QString text = cellText(col, row);
-    if (row > 0 && columnMoney(col)) { // what only Qt reads as a number (blanks, a plus sign)
-        bool number = false;
-        const double amount = text.toDouble(&number);
-        if (number)
-            text = QString::number(amount, 'f', 2);
-    }
-    return text;
+    if (row < 1 || !columnMoney(col))
+        return cellText(col, row);
+    char buffer[32];
+    if (const std::string_view amount = moneyUtf8(cellUtf8(col, row), buffer); !amount.empty())
+        return QString::fromUtf8(amount.data(), qsizetype(amount.size()));
+    const QString text = cellText(col, row); // what only Qt reads as a number (blanks, a plus sign)
+    bool number = false;
+    const double amount = text.toDouble(&number);
+    return number ? QString::number(amount, 'f', 2) : text;
 }
 
 std::string_view SpreadModel::moneyUtf8(std::string_view stored, char (&buffer)[32])

@@ -372,12 +372,13 @@ void frmMainMenu::cmdCompact_Click()
                                           + NumberText(double(Engine::Compaction::kilobytes(sizes.after))) + QStringLiteral("kb")
                                           + QStringLiteral("\r\n") + QStringLiteral("Do you want to use the compacted database?"));
         // Putting the copy in place, or deleting a file the library's size, can take longer than the window may wait.
-        TaskRunner(this, QStringLiteral("Compacting the library database...")).run([&](TaskProgress &) {
+        const bool done = TaskRunner(this, QStringLiteral("Compacting the library database...")).run([&](TaskProgress &) {
             if (useCopy)
                 engine.replace(LibraryDatabasePath, copy);
             QDir(work).removeRecursively();
         });
-        UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
+        if (done)
+            UserMessage(useCopy ? QStringLiteral("Your database has been compacted") : QStringLiteral("Your old database has been restored"));
     }, [&] { QDir(work).removeRecursively(); });
 }
 
